@@ -1,5 +1,4 @@
-// Call wrappers of the binding layer: session, transactions, locks, contexts, sets, batches and
-// status.
+// Call wrappers of the binding layer: session, transactions, locks, sets and status.
 #include "CtSession.h"
 
 #include "EntryPoints.h"
@@ -23,19 +22,19 @@ std::int16_t ReadCtreeError(TLoadAlignment A, int which) {
 
 }  // namespace
 
-char* GetCtTempFileName(TLoadAlignment A, void* a0, std::int32_t a1) {
+std::int16_t GetCtTempFileName(TLoadAlignment A, void* buf, std::int32_t len) {
   LoadCTreeDLL(A);
-  return EntryPoints.TMPNAME(a0, a1);
+  return EntryPoints.TMPNAME(buf, len);
 }
 
-std::int16_t InitIsam(TLoadAlignment A, std::int16_t a0, std::int16_t a1, std::int16_t a2) {
+std::int16_t InitIsam(TLoadAlignment A, std::int16_t bufs, std::int16_t fils, std::int16_t sect) {
   LoadCTreeDLL(A);
-  return EntryPoints.INTISAM(a0, a1, a2);
+  return EntryPoints.INTISAM(bufs, fils, sect);
 }
 
-std::int16_t OpenISAM(TLoadAlignment A, char* a0) {
+std::int16_t OpenISAM(TLoadAlignment A, char* parmfile) {
   LoadCTreeDLL(A);
-  return EntryPoints.OPNISAM(a0);
+  return EntryPoints.OPNISAM(parmfile);
 }
 
 std::int16_t CloseISAM(TLoadAlignment A) {
@@ -43,55 +42,56 @@ std::int16_t CloseISAM(TLoadAlignment A) {
   return EntryPoints.CLISAM();
 }
 
-std::int16_t LockISAM(TLoadAlignment A, std::int16_t a0) {
+std::int16_t LockISAM(TLoadAlignment A, std::int16_t mode) {
   LoadCTreeDLL(A);
-  return EntryPoints.LKISAM(a0);
+  return EntryPoints.LKISAM(mode);
 }
 
-std::int16_t CloseISAMContext(TLoadAlignment A, std::int16_t a0) {
+std::int16_t CloseISAMContext(TLoadAlignment A, std::int16_t contextid) {
   LoadCTreeDLL(A);
-  return EntryPoints.CLSICON(a0);
+  return EntryPoints.CLSICON(contextid);
 }
 
-std::int16_t OpenISAMContext(TLoadAlignment A, std::int16_t a0, std::int16_t a1, std::int16_t a2) {
+std::int16_t OpenISAMContext(TLoadAlignment A, std::int16_t datno, std::int16_t contextid,
+                             std::int16_t mode) {
   LoadCTreeDLL(A);
-  return EntryPoints.OPNICON(a0, a1, a2);
+  return EntryPoints.OPNICON(datno, contextid, mode);
 }
 
-std::int16_t ChangeISAMContext(TLoadAlignment A, std::int16_t a0) {
+std::int16_t ChangeISAMContext(TLoadAlignment A, std::int16_t contextid) {
   LoadCTreeDLL(A);
-  return EntryPoints.CHGICON(a0);
+  return EntryPoints.CHGICON(contextid);
 }
 
-std::int16_t DoBatch(TLoadAlignment A, std::int16_t a0, void* a1, void* a2, std::int32_t a3,
-                     std::int16_t a4) {
+std::int16_t DoBatch(TLoadAlignment A, std::int16_t keyno, void* request, void* buf,
+                     std::int32_t bufsiz, std::int16_t mode) {
   LoadCTreeDLL(A);
-  return EntryPoints.BATSET(a0, static_cast<pVOID>(a1), a2, a3, a4);
+  return EntryPoints.BATSET(keyno, static_cast<pKEYREQ>(request), buf, bufsiz, mode);
 }
 
-std::int16_t LockCtData(TLoadAlignment A, std::int16_t a0, std::int16_t a1, std::int32_t a2) {
+std::int16_t LockCtData(TLoadAlignment A, std::int16_t datno, std::int16_t mode, std::int32_t pos) {
   LoadCTreeDLL(A);
-  return EntryPoints.LOKREC(a0, a1, a2);
+  return EntryPoints.LOKREC(datno, mode, pos);
 }
 
-std::int16_t ViewCTreeError(TLoadAlignment A, std::uint32_t a0) {
+std::int16_t ViewCTreeError(TLoadAlignment A, std::uint32_t code) {
   LoadCTreeDLL(A);
-  return EntryPoints.ViewCtreeError(a0);
+  return EntryPoints.ViewCtreeError(code);
 }
 
-std::int32_t GetSerialNbr(TLoadAlignment A, std::int16_t a0) {
+std::int32_t GetSerialNbr(TLoadAlignment A, std::int16_t datno) {
   LoadCTreeDLL(A);
-  return EntryPoints.SERIALNUM(a0);
+  return EntryPoints.SERIALNUM(datno);
 }
 
-std::int16_t IOPERFORMANCE(TLoadAlignment A, void* a0) {
+std::int16_t IOPERFORMANCE(TLoadAlignment A, void* buf) {
   LoadCTreeDLL(A);
-  return EntryPoints.IOPERFORMANCE(a0);
+  return EntryPoints.IOPERFORMANCE(buf);
 }
 
-std::int16_t TranBegin(TLoadAlignment A, std::int16_t a0) {
+std::int32_t TranBegin(TLoadAlignment A, std::int16_t mode) {
   LoadCTreeDLL(A);
-  return EntryPoints.TRANBEG(a0);
+  return EntryPoints.TRANBEG(mode);
 }
 
 std::int16_t TranAbort(TLoadAlignment A) {
@@ -99,14 +99,14 @@ std::int16_t TranAbort(TLoadAlignment A) {
   return EntryPoints.TRANABT();
 }
 
-std::int16_t TranAbortXtd(TLoadAlignment A, std::int16_t a0) {
+std::int16_t TranAbortXtd(TLoadAlignment A, std::int16_t mode) {
   LoadCTreeDLL(A);
-  return EntryPoints.TRANABTX(a0);
+  return EntryPoints.TRANABTX(mode);
 }
 
-std::int16_t TranCommit(TLoadAlignment A, std::int16_t a0) {
+std::int16_t TranCommit(TLoadAlignment A, std::int16_t mode) {
   LoadCTreeDLL(A);
-  return EntryPoints.TRANEND(a0);
+  return EntryPoints.TRANEND(mode);
 }
 
 std::int16_t TranClear(TLoadAlignment A) {
@@ -119,31 +119,33 @@ std::int16_t TranSave(TLoadAlignment A) {
   return EntryPoints.TRANSAV();
 }
 
-std::int16_t TranRestore(TLoadAlignment A, std::int16_t a0) {
+std::int16_t TranRestore(TLoadAlignment A, std::int16_t savpnt) {
   LoadCTreeDLL(A);
-  return EntryPoints.TRANRST(a0);
+  return EntryPoints.TRANRST(savpnt);
 }
 
-std::int16_t InitISAMXtd(TLoadAlignment A, std::int16_t a0, std::int16_t a1, std::int16_t a2,
-                         std::int16_t a3, std::int16_t a4, char* a5, char* a6, char* a7) {
+std::int16_t InitISAMXtd(TLoadAlignment A, std::int16_t bufs, std::int16_t fils, std::int16_t sect,
+                         std::int16_t dbufs, std::int16_t userprof, char* userid, char* userword,
+                         char* servname) {
   LoadCTreeDLL(A);
-  return EntryPoints.INTISAMX(a0, a1, a2, a3, a4, a5, a6, a7);
+  return EntryPoints.INTISAMX(bufs, fils, sect, dbufs, userprof, userid, userword, servname);
 }
 
-std::int16_t InitCTree(TLoadAlignment A, std::int16_t a0, std::int16_t a1, std::int16_t a2) {
+std::int16_t InitCTree(TLoadAlignment A, std::int16_t bufs, std::int16_t fils, std::int16_t sect) {
   LoadCTreeDLL(A);
-  return EntryPoints.INTREE(a0, a1, a2);
+  return EntryPoints.INTREE(bufs, fils, sect);
 }
 
-std::int16_t InitCTreeXtd(TLoadAlignment A, std::int16_t a0, std::int16_t a1, std::int16_t a2,
-                          std::int16_t a3, std::int16_t a4, char* a5, char* a6, char* a7) {
+std::int16_t InitCTreeXtd(TLoadAlignment A, std::int16_t bufs, std::int16_t fils, std::int16_t sect,
+                          std::int16_t dbufs, std::int16_t userprof, char* userid, char* userword,
+                          char* servname) {
   LoadCTreeDLL(A);
-  return EntryPoints.INTREEX(a0, a1, a2, a3, a4, a5, a6, a7);
+  return EntryPoints.INTREEX(bufs, fils, sect, dbufs, userprof, userid, userword, servname);
 }
 
-std::int16_t StopServer(TLoadAlignment A, char* a0, char* a1, std::int16_t a2) {
+std::int16_t StopServer(TLoadAlignment A, char* userword, char* servname, std::int16_t delay) {
   LoadCTreeDLL(A);
-  return EntryPoints.STPSRV(a0, a1, a2);
+  return EntryPoints.STPSRV(userword, servname, delay);
 }
 
 std::int16_t StopUser(TLoadAlignment A) {
@@ -151,21 +153,21 @@ std::int16_t StopUser(TLoadAlignment A) {
   return EntryPoints.STPUSR();
 }
 
-std::int16_t Security(TLoadAlignment A, std::int16_t a0, void* a1, std::int32_t a2,
-                      std::int16_t a3) {
+std::int16_t Security(TLoadAlignment A, std::int16_t filno, void* bufptr, std::int32_t bufsiz,
+                      std::int16_t mode) {
   LoadCTreeDLL(A);
-  return EntryPoints.SECURITY(a0, a1, a2, a3);
+  return EntryPoints.SECURITY(filno, bufptr, bufsiz, mode);
 }
 
-std::int16_t SetOperationState(TLoadAlignment A, std::int32_t a0, std::int32_t a1) {
+std::int32_t SetOperationState(TLoadAlignment A, std::int32_t status, std::int32_t mode) {
   LoadCTreeDLL(A);
-  return EntryPoints.SETOPS(a0, a1);
+  return EntryPoints.SETOPS(status, mode);
 }
 
-std::int16_t SystemMonitor(TLoadAlignment A, std::int16_t a0, std::int32_t a1, char* a2,
-                           std::int32_t a3) {
+std::int16_t SystemMonitor(TLoadAlignment A, std::int16_t mode, std::int32_t timeout, char* buffer,
+                           std::int32_t buflen) {
   LoadCTreeDLL(A);
-  return EntryPoints.SYSMON(a0, a1, a2, a3);
+  return EntryPoints.SYSMON(mode, timeout, buffer, buflen);
 }
 
 std::int16_t Perform(TLoadAlignment A, std::int16_t mode) {
@@ -175,14 +177,14 @@ std::int16_t Perform(TLoadAlignment A, std::int16_t mode) {
   return EntryPoints.Perform(mode);
 }
 
-std::int16_t AllocateBatch(TLoadAlignment A, std::int16_t a0) {
+std::int16_t AllocateBatch(TLoadAlignment A, std::int16_t numbat) {
   LoadCTreeDLL(A);
-  return EntryPoints.ALCBAT(a0);
+  return EntryPoints.ALCBAT(numbat);
 }
 
-std::int16_t ChangeBatch(TLoadAlignment A, std::int16_t a0) {
+std::int16_t ChangeBatch(TLoadAlignment A, std::int16_t batno) {
   LoadCTreeDLL(A);
-  return EntryPoints.CHGBAT(a0);
+  return EntryPoints.CHGBAT(batno);
 }
 
 std::int16_t FreeBatch(TLoadAlignment A) {
@@ -190,14 +192,14 @@ std::int16_t FreeBatch(TLoadAlignment A) {
   return EntryPoints.FREBAT();
 }
 
-std::int16_t AllocateSet(TLoadAlignment A, std::int16_t a0) {
+std::int16_t AllocateSet(TLoadAlignment A, std::int16_t numset) {
   LoadCTreeDLL(A);
-  return EntryPoints.ALCSET(a0);
+  return EntryPoints.ALCSET(numset);
 }
 
-std::int16_t ChangeSet(TLoadAlignment A, std::int16_t a0) {
+std::int16_t ChangeSet(TLoadAlignment A, std::int16_t setno) {
   LoadCTreeDLL(A);
-  return EntryPoints.CHGSET(a0);
+  return EntryPoints.CHGSET(setno);
 }
 
 std::int16_t FreeSet(TLoadAlignment A) {
@@ -205,14 +207,14 @@ std::int16_t FreeSet(TLoadAlignment A) {
   return EntryPoints.FRESET();
 }
 
-std::int16_t SetNodeName(TLoadAlignment A, char* a0) {
+std::int16_t SetNodeName(TLoadAlignment A, char* nodename) {
   LoadCTreeDLL(A);
-  return EntryPoints.SETNODE(a0);
+  return EntryPoints.SETNODE(nodename);
 }
 
-std::int16_t ChangeHistory(TLoadAlignment A, std::int16_t a0) {
+std::int16_t ChangeHistory(TLoadAlignment A, std::int16_t histno) {
   LoadCTreeDLL(A);
-  return EntryPoints.CHGHST(a0);
+  return EntryPoints.CHGHST(histno);
 }
 
 std::int16_t FreeHistory(TLoadAlignment A) {
@@ -220,25 +222,25 @@ std::int16_t FreeHistory(TLoadAlignment A) {
   return EntryPoints.FREHST();
 }
 
-std::int16_t TransactionHistory(TLoadAlignment A, std::int16_t a0, char* a1, char* a2,
-                                std::int32_t a3, std::int32_t a4, std::uint16_t a5) {
+std::int16_t TransactionHistory(TLoadAlignment A, std::int16_t filno, char* target, char* bufptr,
+                                std::int32_t recbyt, std::int32_t bufsiz, std::uint16_t mode) {
   LoadCTreeDLL(A);
-  return EntryPoints.CTHIST(a0, a1, a2, a3, a4, a5);
+  return EntryPoints.CTHIST(filno, target, bufptr, recbyt, bufsiz, mode);
 }
 
-std::int16_t SystemConfiguration(TLoadAlignment A, void* a0) {
+std::int16_t SystemConfiguration(TLoadAlignment A, void* buf) {
   LoadCTreeDLL(A);
-  return EntryPoints.SYSCFG(a0);
+  return EntryPoints.SYSCFG(buf);
 }
 
-std::int16_t IOPERFORMANCEX(TLoadAlignment A, void* a0) {
+std::int16_t IOPERFORMANCEX(TLoadAlignment A, void* buf) {
   LoadCTreeDLL(A);
-  return EntryPoints.IOPERFORMANCEX(a0);
+  return EntryPoints.IOPERFORMANCEX(buf);
 }
 
-std::int16_t SETLOGPATH(TLoadAlignment A, char* a0, std::int32_t a1) {
+std::int16_t SETLOGPATH(TLoadAlignment A, char* path, std::int32_t mode) {
   LoadCTreeDLL(A);
-  return EntryPoints.SETLOGPATH(a0, a1);
+  return EntryPoints.SETLOGPATH(path, mode);
 }
 
 std::int16_t GetCtSysIOCode(TLoadAlignment A) { return ReadCtreeError(A, 2); }

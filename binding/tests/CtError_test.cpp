@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "CTDbIntf.h"
+#include "ctisam.h"
 
 namespace CTDbIntf {
 namespace {
@@ -88,6 +89,20 @@ TEST(CtErrorTest, PackageNumbersInUseAllHaveMessages) {
     EXPECT_TRUE(CtMessage(kMessageBase + code).has_value()) << code;
   for (std::int32_t code : {47, 101, 408})
     EXPECT_TRUE(CtMessage(kMessageBase + code).has_value()) << code;
+}
+
+TEST(CtErrorTest, EveryNumberTheEngineReturnsHasAMessage) {
+  const std::int32_t engineNumbers[] = {
+      KDUP_ERR,   FNOP_ERR,     FCRP_ERR,     DCRAT_ERR,   FNUM_ERR,   DLOK_ERR,    DLOK2_ERR,
+      FUSE_ERR,   FINT_ERR,     FMOD_ERR,     ICUR_ERR,    INOT_ERR,   IINT_ERR,    NSRV_ERR,
+      VBSZ_ERR,   DTMO_ERR,     NCON_ERR,     RNOT_ERR,    NSUP_ERR,   BPWD_ERR,    CT_EALIGN,
+      CT_EBADDEF, CT_EDAMAGED,  CT_EDISKFULL, CT_EKEYLEN,  CT_EBADARG, CT_ENOTOPEN, CT_ENOTIDX,
+      CT_ENOTDAT, CT_EREADONLY, CT_EIO,       CT_EBADCOND, CT_ENOCTX,  CT_ERESDUP};
+  for (std::int32_t code : engineNumbers) {
+    const auto text = CtMessage(kMessageBase + code);
+    ASSERT_TRUE(text.has_value()) << code;
+    EXPECT_FALSE(text->empty()) << code;
+  }
 }
 
 }  // namespace
