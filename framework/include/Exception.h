@@ -64,6 +64,30 @@ class EParserError : public Exception {
   using Exception::Exception;
 };
 
+/// A file-system operation failed (changing directory, opening a file); `ErrorCode` is the
+/// system's error number.
+class EInOutError : public Exception {
+ public:
+  EInOutError(std::string message, int errorCode)
+      : Exception(std::move(message)), FErrorCode(errorCode) {}
+  int ErrorCode() const noexcept { return FErrorCode; }
+
+ private:
+  int FErrorCode;
+};
+
+/// A class name that no registered class has (form reading, `FindClass`).
+class EClassNotFound : public EComponentError {
+ public:
+  using EComponentError::EComponentError;
+};
+
+/// Integer overflow in a conversion (a value that does not fit its target).
+class EIntOverflow : public Exception {
+ public:
+  using Exception::Exception;
+};
+
 /// List index out of bounds and similar container misuse.
 class EListError : public Exception {
  public:

@@ -1,0 +1,320 @@
+/* ctisam_calls.h - the engine's entry points (included by ctisam.h; do not include directly).
+ *
+ * Common error numbers, not repeated below: FINT_ERR (47) for any call but the session starters
+ * before INTISAMX; FNUM_ERR (22) for a file number outside 0 .. fils-1; CT_ENOTOPEN (807) for a
+ * number not open; CT_ENOTIDX (808) / CT_ENOTDAT (809) for a number of the wrong kind;
+ * CT_EBADARG (806) for a NULL or short buffer; CT_EREADONLY (810) for a write to a READFIL file;
+ * CT_EDISKFULL (804) and CT_EIO (811) for storage failures. "datno" is a data file number,
+ * "keyno" an index (key) number, "filno" either. Calls marked "(next engine issue)" return
+ * NSUP_ERR (454) for now; calls marked "(not supported)" always return it.
+ */
+#ifndef CTISAM_CALLS_H
+#define CTISAM_CALLS_H
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- session ----------------------------------------------------------------------------- */
+/* Starts the session. fils bounds file numbers to 0 .. fils-1 (1 .. CT_MAXFILES; others give
+ * CT_EBADARG); bufs, sect, dbufs, userprof, userid, userword are accepted. A non-empty servname
+ * gives NSRV_ERR (133); a second start gives IINT_ERR (125) and changes nothing. */
+CTISAM_API COUNT INTISAMX(COUNT bufs, COUNT fils, COUNT sect, COUNT dbufs, COUNT userprof,
+                          pTEXT userid, pTEXT userword, pTEXT servname);
+/* INTISAMX with defaults for the missing arguments. */
+CTISAM_API COUNT INTISAM(COUNT bufs, COUNT fils, COUNT sect);
+CTISAM_API COUNT INTREE(COUNT bufs, COUNT fils, COUNT sect);
+CTISAM_API COUNT INTREEX(COUNT bufs, COUNT fils, COUNT sect, COUNT dbufs, COUNT userprof,
+                         pTEXT userid, pTEXT userword, pTEXT servname);
+/* Close every open file (ending any lock set) and end the session. 0, or FINT_ERR. */
+CTISAM_API COUNT CLISAM(void);
+CTISAM_API COUNT STPUSR(void);
+/* Writes the last ISAM error, the last error of any call and the last system I/O code (errno)
+ * through the non-NULL pointers; returns 1. */
+CTISAM_API COUNT GetCtreeError(pCOUNT isamerr, pCOUNT usererr, pCOUNT sysiocod);
+/* Writes the message of error number code to stderr; returns 0 (CT_EBADARG when unknown). */
+CTISAM_API COUNT ViewCtreeError(ULONG code);
+/* Parameter-file driven sessions and server control (not supported). */
+CTISAM_API COUNT OPNISAM(pTEXT parmfile);
+CTISAM_API COUNT CREISAM(pTEXT parmfile);
+CTISAM_API COUNT CREISAMX(pTEXT parmfile, COUNT usrprf, pTEXT userid, pTEXT userword,
+                          pTEXT servname, LONG permmask, pTEXT group, pTEXT password);
+CTISAM_API COUNT STPSRV(pTEXT userword, pTEXT servname, COUNT delay);
+CTISAM_API COUNT SYSMON(COUNT mode, LONG timeout, pTEXT buffer, LONG buflen);
+CTISAM_API COUNT SETNODE(pTEXT nodename);
+CTISAM_API COUNT SETLOGPATH(pTEXT path, LONG mode);
+CTISAM_API COUNT CHGHST(COUNT histno);
+CTISAM_API COUNT FREHST(void);
+CTISAM_API COUNT CTHIST(COUNT filno, pTEXT target, pTEXT bufptr, LONG recbyt, LONG bufsiz,
+                        UCOUNT mode);
+/* Security settings (next engine issue). */
+CTISAM_API COUNT SECURITY(COUNT filno, pVOID bufptr, LONG bufsiz, COUNT mode);
+/* Operation state: returns the previous state word; only value 0 is accepted (454 otherwise). */
+CTISAM_API LONG SETOPS(LONG status, LONG mode);
+/* Copies I/O statistics (four ULONGs: reads, writes, commits, opens) to buf; 0. */
+CTISAM_API COUNT IOPERFORMANCE(pVOID buf);
+CTISAM_API COUNT IOPERFORMANCEX(pVOID buf);
+/* Copies the configuration (three LONGs: fils, open files, packing) to buf; 0. */
+CTISAM_API COUNT SYSCFG(pVOID buf);
+
+/* ---- file numbers and names -------------------------------------------------------------- */
+/* Returns the first of n consecutive free file numbers, or -1 (ierr FNUM_ERR). */
+CTISAM_API COUNT AVLFILNUM(COUNT n);
+/* Writes into buf (len bytes) a file name no file in the current directory has. CT_EBADARG
+ * when len is too short (at least 16). */
+CTISAM_API COUNT TMPNAME(pVOID buf, LONG len);
+/* Writes the name the file was opened with (len bytes, zero-terminated); mode is ignored. */
+CTISAM_API COUNT GETNAM(COUNT filno, pTEXT buf, LONG len, COUNT mode);
+/* Superfile member names, one per call (next engine issue). */
+CTISAM_API COUNT GETMNAME(COUNT filno, pTEXT buf, LONG len, COUNT mode);
+/* Returns information on an open file by mode (see GETFIL modes in ctisam.h); -1 and ierr on
+ * failure (0 is a valid answer for several modes). */
+CTISAM_API LONG GETFIL(COUNT filno, COUNT mode);
+/* Changes the open mode of an open file: only READFIL may be added or removed; 0 or FMOD_ERR. */
+CTISAM_API COUNT PUTFIL(COUNT filno, COUNT mode);
+
+/* ---- data files and index files ---------------------------------------------------------- */
+/* Creates data file name+".dat" exactly as named, fixed length reclen (or minimum with VLENGTH),
+ * and leaves it open as filno in mode filmod. DCRAT_ERR when it exists; FUSE_ERR when filno is
+ * in use. A non-empty password must be given again to open it. */
+CTISAM_API COUNT CREDAT(COUNT filno, pTEXT name, UCOUNT reclen, UCOUNT xtdsiz, COUNT filmod);
+CTISAM_API COUNT CREDATX(COUNT filno, pTEXT name, UCOUNT reclen, UCOUNT xtdsiz, COUNT filmod,
+                         LONG permmask, pTEXT group, pTEXT password);
+/* Opens one data or index file (named exactly) as filno (an index file's members as filno+1..).
+ * FNOP_ERR when missing or held exclusively; BPWD_ERR for a wrong password; CT_EALIGN when made
+ * by another packing; CT_EDAMAGED for a foreign or damaged file; FCRP_ERR when inconsistent. */
+CTISAM_API COUNT OPNFIL(COUNT filno, pTEXT name, COUNT filmod);
+CTISAM_API COUNT OPNFILX(COUNT filno, pTEXT name, COUNT filmod, pTEXT password);
+/* Closes one file (mode ignored). */
+CTISAM_API COUNT CLSFIL(COUNT filno, COUNT mode);
+/* Deletes a file that is open EXCLUSIVE, closing it. FMOD_ERR when it is open shared. */
+CTISAM_API COUNT DELFIL(COUNT filno);
+/* Index files and members created one by one (next engine issue). */
+CTISAM_API COUNT CREIDX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup,
+                        COUNT nomemb, UCOUNT xtdsiz, COUNT filmod);
+CTISAM_API COUNT CREIDXX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup,
+                         COUNT nomemb, UCOUNT xtdsiz, COUNT filmod, LONG permmask, pTEXT group,
+                         pTEXT password);
+CTISAM_API COUNT CREMEM(COUNT keyno, COUNT keylen, COUNT keytyp, COUNT keydup, COUNT membno);
+/* Renames an EXCLUSIVE open data file and its index files to newname (without extension; the
+ * index files take newname with their own extensions); the files stay open. DCRAT_ERR when a
+ * target exists. */
+CTISAM_API COUNT ctRENFIL(COUNT filno, pTEXT newname);
+
+/* ---- IFIL sets --------------------------------------------------------------------------- */
+/* Creates the data file pfilnam+dataext (NULL: ".dat") and the index files (index extension
+ * NULL or "": ".idx") of ifil, stores the IFIL in the data file and leaves the set open as
+ * tfilno, tfilno+1, ... (tfilno written back into ifil). CT_EBADDEF for a malformed ifil;
+ * DCRAT_ERR when a file exists (nothing is left behind). */
+CTISAM_API COUNT CREIFIL(pIFIL ifil);
+CTISAM_API COUNT CREIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, LONG permmask, pTEXT group,
+                          pTEXT password);
+/* Opens the data file named exactly name and the indexes of its stored IFIL as filno,
+ * filno+1, ... (filno -1: the engine picks). Errors as OPNFILX; RNOT_ERR without an IFIL. */
+CTISAM_API COUNT OPNRFIL(COUNT filno, pTEXT name, COUNT filmod);
+CTISAM_API COUNT OPNRFILX(COUNT filno, pTEXT name, COUNT filmod, pTEXT password);
+/* Closes (CLRFIL) or deletes (DELRFIL, requires EXCLUSIVE) the set opened with datno. */
+CTISAM_API COUNT CLRFIL(COUNT datno);
+CTISAM_API COUNT DELRFIL(COUNT datno);
+/* Opens / closes / deletes the set described by ifil (pfilnam+".dat" and its index files). */
+CTISAM_API COUNT OPNIFIL(pIFIL ifil);
+CTISAM_API COUNT OPNIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, pTEXT password);
+CTISAM_API COUNT CLIFIL(pIFIL ifil);
+CTISAM_API COUNT DELIFIL(pIFIL ifil);
+/* Replaces the stored IFIL of the open data file tfilno (dfilno when tfilno < 0). */
+CTISAM_API COUNT PUTIFIL(pIFIL ifil);
+CTISAM_API COUNT PUTIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, pTEXT password);
+/* Returns the size of the stored IFIL image; with buf (len bytes) copies it: an IFIL followed
+ * by its IIDX, ISEG and names, the pointers pointing into buf. 0 and RNOT_ERR when none;
+ * 0 and CT_EBADARG when len is too small. */
+CTISAM_API LONG GETIFIL(COUNT datno, LONG len, pVOID buf);
+/* Incremental indexes, maps, rebuild and compaction (next engine issue). */
+CTISAM_API COUNT TMPIIDXX(pIFIL ifil, LONG permmask, pTEXT group, pTEXT password);
+CTISAM_API COUNT PRMIIDX(pIFIL ifil);
+CTISAM_API COUNT setimap(COUNT imapno, pIFIL ifil, COUNT datno, COUNT mode);
+CTISAM_API COUNT RBLIFIL(pIFIL ifil);
+CTISAM_API COUNT RBLIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, LONG permmask,
+                          pTEXT group, pTEXT password);
+CTISAM_API COUNT CMPIFIL(pIFIL ifil);
+CTISAM_API COUNT CMPIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, LONG permmask,
+                          pTEXT group, pTEXT password);
+CTISAM_API COUNT CTSBLDX(pTEXT superfile, pTEXT tempname);
+
+/* ---- resources and schema ---------------------------------------------------------------- */
+/* A resource image is: ULONG type, ULONG number, zero-terminated name, then the data; len
+ * counts the whole image. Types 1..127 are reserved for the engine. ADDRES: CT_ERESDUP when the
+ * (type, number) exists. UPDRES replaces one (RNOT_ERR when missing), DELRES removes the one the
+ * image's type and number name. ENARES enables resources of a file (always enabled; 0). */
+CTISAM_API COUNT ADDRES(COUNT datno, pVOID resptr, LONG len);
+CTISAM_API COUNT UPDRES(COUNT datno, pVOID resptr, LONG len);
+CTISAM_API COUNT DELRES(COUNT datno, pVOID resptr);
+CTISAM_API COUNT ENARES(COUNT datno);
+/* Finds the resource whose type and number are given by resptr's first 8 bytes and copies its
+ * whole image into bufptr (bufsiz bytes). Returns bufptr, or NULL with RNOT_ERR / VBSZ_ERR.
+ * mode is ignored. */
+CTISAM_API pVOID GETRES(COUNT datno, pVOID resptr, pVOID bufptr, LONG bufsiz, COUNT mode);
+/* Returns the size of the schema image of mode SCHEMA_MAP or SCHEMA_DODA; with buf (len bytes)
+ * copies it. SCHEMA_DODA: count DATOBJs then their names, fsymb pointing into buf. 0 and
+ * RNOT_ERR when no schema; 0 and CT_EBADARG for another mode or a short buffer. */
+CTISAM_API LONG GETDODA(COUNT datno, LONG len, pVOID buf, COUNT mode);
+/* Stores count schema fields (names 1..63 bytes). CT_EBADDEF for an empty name. */
+CTISAM_API COUNT PUTDODA(COUNT datno, pDATOBJ doda, UCOUNT count);
+
+/* ---- records ----------------------------------------------------------------------------- */
+/* Adds the record with its key in every index. KDUP_ERR (2) on a unique clash, nothing
+ * written. A serial segment gets the next serial number, written into rec too. ADDVREC: len
+ * bytes (at least the fixed length). The new record becomes current. */
+CTISAM_API COUNT ADDREC(COUNT datno, pVOID rec);
+CTISAM_API COUNT ADDVREC(COUNT datno, pVOID rec, LONG len);
+/* Rewrites the current record, moving the keys that changed. ICUR_ERR without a current
+ * record; KDUP_ERR with nothing written. */
+CTISAM_API COUNT RWTREC(COUNT datno, pVOID rec);
+CTISAM_API COUNT RWTVREC(COUNT datno, pVOID rec, LONG len);
+/* Deletes the current record and its keys; NXTREC/NXTKEY then give the following record. */
+CTISAM_API COUNT DELREC(COUNT datno);
+CTISAM_API COUNT DELVREC(COUNT datno);
+/* Re-read the current record: RRDREC (fixed length), REDVREC (bufsiz bytes; VBSZ_ERR when
+ * short). GETVLEN returns its length (0 and ICUR_ERR without one). */
+CTISAM_API COUNT RRDREC(COUNT datno, pVOID rec);
+CTISAM_API COUNT REDVREC(COUNT datno, pVOID rec, LONG bufsiz);
+CTISAM_API LONG GETVLEN(COUNT datno);
+/* Read at pos without changing the current record. INOT_ERR when no record is there. */
+CTISAM_API COUNT REDREC(COUNT datno, LONG pos, pVOID rec);
+CTISAM_API COUNT RDVREC(COUNT datno, LONG pos, pVOID rec, LONG bufsiz);
+CTISAM_API LONG GTVLEN(COUNT datno, LONG pos);
+/* Read at pos and make it current (REDIVREC: *plen in = buffer size, out = length). */
+CTISAM_API COUNT REDIREC(COUNT datno, LONG pos, pVOID rec);
+CTISAM_API COUNT REDIVREC(COUNT datno, LONG pos, pVOID rec, pLONG plen);
+/* Makes pos current (INOT_ERR when no record there); given rec (len bytes, else the stored
+ * record is used) sets every index's current key to that record's key. */
+CTISAM_API COUNT SETCURI(COUNT datno, LONG pos, pVOID rec, LONG len);
+/* Returns the current position of datno's active context, 0 (ICUR_ERR) without one. */
+CTISAM_API LONG GETCURP(COUNT datno);
+/* Forgets the current record of datno (mode ignored). */
+CTISAM_API COUNT UPDCURI(COUNT datno, COUNT mode);
+/* Navigation. filno a data file: physical order; an index: key order. The record found is
+ * copied to rec (fixed length) and becomes current. INOT_ERR at the ends / not found.
+ * EQLREC..LTREC take a key number and a target key (ikeylen bytes, already transformed). */
+CTISAM_API COUNT FRSREC(COUNT filno, pVOID rec);
+CTISAM_API COUNT NXTREC(COUNT filno, pVOID rec);
+CTISAM_API COUNT PRVREC(COUNT filno, pVOID rec);
+CTISAM_API COUNT LSTREC(COUNT filno, pVOID rec);
+CTISAM_API COUNT EQLREC(COUNT keyno, pVOID target, pVOID rec);
+CTISAM_API COUNT GTEREC(COUNT keyno, pVOID target, pVOID rec);
+CTISAM_API COUNT GTREC(COUNT keyno, pVOID target, pVOID rec);
+CTISAM_API COUNT LTEREC(COUNT keyno, pVOID target, pVOID rec);
+CTISAM_API COUNT LTREC(COUNT keyno, pVOID target, pVOID rec);
+/* The same for variable-length records: *plen in = buffer size, out = record length. */
+CTISAM_API COUNT FRSVREC(COUNT filno, pVOID rec, pLONG plen);
+CTISAM_API COUNT NXTVREC(COUNT filno, pVOID rec, pLONG plen);
+CTISAM_API COUNT PRVVREC(COUNT filno, pVOID rec, pLONG plen);
+CTISAM_API COUNT LSTVREC(COUNT filno, pVOID rec, pLONG plen);
+CTISAM_API COUNT EQLVREC(COUNT keyno, pVOID target, pVOID rec, pLONG plen);
+CTISAM_API COUNT GTEVREC(COUNT keyno, pVOID target, pVOID rec, pLONG plen);
+CTISAM_API COUNT GTVREC(COUNT keyno, pVOID target, pVOID rec, pLONG plen);
+CTISAM_API COUNT LTEVREC(COUNT keyno, pVOID target, pVOID rec, pLONG plen);
+CTISAM_API COUNT LTVREC(COUNT keyno, pVOID target, pVOID rec, pLONG plen);
+/* Low-level records (no keys touched): NEWREC/NEWVREC reserve a position (returned; 0 on
+ * failure) holding a zero record; WRTREC/WRTVREC write at a position; RETREC/RETVREC free one. */
+CTISAM_API LONG NEWREC(COUNT datno);
+CTISAM_API LONG NEWVREC(COUNT datno, LONG len);
+CTISAM_API COUNT WRTREC(COUNT datno, LONG pos, pVOID rec);
+CTISAM_API COUNT WRTVREC(COUNT datno, LONG pos, pVOID rec, LONG len);
+CTISAM_API COUNT RETREC(COUNT datno, LONG pos);
+CTISAM_API COUNT RETVREC(COUNT datno, LONG pos);
+/* Counts: records of a data file, keys of an index (0 and ierr on failure). */
+CTISAM_API LONG DATENT(COUNT datno);
+CTISAM_API LONG IDXENT(COUNT keyno);
+/* Header values (not supported). */
+CTISAM_API COUNT PUTHDR(COUNT filno, LONG value, COUNT mode);
+
+/* ---- keys -------------------------------------------------------------------------------- */
+/* Builds the key of index keyno from record image rec into key (ikeylen bytes): pos is the
+ * position a duplicate index appends; len the record length (0: fixed length). Returns the key
+ * length, or 0 with ierr (CT_EBADARG, CT_ENOTIDX, RNOT_ERR when a schema segment has no DODA). */
+CTISAM_API COUNT frmkey(COUNT keyno, pTEXT rec, pTEXT key, LONG pos, LONG len);
+/* Transforms a key value in place by the index's segment modes; returns key (NULL on error). */
+CTISAM_API pTEXT TFRMKEY(COUNT keyno, pVOID key);
+/* Key navigation: returns the position of the key found and copies the key to idxval; 0 when
+ * none (ierr INOT_ERR, or another number). Moves only the index's current key. */
+CTISAM_API LONG FRSKEY(COUNT keyno, pVOID idxval);
+CTISAM_API LONG NXTKEY(COUNT keyno, pVOID idxval);
+CTISAM_API LONG PRVKEY(COUNT keyno, pVOID idxval);
+CTISAM_API LONG LSTKEY(COUNT keyno, pVOID idxval);
+CTISAM_API LONG EQLKEY(COUNT keyno, pVOID target);
+CTISAM_API LONG GTEKEY(COUNT keyno, pVOID target, pVOID idxval);
+CTISAM_API LONG GTKEY(COUNT keyno, pVOID target, pVOID idxval);
+CTISAM_API LONG LTEKEY(COUNT keyno, pVOID target, pVOID idxval);
+CTISAM_API LONG LTKEY(COUNT keyno, pVOID target, pVOID idxval);
+/* Copies the current key of keyno (GETCURK: *plen receives its length). ICUR_ERR without one. */
+CTISAM_API COUNT GETCURK(COUNT keyno, pVOID idxval, pLONG plen);
+CTISAM_API COUNT GETCURKL(COUNT keyno, pVOID idxval);
+/* Single keys: ADDKEY/LOADKEY add key (ikeylen bytes) for pos (KDUP_ERR on clash), DELCHK
+ * removes key for pos, DELBLD removes key whatever its position. INOT_ERR when absent. */
+CTISAM_API COUNT ADDKEY(COUNT keyno, pVOID key, LONG pos, COUNT mode);
+CTISAM_API COUNT LOADKEY(COUNT keyno, pVOID key, LONG pos, COUNT mode);
+CTISAM_API COUNT DELCHK(COUNT keyno, pVOID key, LONG pos);
+CTISAM_API COUNT DELBLD(COUNT keyno, pVOID key);
+/* Exact count of keys with low <= key <= high (0 and ierr on failure or when none). */
+CTISAM_API LONG RNGENT(COUNT keyno, pVOID low, pVOID high);
+/* Positions on the key at percent (0..100) of the index; returns its position (0 when empty). */
+CTISAM_API LONG FRCKEY(COUNT keyno, pVOID idxval, COUNT percent);
+/* Returns an estimate (here exact) of the keys between key1 and key2. */
+CTISAM_API LONG ESTKEY(COUNT keyno, pVOID key1, pVOID key2);
+/* Positions on the key with ordinal offset (0-based) among keys >= target (target NULL: from
+ * the first); copies it into idxval and returns its position. */
+CTISAM_API LONG ORDKEY(COUNT keyno, pVOID target, LONG offset, pVOID idxval);
+/* Returns the last serial number given in datno (0 before the first). */
+CTISAM_API LONG SERIALNUM(COUNT datno);
+/* Alternate collating sequence and variable padding bytes (next engine issue). */
+CTISAM_API COUNT GETALTSEQ(COUNT keyno, pCOUNT altseq);
+CTISAM_API COUNT SETALTSEQ(COUNT keyno, pCOUNT altseq);
+CTISAM_API COUNT SETVARBYTS(COUNT filno, pUTEXT pvbyte);
+/* Conditional indexes (next engine issue). */
+CTISAM_API LONG GETCIDX(COUNT keyno, LONG len, pVOID buf);
+CTISAM_API COUNT UPDCIDX(COUNT keyno, pTEXT expr);
+
+/* ---- contexts ---------------------------------------------------------------------------- */
+/* Opens a context on datno holding a copy of the active positions and makes it active. Returns
+ * the context number (contextid when >= 0, otherwise one the engine picks), or a negative error. */
+CTISAM_API COUNT OPNICON(COUNT datno, COUNT contextid, COUNT mode);
+/* Makes a context active (CT_ENOCTX when unknown). */
+CTISAM_API COUNT CHGICON(COUNT contextid);
+/* Closes a context; when it was active, the one active before it is active again. */
+CTISAM_API COUNT CLSICON(COUNT contextid);
+
+/* ---- lock sets, record locks, transactions ------------------------------------------------ */
+CTISAM_API COUNT LKISAM(COUNT mode);
+CTISAM_API COUNT LOKREC(COUNT datno, COUNT mode, LONG pos);
+CTISAM_API LONG TRANBEG(COUNT mode);
+CTISAM_API COUNT TRANEND(COUNT mode);
+CTISAM_API COUNT TRANABT(void);
+CTISAM_API COUNT TRANABTX(COUNT mode);
+CTISAM_API COUNT TRANSAV(void);
+CTISAM_API COUNT TRANRST(COUNT savpnt);
+CTISAM_API COUNT TRANCLR(void);
+
+/* ---- sets and batches (next engine issue) ------------------------------------------------- */
+CTISAM_API COUNT FRSSET(COUNT keyno, pVOID target, pVOID rec, COUNT siglen);
+CTISAM_API COUNT NXTSET(COUNT keyno, pVOID rec);
+CTISAM_API COUNT PRVSET(COUNT keyno, pVOID rec);
+CTISAM_API COUNT LSTSET(COUNT keyno, pVOID target, pVOID rec, COUNT siglen);
+CTISAM_API COUNT MIDSET(COUNT keyno, pVOID rec, COUNT siglen);
+CTISAM_API COUNT FRSVSET(COUNT keyno, pVOID target, pVOID rec, COUNT siglen, pLONG plen);
+CTISAM_API COUNT NXTVSET(COUNT keyno, pVOID rec, pLONG plen);
+CTISAM_API COUNT PRVVSET(COUNT keyno, pVOID rec, pLONG plen);
+CTISAM_API COUNT LSTVSET(COUNT keyno, pVOID target, pVOID rec, COUNT siglen, pLONG plen);
+CTISAM_API COUNT MIDVSET(COUNT keyno, pVOID rec, COUNT siglen, pLONG plen);
+CTISAM_API COUNT ALCSET(COUNT numset);
+CTISAM_API COUNT CHGSET(COUNT setno);
+CTISAM_API COUNT FRESET(void);
+CTISAM_API COUNT BATSET(COUNT keyno, pKEYREQ request, pVOID buf, LONG bufsiz, COUNT mode);
+CTISAM_API COUNT ALCBAT(COUNT numbat);
+CTISAM_API COUNT CHGBAT(COUNT batno);
+CTISAM_API COUNT FREBAT(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* CTISAM_CALLS_H */

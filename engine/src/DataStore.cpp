@@ -1,0 +1,251 @@
+// DataStore: creating and opening data and index files, their header, definition and schema.
+#include "DataStore.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <map>
+
+#include "ctisam.h"
+
+namespace cte {
+
+namespace {
+
+constexpr char kMagic[8] = {'C', 'T', 'L', 'M', 'D', 'B', 1, 0};
+constexpr uint32_t kVersion = 1;
+constexpr uint32_t kFirstPos = 128;
+
+MDB_val Val(const void* p, size_t n) { return MDB_val{n, const_cast<void*>(p)}; }
+MDB_val Val(const std::string& s) { return Val(s.data(), s.size()); }
+MDB_val Val(const char* s) { return Val(s, std::strlen(s)); }
+
+bool GetMeta(MDB_txn* txn, MDB_dbi dbi, const char* key, std::string& out) {
+  MDB_val k = Val(key), v{};
+  int rc = mdb_get(txn, dbi, &k, &v);
+  if (rc == MDB_NOTFOUND) return false;
+  Check(rc);
+  out.assign(static_cast<const char*>(v.mv_data), v.mv_size);
+  return true;
+}
+
+void PutMeta(MDB_txn* txn, MDB_dbi dbi, const char* key, const std::string& value) {
+  MDB_val k = Val(key), v = Val(value);
+  Check(mdb_put(txn, dbi, &k, &v, 0));
+}
+
+FileHeader MakeHeader(uint8_t kind, uint16_t filmod, uint32_t reclen, const char* password) {
+  FileHeader h{};
+  std::memcpy(h.magic, kMagic, sizeof kMagic);
+  h.version = kVersion;
+  h.kind = kind;
+  h.pack = static_cast<uint8_t>(LibraryPack());
+  h.filmod = filmod;
+  h.reclen = reclen;
+  h.password = PasswordHash(password);
+  return h;
+}
+
+FileHeader ReadHeader(MDB_txn* txn, MDB_dbi meta, uint8_t kind) {
+  std::string raw;
+  if (!GetMeta(txn, meta, "hdr", raw) || raw.size() != sizeof(FileHeader)) Throw(CT_EDAMAGED);
+  FileHeader h;
+  std::memcpy(&h, raw.data(), sizeof h);
+  if (std::memcmp(h.magic, kMagic, sizeof kMagic) != 0 || h.version != kVersion) Throw(CT_EDAMAGED);
+  if (h.pack != LibraryPack()) Throw(CT_EALIGN);
+  if (h.kind != kind) Throw(CT_EDAMAGED);
+  return h;
+}
+
+// Claims a new file name; DCRAT_ERR when it exists or cannot be made.
+void ClaimName(const std::string& path) {
+  int fd = ::open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
+  if (fd < 0) Throw(DCRAT_ERR, errno);
+  ::close(fd);
+}
+
+std::map<Env*, std::weak_ptr<DataStore>>& Stores() {
+  static std::map<Env*, std::weak_ptr<DataStore>> stores;
+  return stores;
+}
+
+// Opens the named databases with a short read transaction committed at once, so that the
+// handles outlive it (handles opened in an aborted transaction would be closed again).
+template <typename F>
+void WithShortRead(Env& env, F&& f) {
+  MDB_txn* txn = nullptr;
+  Check(mdb_txn_begin(env.Raw(), nullptr, MDB_RDONLY, &txn));
+  try {
+    f(txn);
+  } catch (...) {
+    mdb_txn_abort(txn);
+    throw;
+  }
+  Check(mdb_txn_commit(txn));
+}
+
+}  // namespace
+
+uint64_t PasswordHash(const char* password) {
+  if (!password || !*password) return 0;
+  uint64_t h = 1469598103934665603ull;
+  for (const char* p = password; *p; ++p) h = (h ^ static_cast<uint8_t>(*p)) * 1099511628211ull;
+  return h ? h : 1;
+}
+
+std::shared_ptr<DataStore> DataStore::Create(const std::string& path, const FileDef& def,
+                                             bool hasIfil, const char* password) {
+  ClaimName(path);
+  try {
+    std::shared_ptr<DataStore> s(new DataStore());
+    s->env_ = Env::Acquire(path, true);
+    s->path_ = path;
+    s->hdr_ = MakeHeader(kKindData, static_cast<uint16_t>(def.dfilmod),
+                         static_cast<uint16_t>(def.reclen), password);
+    WriteTxn w(*s->env_);
+    s->meta_ = s->env_->Dbi(w.Get(), "meta", true);
+    s->rec_ = s->env_->Dbi(w.Get(), "rec", true, MDB_INTEGERKEY);
+    s->res_ = s->env_->Dbi(w.Get(), "res", true);
+    PutMeta(w.Get(), s->meta_, "hdr", std::string(reinterpret_cast<const char*>(&s->hdr_), sizeof s->hdr_));
+    s->WriteCounters(w.Get(), Counters{kFirstPos, 0});
+    s->def_ = def;
+    s->hasIfil_ = hasIfil;
+    if (hasIfil) PutMeta(w.Get(), s->meta_, "ifil", Serialize(def));
+    s->OpenKeyDbs(w.Get(), true);
+    w.Commit(true);
+    s->layouts_.resize(def.idx.size());
+    Stores()[s->env_.get()] = s;
+    return s;
+  } catch (...) {
+    RemoveFile(path);
+    throw;
+  }
+}
+
+std::shared_ptr<DataStore> DataStore::Open(const std::string& path, const char* password) {
+  std::shared_ptr<Env> env = Env::Acquire(path, false);
+  std::shared_ptr<DataStore> s;
+  if (auto it = Stores().find(env.get()); it != Stores().end()) s = it->second.lock();
+  if (!s) {
+    s.reset(new DataStore());
+    s->env_ = env;
+    s->path_ = path;
+    WithShortRead(*env, [&](MDB_txn* txn) {
+      s->meta_ = env->Dbi(txn, "meta", false);
+      s->hdr_ = ReadHeader(txn, s->meta_, kKindData);
+      s->rec_ = env->Dbi(txn, "rec", false, MDB_INTEGERKEY);
+      s->res_ = env->Dbi(txn, "res", false);
+      s->Load(txn);
+      s->OpenKeyDbs(txn, false);
+    });
+    Stores()[env.get()] = s;
+  } else {
+    s->Reload();
+  }
+  if (s->hdr_.password != 0 && PasswordHash(password) != s->hdr_.password) Throw(BPWD_ERR);
+  return s;
+}
+
+void DataStore::Load(MDB_txn* txn) {
+  std::string raw;
+  hasIfil_ = GetMeta(txn, meta_, "ifil", raw);
+  if (hasIfil_) {
+    def_ = ParseFileDef(raw);
+  } else {
+    def_ = FileDef{};
+    def_.reclen = static_cast<int16_t>(hdr_.reclen);
+    def_.dfilmod = static_cast<int16_t>(hdr_.filmod);
+  }
+  hasFields_ = GetMeta(txn, meta_, "doda", raw);
+  fields_ = hasFields_ ? ParseFields(raw) : std::vector<FieldDef>{};
+  layouts_.clear();
+  layouts_.resize(def_.idx.size());
+}
+
+void DataStore::Reload() {
+  MDB_txn* txn = env_->Snapshot();
+  Load(txn);
+  // Key databases for indexes another process added since are opened on first use.
+  if (keys_.size() < def_.idx.size()) WithShortRead(*env_, [&](MDB_txn* t) { OpenKeyDbs(t, false); });
+}
+
+void DataStore::OpenKeyDbs(MDB_txn* txn, bool create) {
+  keys_.clear();
+  for (size_t i = 0; i < def_.idx.size(); ++i)
+    keys_.push_back(env_->Dbi(txn, "k" + std::to_string(i), create));
+}
+
+bool DataStore::Durable(int openMode) const {
+  int m = openMode | hdr_.filmod;
+  return (m & WRITETHRU) != 0 || (m & TRNLOG) == TRNLOG;
+}
+
+const KeyLayout& DataStore::Layout(size_t ordinal) {
+  if (ordinal >= layouts_.size()) Throw(CT_ENOTIDX);
+  if (!layouts_[ordinal])
+    layouts_[ordinal] = std::make_unique<KeyLayout>(KeyLayout::Compile(def_.idx[ordinal], fields_));
+  return *layouts_[ordinal];
+}
+
+void DataStore::PutDef(MDB_txn* txn, const FileDef& def) {
+  PutMeta(txn, meta_, "ifil", Serialize(def));
+  def_ = def;
+  hasIfil_ = true;
+  OpenKeyDbs(txn, true);
+  layouts_.clear();
+  layouts_.resize(def_.idx.size());
+}
+
+void DataStore::PutFields(MDB_txn* txn, const std::vector<FieldDef>& fields) {
+  PutMeta(txn, meta_, "doda", Serialize(fields));
+  fields_ = fields;
+  hasFields_ = true;
+  layouts_.clear();
+  layouts_.resize(def_.idx.size());
+}
+
+DataStore::Counters DataStore::ReadCounters(MDB_txn* txn) {
+  std::string raw;
+  Counters c{};
+  if (!GetMeta(txn, meta_, "ctr", raw) || raw.size() != sizeof c) Throw(CT_EDAMAGED);
+  std::memcpy(&c, raw.data(), sizeof c);
+  return c;
+}
+
+void DataStore::WriteCounters(MDB_txn* txn, const Counters& c) {
+  PutMeta(txn, meta_, "ctr", std::string(reinterpret_cast<const char*>(&c), sizeof c));
+}
+
+std::shared_ptr<Env> IndexFile::Create(const std::string& path, const std::string& dataName,
+                                       const std::vector<IndexDef>& members) {
+  ClaimName(path);
+  try {
+    std::shared_ptr<Env> env = Env::Acquire(path, true);
+    WriteTxn w(*env);
+    MDB_dbi meta = env->Dbi(w.Get(), "meta", true);
+    FileHeader h = MakeHeader(kKindIndex, 0, 0, nullptr);
+    PutMeta(w.Get(), meta, "hdr", std::string(reinterpret_cast<const char*>(&h), sizeof h));
+    FileDef def;
+    def.name = dataName;
+    def.reclen = 1;
+    def.idx = members;
+    PutMeta(w.Get(), meta, "def", Serialize(def));
+    w.Commit(true);
+    return env;
+  } catch (...) {
+    RemoveFile(path);
+    throw;
+  }
+}
+
+std::shared_ptr<Env> IndexFile::Open(const std::string& path) {
+  std::shared_ptr<Env> env = Env::Acquire(path, false);
+  WithShortRead(*env, [&](MDB_txn* txn) {
+    MDB_dbi meta = env->Dbi(txn, "meta", false);
+    ReadHeader(txn, meta, kKindIndex);
+  });
+  return env;
+}
+
+}  // namespace cte

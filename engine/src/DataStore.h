@@ -1,0 +1,102 @@
+// DataStore: one data file (an LMDB environment) with its records, keys, resources and cached
+// schema, shared by every handle of this process that has the file open.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "KeyBuilder.h"
+#include "Lmdb.h"
+#include "Schema.h"
+
+namespace cte {
+
+// The fixed header stored under "hdr" in the meta database of every file (see FORMAT.md).
+struct FileHeader {
+  char magic[8];
+  uint32_t version;
+  uint8_t kind;  // kKindData or kKindIndex
+  uint8_t pack;  // packing of the creating library
+  uint16_t filmod;
+  uint32_t reclen;
+  uint32_t reserved;
+  uint64_t password;  // hash of the password, 0 for none
+};
+constexpr uint8_t kKindData = 0;
+constexpr uint8_t kKindIndex = 1;
+
+// The packing this library variant was compiled with (1, 2 or 4).
+int LibraryPack();
+uint64_t PasswordHash(const char* password);
+
+class DataStore {
+ public:
+  // Creates the data file at path (DCRAT_ERR when it exists) with the given definition (its
+  // indexes get their key databases). The definition must have been validated.
+  static std::shared_ptr<DataStore> Create(const std::string& path, const FileDef& def,
+                                           bool hasIfil, const char* password);
+  // Opens the data file at path. FNOP_ERR, CT_EDAMAGED, CT_EALIGN, BPWD_ERR, FCRP_ERR.
+  static std::shared_ptr<DataStore> Open(const std::string& path, const char* password);
+
+  Env& env() { return *env_; }
+  const FileHeader& header() const { return hdr_; }
+  const FileDef& def() const { return def_; }
+  bool HasIfil() const { return hasIfil_; }
+  const std::vector<FieldDef>& fields() const { return fields_; }
+  bool HasFields() const { return hasFields_; }
+  const std::string& path() const { return path_; }
+  uint32_t RecLen() const { return hdr_.reclen; }
+  bool Durable(int openMode) const;
+  // Key layout of the index with that ordinal in the stored definition.
+  const KeyLayout& Layout(size_t ordinal);
+  size_t IndexCount() const { return def_.idx.size(); }
+
+  MDB_dbi RecDbi() const { return rec_; }
+  MDB_dbi KeyDbi(size_t ordinal) const { return keys_[ordinal]; }
+
+  // Writes inside txn (the caller commits). PutDef replaces the stored definition, creating
+  // key databases for new index ordinals; PutFields replaces the schema.
+  void PutDef(MDB_txn* txn, const FileDef& def);
+  void PutFields(MDB_txn* txn, const std::vector<FieldDef>& fields);
+  // Counters: the next free position and the last serial number.
+  struct Counters {
+    uint32_t nextPos;
+    uint32_t serial;
+  };
+  Counters ReadCounters(MDB_txn* txn);
+  void WriteCounters(MDB_txn* txn, const Counters& c);
+  MDB_dbi ResDbi() const { return res_; }
+  // Reloads the cached definition and schema from the snapshot (after another handle or
+  // process changed them).
+  void Reload();
+
+ private:
+  DataStore() = default;
+  void Load(MDB_txn* txn);
+  void OpenKeyDbs(MDB_txn* txn, bool create);
+
+  std::shared_ptr<Env> env_;
+  std::string path_;
+  FileHeader hdr_{};
+  FileDef def_;
+  bool hasIfil_ = false;
+  std::vector<FieldDef> fields_;
+  bool hasFields_ = false;
+  std::vector<std::unique_ptr<KeyLayout>> layouts_;
+  MDB_dbi meta_ = 0, rec_ = 0, res_ = 0;
+  std::vector<MDB_dbi> keys_;
+};
+
+// An index file: an LMDB environment holding the definitions of its members (the keys
+// themselves live in the data file, so that a record and its keys commit together).
+class IndexFile {
+ public:
+  static std::shared_ptr<Env> Create(const std::string& path, const std::string& dataName,
+                                     const std::vector<IndexDef>& members);
+  // Opens and checks the header (CT_EDAMAGED, CT_EALIGN).
+  static std::shared_ptr<Env> Open(const std::string& path);
+};
+
+}  // namespace cte

@@ -1,0 +1,20 @@
+// Fail: the engine core's internal error, turned into an error number by the exported shims.
+#pragma once
+
+#include <cerrno>
+
+namespace cte {
+
+// Thrown by the core with the error number the call returns; sysio carries errno when an I/O
+// failure caused it. Never crosses the C interface: every export catches it.
+struct Fail {
+  int code;
+  int sysio = 0;
+};
+
+[[noreturn]] inline void Throw(int code, int sysio = 0) { throw Fail{code, sysio}; }
+
+// Maps an LMDB or errno result to the engine's error numbers and throws.
+[[noreturn]] void ThrowLmdb(int rc);
+
+}  // namespace cte

@@ -1,0 +1,219 @@
+// Lmdb: environment registry, snapshot renewal, map growth and file-level locking.
+#include "Lmdb.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <mutex>
+
+#include "ctisam.h"
+
+namespace cte {
+
+namespace {
+
+constexpr size_t kInitialMap = size_t{256} << 20;
+constexpr unsigned kMaxDbs = 128;
+
+struct FileId {
+  dev_t dev;
+  ino_t ino;
+  bool operator<(const FileId& o) const { return dev != o.dev ? dev < o.dev : ino < o.ino; }
+};
+
+std::map<FileId, std::weak_ptr<Env>>& Registry() {
+  static std::map<FileId, std::weak_ptr<Env>> registry;
+  return registry;
+}
+
+}  // namespace
+
+void ThrowLmdb(int rc) {
+  switch (rc) {
+    case ENOSPC:
+    case EDQUOT:
+    case MDB_MAP_FULL:
+      Throw(CT_EDISKFULL, rc > 0 ? rc : 0);
+    case MDB_INVALID:
+    case MDB_CORRUPTED:
+    case MDB_VERSION_MISMATCH:
+    case MDB_PAGE_NOTFOUND:
+    case MDB_INCOMPATIBLE:
+      Throw(CT_EDAMAGED);
+    case ENOENT:
+      Throw(FNOP_ERR, rc);
+    default:
+      Throw(CT_EIO, rc > 0 ? rc : 0);
+  }
+}
+
+std::shared_ptr<Env> Env::Acquire(const std::string& path, bool create) {
+  struct stat st {};
+  if (::stat(path.c_str(), &st) != 0) Throw(FNOP_ERR, errno);
+  if (!S_ISREG(st.st_mode)) Throw(FNOP_ERR);
+  // An empty file would be initialised by LMDB: only a create may do that.
+  if (st.st_size == 0 && !create) Throw(CT_EDAMAGED);
+  FileId id{st.st_dev, st.st_ino};
+  auto& reg = Registry();
+  if (auto it = reg.find(id); it != reg.end()) {
+    if (auto live = it->second.lock()) return live;
+  }
+  bool hadLock = FileSize(path + "-lock") >= 0;
+  MDB_env* raw = nullptr;
+  Check(mdb_env_create(&raw));
+  std::shared_ptr<Env> env(new Env(raw));
+  mdb_env_set_maxdbs(raw, kMaxDbs);
+  size_t map = kInitialMap;
+  while (map < static_cast<size_t>(st.st_size) * 2) map *= 2;
+  mdb_env_set_mapsize(raw, map);
+  int rc = mdb_env_open(raw, path.c_str(), MDB_NOSUBDIR | MDB_NOTLS | MDB_NOSYNC, 0644);
+  if (rc != 0) {
+    if (!hadLock) ::unlink((path + "-lock").c_str());
+    ThrowLmdb(rc);
+  }
+  // A truncated file would fault when its missing pages are touched: refuse it here.
+  MDB_envinfo info{};
+  MDB_stat est{};
+  mdb_env_info(raw, &info);
+  mdb_env_stat(raw, &est);
+  if (!create && static_cast<long long>(info.me_last_pgno + 1) * est.ms_psize > FileSize(path))
+    Throw(CT_EDAMAGED);
+  reg[id] = env;
+  return env;
+}
+
+Env::~Env() {
+  DropSnapshot();
+  mdb_env_close(env_);
+}
+
+void Env::DropSnapshot() {
+  if (rtxn_) mdb_txn_abort(rtxn_);
+  rtxn_ = nullptr;
+  rtxnLive_ = false;
+  ++gen_;
+}
+
+MDB_txn* Env::Snapshot() {
+  if (rtxnLive_) {
+    MDB_envinfo info{};
+    mdb_env_info(env_, &info);
+    if (info.me_last_txnid == mdb_txn_id(rtxn_)) return rtxn_;
+    mdb_txn_reset(rtxn_);
+    rtxnLive_ = false;
+  }
+  ++gen_;
+  for (int attempt = 0;; ++attempt) {
+    int rc = rtxn_ ? mdb_txn_renew(rtxn_) : mdb_txn_begin(env_, nullptr, MDB_RDONLY, &rtxn_);
+    if (rc == 0) break;
+    if (rtxn_) {
+      mdb_txn_abort(rtxn_);
+      rtxn_ = nullptr;
+    }
+    if (rc == MDB_MAP_RESIZED && attempt < 3) {
+      Check(mdb_env_set_mapsize(env_, 0));
+      continue;
+    }
+    ThrowLmdb(rc);
+  }
+  rtxnLive_ = true;
+  return rtxn_;
+}
+
+MDB_dbi Env::Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned flags) {
+  if (auto it = dbis_.find(name); it != dbis_.end()) return it->second;
+  MDB_dbi dbi = 0;
+  int rc = mdb_dbi_open(txn, name.c_str(), flags | (create ? MDB_CREATE : 0), &dbi);
+  if (rc == MDB_NOTFOUND) Throw(CT_EDAMAGED);
+  Check(rc);
+  dbis_[name] = dbi;
+  return dbi;
+}
+
+MDB_txn* Env::BeginWrite() {
+  for (int attempt = 0;; ++attempt) {
+    MDB_txn* txn = nullptr;
+    int rc = mdb_txn_begin(env_, nullptr, 0, &txn);
+    if (rc == 0) return txn;
+    if (rc == MDB_MAP_RESIZED && attempt < 3) {
+      if (rtxnLive_) {
+        mdb_txn_reset(rtxn_);
+        rtxnLive_ = false;
+      }
+      Check(mdb_env_set_mapsize(env_, 0));
+      continue;
+    }
+    ThrowLmdb(rc);
+  }
+}
+
+void Env::Commit(MDB_txn* txn, bool durable) {
+  Check(mdb_txn_commit(txn));
+  if (durable) Check(mdb_env_sync(env_, 1));
+}
+
+void Env::Grow() {
+  if (rtxnLive_) {
+    mdb_txn_reset(rtxn_);
+    rtxnLive_ = false;
+  }
+  MDB_envinfo info{};
+  mdb_env_info(env_, &info);
+  Check(mdb_env_set_mapsize(env_, info.me_mapsize * 2));
+}
+
+Cursor::~Cursor() {
+  if (c_) mdb_cursor_close(c_);
+}
+
+MDB_cursor* Cursor::Get(Env& env, MDB_dbi dbi, bool& fresh) {
+  MDB_txn* txn = env.Snapshot();
+  fresh = false;
+  if (c_ && gen_ == env.Gen()) return c_;
+  if (c_) {
+    Check(mdb_cursor_renew(txn, c_));
+  } else {
+    Check(mdb_cursor_open(txn, dbi, &c_));
+  }
+  gen_ = env.Gen();
+  fresh = true;
+  return c_;
+}
+
+FileLock::FileLock(const std::string& path, bool exclusive) {
+  fd_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd_ < 0) Throw(FNOP_ERR, errno);
+  if (::flock(fd_, (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB) != 0) {
+    int e = errno;
+    ::close(fd_);
+    fd_ = -1;
+    Throw(FNOP_ERR, e);
+  }
+}
+
+FileLock::~FileLock() {
+  if (fd_ >= 0) ::close(fd_);
+}
+
+long long FileSize(const std::string& path) {
+  struct stat st {};
+  if (::stat(path.c_str(), &st) != 0) return -1;
+  return st.st_size;
+}
+
+bool RemoveFile(const std::string& path) {
+  bool ok = ::unlink(path.c_str()) == 0;
+  ::unlink((path + "-lock").c_str());
+  return ok;
+}
+
+void RenameFile(const std::string& from, const std::string& to) {
+  if (FileSize(to) >= 0) Throw(DCRAT_ERR);
+  if (::rename(from.c_str(), to.c_str()) != 0) Throw(DCRAT_ERR, errno);
+  ::rename((from + "-lock").c_str(), (to + "-lock").c_str());
+}
+
+}  // namespace cte

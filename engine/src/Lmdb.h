@@ -1,0 +1,121 @@
+// Lmdb: RAII ownership of one LMDB environment per physical file, its read snapshot and cursors.
+#pragma once
+
+#include <lmdb.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "Fail.h"
+
+namespace cte {
+
+// One LMDB environment in single-file mode. LMDB refuses a second open of the same file in one
+// process, so every handle on the file shares one Env (see Env::Acquire). The Env keeps one
+// long-lived read transaction, renewed only when some process committed since it began: reads
+// then cost no transaction setup, and cursors stay positioned between calls.
+class Env {
+ public:
+  // Opens (or, with create, initialises an empty existing file as) the environment at path.
+  // Shares an Env already open in this process. Throws Fail: FNOP_ERR when missing,
+  // CT_EDAMAGED for a file LMDB does not recognise or that is truncated.
+  static std::shared_ptr<Env> Acquire(const std::string& path, bool create);
+
+  ~Env();
+  Env(const Env&) = delete;
+  Env& operator=(const Env&) = delete;
+
+  MDB_env* Raw() const { return env_; }
+  // The current read snapshot, renewed when another commit happened since it began; Gen()
+  // changes whenever the snapshot does, so cursors know when to re-seek.
+  MDB_txn* Snapshot();
+  uint64_t Gen() const { return gen_; }
+  // Opens (or creates, inside txn) the named database; handles are cached by name.
+  MDB_dbi Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned flags = 0);
+  bool HasDbi(const std::string& name) const { return dbis_.count(name) != 0; }
+  // Begins a write transaction (retrying a map resize done by another process).
+  MDB_txn* BeginWrite();
+  // Commits txn; flushes to disk when durable is set. Throws Fail on failure (txn is gone).
+  void Commit(MDB_txn* txn, bool durable);
+  // Doubles the map after MDB_MAP_FULL; no transaction of this process may be active.
+  void Grow();
+  // Ends the read snapshot (before closing or renaming the file).
+  void DropSnapshot();
+
+ private:
+  explicit Env(MDB_env* env) : env_(env) {}
+  MDB_env* env_;
+  MDB_txn* rtxn_ = nullptr;
+  bool rtxnLive_ = false;
+  uint64_t gen_ = 1;
+  std::map<std::string, MDB_dbi> dbis_;
+};
+
+// A read cursor bound to an Env's snapshot generation; re-bound (and marked unpositioned) when
+// the snapshot changes.
+class Cursor {
+ public:
+  Cursor() = default;
+  ~Cursor();
+  Cursor(const Cursor&) = delete;
+  Cursor& operator=(const Cursor&) = delete;
+  // Returns a cursor on dbi valid in env's current snapshot. Sets fresh when it had to be
+  // re-bound (its position was lost).
+  MDB_cursor* Get(Env& env, MDB_dbi dbi, bool& fresh);
+  void Invalidate() { gen_ = 0; }
+
+ private:
+  MDB_cursor* c_ = nullptr;
+  uint64_t gen_ = 0;
+};
+
+// Advisory whole-file lock that carries the EXCLUSIVE/SHARED open mode across processes and
+// across handles of one process (flock locks belong to the open file description).
+class FileLock {
+ public:
+  // Locks path shared or exclusive without waiting; throws Fail FNOP_ERR when refused.
+  FileLock(const std::string& path, bool exclusive);
+  ~FileLock();
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+
+ private:
+  int fd_ = -1;
+};
+
+// Aborts a write transaction that was not committed.
+class WriteTxn {
+ public:
+  explicit WriteTxn(Env& env) : env_(env), txn_(env.BeginWrite()) {}
+  ~WriteTxn() {
+    if (txn_) mdb_txn_abort(txn_);
+  }
+  WriteTxn(const WriteTxn&) = delete;
+  WriteTxn& operator=(const WriteTxn&) = delete;
+  MDB_txn* Get() const { return txn_; }
+  void Commit(bool durable) {
+    MDB_txn* t = txn_;
+    txn_ = nullptr;
+    env_.Commit(t, durable);
+  }
+
+ private:
+  Env& env_;
+  MDB_txn* txn_;
+};
+
+// Checks an LMDB result and throws the matching Fail.
+inline void Check(int rc) {
+  if (rc != 0) ThrowLmdb(rc);
+}
+
+// The file's size in bytes, or -1 when it does not exist.
+long long FileSize(const std::string& path);
+// Removes a file and its LMDB lock file; true when the file itself was removed.
+bool RemoveFile(const std::string& path);
+// Renames a file and its lock file; throws Fail DCRAT_ERR when the target exists.
+void RenameFile(const std::string& from, const std::string& to);
+
+}  // namespace cte

@@ -1,0 +1,301 @@
+// Session.files: creating, opening, closing, deleting and renaming data files, index files and
+// IFIL sets; the IFIL, schema and other resources.
+#include <algorithm>
+#include <cstring>
+#include <map>
+
+#include "Session.h"
+
+namespace cte {
+
+namespace {
+
+constexpr int kModeBits = SHARED | VLENGTH | READFIL | TRNLOG | WRITETHRU | CHECKLOCK | SUPERFILE | CHECKREAD;
+
+void CheckMode(int mode) {
+  if (mode & ~kModeBits) Throw(FMOD_ERR);
+  if (mode & SUPERFILE) Throw(NSUP_ERR);
+}
+
+std::string DirOf(const std::string& path) {
+  size_t slash = path.rfind('/');
+  return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+}
+
+std::string BaseOf(const std::string& path) {
+  size_t slash = path.rfind('/');
+  return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+std::string StripExt(const std::string& name) {
+  size_t dot = name.rfind('.');
+  size_t slash = name.rfind('/');
+  if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return name;
+  return name.substr(0, dot);
+}
+
+void CheckName(const char* name) {
+  if (!name || !*name) Throw(CT_EBADARG);
+  if (std::strchr(name, '!')) Throw(NSUP_ERR);
+}
+
+// The index files of a definition, in the order they are first used.
+std::vector<std::string> IndexFiles(const FileDef& d) {
+  std::vector<std::string> files;
+  for (const IndexDef& ix : d.idx)
+    if (std::find(files.begin(), files.end(), ix.file) == files.end()) files.push_back(ix.file);
+  return files;
+}
+
+}  // namespace
+
+void Session::CreateData(int filno, const char* name, int reclen, int filmod, const char* password) {
+  CheckName(name);
+  CheckMode(filmod);
+  if (reclen <= 0) Throw(CT_EBADDEF);
+  int16_t no = Claim(filno, 1);
+  FileDef def;
+  def.name = name;
+  def.reclen = static_cast<int16_t>(reclen);
+  def.dfilmod = static_cast<int16_t>(filmod);
+  DataStore::Create(name, def, false, password);
+  OpenFile(no, name, filmod, password);
+}
+
+void Session::OpenFile(int filno, const char* name, int filmod, const char* password) {
+  CheckName(name);
+  CheckMode(filmod);
+  int16_t no = Claim(filno, 1);
+  auto h = std::make_unique<Handle>();
+  h->lock = std::make_unique<FileLock>(name, !(filmod & SHARED));
+  h->store = DataStore::Open(name, password);
+  h->name = name;
+  h->path = name;
+  h->mode = filmod;
+  h->password = password ? password : "";
+  h->keynos.assign(h->store->IndexCount(), -1);
+  h->base = std::make_unique<Position>(h->store->IndexCount());
+  files_[no] = std::move(h);
+}
+
+void Session::CloseFile(int filno) {
+  Handle& h = File(filno);
+  if (!h.isIndex) {
+    CloseSet(filno);
+    return;
+  }
+  if (files_[h.datno]) files_[h.datno]->keynos[h.ordinal] = -1;
+  Release(filno);
+}
+
+void Session::CloseSet(int datno) {
+  Handle& h = Data(datno);
+  for (int16_t k : h.keynos)
+    if (k >= 0) Release(k);
+  Release(datno);
+}
+
+void Session::DeleteFile(int filno) {
+  Handle& h = File(filno);
+  if (h.isIndex) Throw(NSUP_ERR);
+  DeleteSet(filno);
+}
+
+void Session::DeleteSet(int datno) {
+  Handle& h = Data(datno);
+  if (h.mode & SHARED) Throw(FMOD_ERR);
+  CheckWritable(h);
+  std::string dir = DirOf(h.path);
+  std::vector<std::string> victims{h.path};
+  for (const std::string& f : IndexFiles(h.store->def())) victims.push_back(dir + f);
+  CloseSet(datno);
+  for (const std::string& v : victims) RemoveFile(v);
+}
+
+int Session::CreateIfil(FileDef& def, const char* dataext, const char* idxext, const char* password) {
+  Validate(def);
+  CheckMode(def.dfilmod);
+  if (std::strchr(def.name.c_str(), '!')) Throw(NSUP_ERR);
+  std::string ext = idxext && *idxext ? idxext : ".idx";
+  std::string path = def.name + (dataext ? dataext : ".dat");
+  int16_t no = Claim(def.dfilno, 1 + static_cast<int>(def.idx.size()));
+  for (IndexDef& ix : def.idx) ix.file = BaseOf((ix.fileName.empty() ? def.name : ix.fileName) + ext);
+  std::string dir = DirOf(path);
+  std::vector<std::string> made;
+  try {
+    DataStore::Create(path, def, true, password);
+    made.push_back(path);
+    for (const std::string& f : IndexFiles(def)) {
+      std::vector<IndexDef> members;
+      for (const IndexDef& ix : def.idx)
+        if (ix.file == f) members.push_back(ix);
+      IndexFile::Create(dir + f, BaseOf(path), members);
+      made.push_back(dir + f);
+    }
+    OpenIfil(no, path, def.dfilmod, password);
+  } catch (...) {
+    for (const std::string& m : made) RemoveFile(m);
+    throw;
+  }
+  return no;
+}
+
+int Session::OpenIfil(int filno, const std::string& path, int filmod, const char* password) {
+  CheckName(path.c_str());
+  CheckMode(filmod);
+  bool exclusive = !(filmod & SHARED);
+  auto h = std::make_unique<Handle>();
+  h->lock = std::make_unique<FileLock>(path, exclusive);
+  h->store = DataStore::Open(path, password);
+  if (!h->store->HasIfil()) Throw(RNOT_ERR);
+  const FileDef& def = h->store->def();
+  int16_t no = Claim(filno, 1 + static_cast<int>(def.idx.size()));
+  std::string dir = DirOf(path);
+  std::map<std::string, std::pair<std::shared_ptr<Env>, std::shared_ptr<FileLock>>> idxFiles;
+  for (const std::string& f : IndexFiles(def)) {
+    auto lock = std::make_shared<FileLock>(dir + f, exclusive);
+    idxFiles[f] = {IndexFile::Open(dir + f), lock};
+  }
+  h->name = path;
+  h->path = path;
+  h->mode = filmod;
+  h->password = password ? password : "";
+  h->base = std::make_unique<Position>(def.idx.size());
+  for (size_t i = 0; i < def.idx.size(); ++i) {
+    auto k = std::make_unique<Handle>();
+    k->isIndex = true;
+    k->name = dir + def.idx[i].file;
+    k->path = k->name;
+    k->mode = def.ifilmod | (filmod & (SHARED | READFIL));
+    k->store = h->store;
+    k->idxEnv = idxFiles[def.idx[i].file].first;
+    k->idxLock = idxFiles[def.idx[i].file].second;
+    k->datno = no;
+    k->ordinal = i;
+    h->keynos.push_back(static_cast<int16_t>(no + 1 + i));
+    files_[no + 1 + i] = std::move(k);
+  }
+  files_[no] = std::move(h);
+  return no;
+}
+
+void Session::Rename(int filno, const char* newname) {
+  Handle& h = Data(filno);
+  if (!newname || !*newname) Throw(CT_EBADARG);
+  if (h.mode & SHARED) Throw(FMOD_ERR);
+  CheckWritable(h);
+  std::string oldPath = h.path, newPath = newname;
+  std::string oldDir = DirOf(oldPath), newDir = DirOf(newPath);
+  std::string oldBase = StripExt(BaseOf(oldPath)), newBase = StripExt(BaseOf(newPath));
+  FileDef def = h.store->def();
+  std::map<std::string, std::string> moves;
+  for (IndexDef& ix : def.idx) {
+    std::string to = ix.file.compare(0, oldBase.size(), oldBase) == 0 ? newBase + ix.file.substr(oldBase.size()) : ix.file;
+    moves[ix.file] = to;
+    ix.file = to;
+  }
+  if (FileSize(newPath) >= 0) Throw(DCRAT_ERR);
+  for (const auto& [from, to] : moves)
+    if ((oldDir != newDir || from != to) && FileSize(newDir + to) >= 0) Throw(DCRAT_ERR);
+  bool hasIfil = h.store->HasIfil();
+  if (hasIfil) WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
+  int mode = h.mode;
+  std::string password = h.password;
+  if (hasIfil) CloseSet(filno); else CloseFile(filno);
+  RenameFile(oldPath, newPath);
+  for (const auto& [from, to] : moves)
+    if (oldDir != newDir || from != to) RenameFile(oldDir + from, newDir + to);
+  if (hasIfil)
+    OpenIfil(filno, newPath, mode, password.c_str());
+  else
+    OpenFile(filno, newPath.c_str(), mode, password.c_str());
+}
+
+FileDef Session::GetIfil(int datno) {
+  Handle& h = Data(datno);
+  if (!h.store->HasIfil()) Throw(RNOT_ERR);
+  return h.store->def();
+}
+
+void Session::PutIfil(const FileDef& given) {
+  Handle& h = Data(given.dfilno);
+  CheckWritable(h);
+  FileDef def = given;
+  Validate(def);
+  const FileDef& old = h.store->def();
+  if (def.idx.size() != old.idx.size()) Throw(NSUP_ERR);
+  for (size_t i = 0; i < def.idx.size(); ++i) def.idx[i].file = old.idx[i].file;
+  def.dfilno = old.dfilno;
+  WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
+}
+
+std::vector<FieldDef> Session::GetFields(int datno) {
+  Handle& h = Data(datno);
+  if (!h.store->HasFields()) Throw(RNOT_ERR);
+  return h.store->fields();
+}
+
+void Session::PutFields(int datno, const std::vector<FieldDef>& fields) {
+  Handle& h = Data(datno);
+  CheckWritable(h);
+  WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutFields(txn, fields); });
+}
+
+namespace {
+
+// A resource image starts with its type and number (two ULONGs) and a zero-terminated name.
+std::string ResKey(const void* res) {
+  uint32_t tn[2];
+  std::memcpy(tn, res, sizeof tn);
+  char k[8];
+  for (int i = 0; i < 4; ++i) {
+    k[i] = static_cast<char>(tn[0] >> (24 - 8 * i));
+    k[4 + i] = static_cast<char>(tn[1] >> (24 - 8 * i));
+  }
+  return std::string(k, 8);
+}
+
+}  // namespace
+
+void Session::AddRes(int datno, const void* res, long len, bool update) {
+  Handle& h = Data(datno);
+  CheckWritable(h);
+  if (!res || len < 9 || !std::memchr(static_cast<const char*>(res) + 8, 0, len - 8)) Throw(CT_EBADARG);
+  std::string key = ResKey(res);
+  Write(h, [&](MDB_txn* txn) {
+    MDB_val k{key.size(), key.data()}, v{static_cast<size_t>(len), const_cast<void*>(res)}, old{};
+    int rc = mdb_get(txn, h.store->ResDbi(), &k, &old);
+    if (rc != 0 && rc != MDB_NOTFOUND) Check(rc);
+    if (update && rc == MDB_NOTFOUND) Throw(RNOT_ERR);
+    if (!update && rc == 0) Throw(CT_ERESDUP);
+    Check(mdb_put(txn, h.store->ResDbi(), &k, &v, 0));
+  });
+}
+
+void Session::DelRes(int datno, const void* res) {
+  Handle& h = Data(datno);
+  CheckWritable(h);
+  if (!res) Throw(CT_EBADARG);
+  std::string key = ResKey(res);
+  Write(h, [&](MDB_txn* txn) {
+    MDB_val k{key.size(), key.data()};
+    int rc = mdb_del(txn, h.store->ResDbi(), &k, nullptr);
+    if (rc == MDB_NOTFOUND) Throw(RNOT_ERR);
+    Check(rc);
+  });
+}
+
+long Session::GetRes(int datno, const void* res, void* buf, long bufsiz) {
+  Handle& h = Data(datno);
+  if (!res || !buf) Throw(CT_EBADARG);
+  std::string key = ResKey(res);
+  MDB_val k{key.size(), key.data()}, v{};
+  int rc = mdb_get(h.store->env().Snapshot(), h.store->ResDbi(), &k, &v);
+  if (rc == MDB_NOTFOUND) Throw(RNOT_ERR);
+  Check(rc);
+  if (bufsiz < 0 || static_cast<size_t>(bufsiz) < v.mv_size) Throw(VBSZ_ERR);
+  std::memcpy(buf, v.mv_data, v.mv_size);
+  return static_cast<long>(v.mv_size);
+}
+
+}  // namespace cte

@@ -1,0 +1,193 @@
+// Session: the engine's per-process session state (file numbers, handles, contexts, errors)
+// and the core operations the exported calls forward to.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "DataStore.h"
+#include "Lmdb.h"
+#include "Schema.h"
+#include "ctisam.h"
+
+namespace cte {
+
+// One index's current key in one context. `at` says the cursor stands on `key`, so that the
+// next step needs no seek.
+struct KeyPos {
+  uint8_t key[CT_MAXKEYLEN];
+  uint32_t pos = 0;
+  bool valid = false;
+  bool at = false;
+  Cursor cur;
+};
+
+// The current record and keys of one data file in one context.
+struct Position {
+  explicit Position(size_t nkeys);
+  // Copies another context's positions (cursors are not shared: the copy re-seeks).
+  void CopyFrom(const Position& o);
+  uint32_t cur = 0;
+  bool recAt = false;
+  Cursor recCur;
+  MDB_val curVal{};  // the current record in the snapshot of generation curGen
+  uint64_t curGen = 0;
+  std::vector<std::unique_ptr<KeyPos>> keys;
+};
+
+// An open file number: a data file, or one index (member) of a data file's set.
+struct Handle {
+  bool isIndex = false;
+  std::string name;  // as given to the open
+  std::string path;
+  int mode = 0;
+  std::string password;
+  std::shared_ptr<DataStore> store;
+  std::unique_ptr<FileLock> lock;
+  std::shared_ptr<Env> idxEnv;  // index member: its index file
+  std::shared_ptr<FileLock> idxLock;
+  int16_t datno = -1;           // index member: its data file
+  size_t ordinal = 0;           // index member: its place in the data file's definition
+  std::vector<int16_t> keynos;  // data file: the number of each index, -1 when not open
+  std::unique_ptr<Position> base;
+  int active = -1;  // active context id, -1 for base
+  std::vector<int> stack;
+};
+
+enum NavOp { kFirst, kNext, kPrev, kLast, kEq, kGte, kGt, kLte, kLt };
+
+class Session {
+ public:
+  // Session.cpp: session, errors, file numbers, names.
+  void Init(int fils, const char* servname);
+  void Close();
+  bool Active() const { return active_; }
+  void SetError(int code, int sysio);
+  int16_t isamErr = 0, userErr = 0, sysio = 0;
+  int AvlFilNum(int n) const;
+  void TmpName(char* buf, long len) const;
+  void GetNam(int filno, char* buf, long len);
+  long GetFil(int filno, int mode);
+  void PutFil(int filno, int mode);
+  int Fils() const { return static_cast<int>(files_.size()); }
+  int OpenCount() const;
+
+  // Session.files.cpp: creating, opening, closing, deleting, renaming.
+  void CreateData(int filno, const char* name, int reclen, int filmod, const char* password);
+  void OpenFile(int filno, const char* name, int filmod, const char* password);
+  void CloseFile(int filno);
+  void DeleteFile(int filno);
+  int CreateIfil(FileDef& def, const char* dataext, const char* idxext, const char* password);
+  int OpenIfil(int filno, const std::string& path, int filmod, const char* password);
+  void CloseSet(int datno);
+  void DeleteSet(int datno);
+  void Rename(int filno, const char* newname);
+  FileDef GetIfil(int datno);
+  void PutIfil(const FileDef& def);
+  std::vector<FieldDef> GetFields(int datno);
+  void PutFields(int datno, const std::vector<FieldDef>& fields);
+  void AddRes(int datno, const void* res, long len, bool update);
+  void DelRes(int datno, const void* res);
+  long GetRes(int datno, const void* res, void* buf, long bufsiz);
+
+  // Session.records.cpp: records and the ISAM write calls.
+  void AddRec(int datno, void* rec, long len);
+  void Rewrite(int datno, const void* rec, long len);
+  void DeleteRec(int datno);
+  // Copies the current record (or the one at pos) into buf; returns its length. fixed copies
+  // the fixed length; otherwise bufsiz bounds it (VBSZ_ERR).
+  long ReadCur(int datno, void* buf, long bufsiz, bool fixed);
+  long ReadAt(int datno, uint32_t pos, void* buf, long bufsiz, bool fixed, bool makeCurrent);
+  void SetCur(int datno, uint32_t pos, const void* rec, long len);
+  uint32_t CurPos(int datno);
+  void ForgetCur(int datno);
+  // Moves in physical order (filno a data file) or key order (an index) and reads the record.
+  long Navigate(int filno, NavOp op, const void* target, void* buf, long bufsiz, bool fixed);
+  uint32_t NewRec(int datno, long len);
+  void WriteAt(int datno, uint32_t pos, const void* rec, long len);
+  void ReleaseAt(int datno, uint32_t pos);
+  long DatEnt(int datno);
+  uint32_t SerialNum(int datno);
+
+  // Session.keys.cpp: keys, counts, contexts.
+  uint32_t KeyNav(int keyno, NavOp op, const void* target, void* idxval);
+  int FormKey(int keyno, const void* rec, void* key, uint32_t pos, long len);
+  void TransformKey(int keyno, void* key);
+  void GetCurKey(int keyno, void* idxval, long* plen);
+  void AddKey(int keyno, const void* key, uint32_t pos);
+  void DeleteKey(int keyno, const void* key, uint32_t pos, bool checkPos);
+  long IdxEnt(int keyno);
+  long RangeCount(int keyno, const void* low, const void* high);
+  uint32_t KeyAtPercent(int keyno, void* idxval, int percent);
+  uint32_t KeyByOrdinal(int keyno, const void* target, long offset, void* idxval);
+  int OpenContext(int datno, int id);
+  void ChangeContext(int id);
+  void CloseContext(int id);
+
+ private:
+  struct Context {
+    int16_t datno;
+    std::unique_ptr<Position> pos;
+  };
+  Handle& File(int filno);
+  Handle& Data(int datno);
+  Handle& Index(int keyno);
+  Position& Pos(Handle& data);
+  void CheckWritable(const Handle& h) const;
+  int16_t Claim(int filno, int count);
+  void Release(int filno);
+  void DropContexts(int datno);
+  // Runs f(txn) in one write transaction on the store and commits it, growing the map and
+  // retrying when it is full. Later lock sets will hold one transaction across calls here.
+  template <typename F>
+  void Write(Handle& h, F&& f);
+  // Write for a definition change: the store's cached definition changes inside the
+  // transaction, so a failure reloads it from the file.
+  template <typename F>
+  void WriteDefinition(Handle& h, F&& f) {
+    try {
+      Write(h, f);
+    } catch (...) {
+      h.store->Reload();
+      throw;
+    }
+  }
+  // The record at pos in the current snapshot (false when none).
+  bool Fetch(DataStore& s, uint32_t pos, MDB_val& out);
+  void CopyOut(const MDB_val& v, void* buf, long bufsiz, bool fixed, uint32_t reclen, long& len);
+  // Makes the current key of index ordinal of p valid, rebuilding it from the current record.
+  KeyPos& EnsureKey(Handle& data, Position& p, size_t ordinal);
+  void MakeCurrent(Handle& data, Position& p, uint32_t pos, const MDB_val& v, int keptOrdinal);
+  // Moves kp on index dbi; returns the position found or 0 (kp unchanged when none).
+  uint32_t Step(Env& env, MDB_dbi dbi, KeyPos& kp, int keylen, int dataLen, NavOp op,
+                const uint8_t* target);
+
+  bool active_ = false;
+  std::vector<std::unique_ptr<Handle>> files_;
+  std::map<int, Context> contexts_;
+  std::vector<uint8_t> scratch_;
+};
+
+// The process's one session.
+Session& TheSession();
+
+template <typename F>
+void Session::Write(Handle& h, F&& f) {
+  DataStore& s = *h.store;
+  for (int attempt = 0;; ++attempt) {
+    try {
+      WriteTxn w(s.env());
+      f(w.Get());
+      w.Commit(s.Durable(h.mode));
+      return;
+    } catch (const Fail& e) {
+      if (e.code != CT_EDISKFULL || e.sysio != 0 || attempt >= 8) throw;
+    }
+    s.env().Grow();
+  }
+}
+
+}  // namespace cte

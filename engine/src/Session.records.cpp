@@ -1,0 +1,397 @@
+// Session.records: adding, rewriting, deleting and reading records; physical and key-order
+// record navigation; low-level record calls.
+#include <cstring>
+
+#include "Session.h"
+
+namespace cte {
+
+namespace {
+
+MDB_val PosKey(const uint32_t& pos) { return MDB_val{sizeof pos, const_cast<uint32_t*>(&pos)}; }
+
+uint32_t PosOf(const MDB_val& v) {
+  uint32_t p;
+  std::memcpy(&p, v.mv_data, sizeof p);
+  return p;
+}
+
+// Positions advance by the record's length (at least 4, rounded to 4), so that they behave
+// like byte offsets; they must stay below 2^31 because callers hold them in a LONG.
+uint32_t Advance(uint32_t pos, size_t len) {
+  uint64_t next = pos + ((std::max<size_t>(len, 4) + 3) & ~size_t{3});
+  if (next > 0x7FFFFFFFu) Throw(CT_EDISKFULL);
+  return static_cast<uint32_t>(next);
+}
+
+size_t RecordLength(const DataStore& s, long len) {
+  bool var = (s.header().filmod & VLENGTH) != 0;
+  if (!var || len <= 0) return s.RecLen();
+  if (static_cast<size_t>(len) < s.RecLen()) Throw(CT_EBADARG);
+  return static_cast<size_t>(len);
+}
+
+void PutKey(MDB_txn* txn, MDB_dbi dbi, const uint8_t* key, int keylen, uint32_t pos) {
+  MDB_val k{static_cast<size_t>(keylen), const_cast<uint8_t*>(key)}, v = PosKey(pos);
+  int rc = mdb_put(txn, dbi, &k, &v, MDB_NOOVERWRITE);
+  if (rc == MDB_KEYEXIST) Throw(KDUP_ERR);
+  Check(rc);
+}
+
+void DelKey(MDB_txn* txn, MDB_dbi dbi, const uint8_t* key, int keylen) {
+  MDB_val k{static_cast<size_t>(keylen), const_cast<uint8_t*>(key)};
+  int rc = mdb_del(txn, dbi, &k, nullptr);
+  if (rc != MDB_NOTFOUND) Check(rc);
+}
+
+}  // namespace
+
+bool Session::Fetch(DataStore& s, uint32_t pos, MDB_val& out) {
+  MDB_val k = PosKey(pos);
+  int rc = mdb_get(s.env().Snapshot(), s.RecDbi(), &k, &out);
+  if (rc == MDB_NOTFOUND) return false;
+  Check(rc);
+  return true;
+}
+
+void Session::CopyOut(const MDB_val& v, void* buf, long bufsiz, bool fixed, uint32_t reclen, long& len) {
+  len = static_cast<long>(v.mv_size);
+  if (!buf) return;
+  if (fixed) {
+    size_t n = std::min<size_t>(v.mv_size, reclen);
+    std::memcpy(buf, v.mv_data, n);
+    std::memset(static_cast<char*>(buf) + n, 0, reclen - n);
+    return;
+  }
+  if (bufsiz < len) Throw(VBSZ_ERR);
+  std::memcpy(buf, v.mv_data, v.mv_size);
+}
+
+void Session::MakeCurrent(Handle&, Position& p, uint32_t pos, const MDB_val& v, int keptOrdinal) {
+  p.cur = pos;
+  p.curVal = v;
+  p.recAt = false;
+  for (size_t i = 0; i < p.keys.size(); ++i) {
+    KeyPos& kp = *p.keys[i];
+    if (static_cast<int>(i) == keptOrdinal || (kp.valid && kp.pos == pos)) continue;
+    kp.valid = false;
+    kp.at = false;
+  }
+}
+
+void Session::AddRec(int datno, void* rec, long len) {
+  Handle& h = Data(datno);
+  CheckWritable(h);
+  if (!rec) Throw(CT_EBADARG);
+  DataStore& s = *h.store;
+  const size_t n = RecordLength(s, len);
+  const size_t nidx = s.IndexCount();
+  scratch_.resize(n + nidx * CT_MAXKEYLEN);
+  uint8_t* r = scratch_.data();
+  uint8_t* keys = r + n;
+  std::memcpy(r, rec, n);
+  bool serial = false;
+  for (size_t i = 0; i < nidx; ++i) serial = serial || s.Layout(i).HasSerial();
+  uint32_t pos = 0, number = 0;
+  Write(h, [&](MDB_txn* txn) {
+    DataStore::Counters c = s.ReadCounters(txn);
+    pos = c.nextPos;
+    c.nextPos = Advance(pos, n);
+    if (serial) {
+      number = c.serial = c.serial + 1;
+      for (size_t i = 0; i < nidx; ++i) {
+        int off = s.Layout(i).SerialOffset();
+        if (off >= 0 && static_cast<size_t>(off) + 4 <= n) std::memcpy(r + off, &number, 4);
+      }
+    }
+    for (size_t i = 0; i < nidx; ++i) {
+      const KeyLayout& k = s.Layout(i);
+      uint8_t* key = keys + i * CT_MAXKEYLEN;
+      if (!k.Build(r, n, pos, key)) PutKey(txn, s.KeyDbi(i), key, k.KeyLen(), pos);
+    }
+    MDB_val k = PosKey(pos), v{n, r};
+    Check(mdb_put(txn, s.RecDbi(), &k, &v, MDB_APPEND));
+    s.WriteCounters(txn, c);
+  });
+  if (serial) std::memcpy(rec, r, n);
+  Position& p = Pos(h);
+  p.cur = pos;
+  p.recAt = false;
+  p.curGen = 0;
+  for (size_t i = 0; i < nidx; ++i) {
+    KeyPos& kp = *p.keys[i];
+    std::memcpy(kp.key, keys + i * CT_MAXKEYLEN, s.Layout(i).KeyLen());
+    kp.pos = pos;
+    kp.valid = true;
+    kp.at = false;
+  }
+}
+
+void Session::Rewrite(int datno, const void* rec, long len) {
+  Handle& h = Data(datno);
+  CheckWritable(h);
+  if (!rec) Throw(CT_EBADARG);
+  DataStore& s = *h.store;
+  Position& p = Pos(h);
+  if (!p.cur) Throw(ICUR_ERR);
+  const size_t n = RecordLength(s, len);
+  const size_t nidx = s.IndexCount();
+  scratch_.resize(2 * nidx * CT_MAXKEYLEN);
+  uint8_t* oldKeys = scratch_.data();
+  uint8_t* newKeys = oldKeys + nidx * CT_MAXKEYLEN;
+  const uint32_t pos = p.cur;
+  const uint8_t* r = static_cast<const uint8_t*>(rec);
+  Write(h, [&](MDB_txn* txn) {
+    MDB_val k = PosKey(pos), old{};
+    int rc = mdb_get(txn, s.RecDbi(), &k, &old);
+    if (rc == MDB_NOTFOUND) Throw(ICUR_ERR);
+    Check(rc);
+    for (size_t i = 0; i < nidx; ++i) {
+      const KeyLayout& layout = s.Layout(i);
+      uint8_t* ok = oldKeys + i * CT_MAXKEYLEN;
+      uint8_t* nk = newKeys + i * CT_MAXKEYLEN;
+      bool oldNull = layout.Build(static_cast<const uint8_t*>(old.mv_data), old.mv_size, pos, ok);
+      bool newNull = layout.Build(r, n, pos, nk);
+      if (oldNull == newNull && std::memcmp(ok, nk, layout.KeyLen()) == 0) continue;
+      if (!oldNull) DelKey(txn, s.KeyDbi(i), ok, layout.KeyLen());
+      if (!newNull) PutKey(txn, s.KeyDbi(i), nk, layout.KeyLen(), pos);
+    }
+    MDB_val v{n, const_cast<uint8_t*>(r)};
+    Check(mdb_put(txn, s.RecDbi(), &k, &v, 0));
+  });
+  p.curGen = 0;
+  p.recAt = false;
+  for (size_t i = 0; i < nidx; ++i) {
+    KeyPos& kp = *p.keys[i];
+    std::memcpy(kp.key, newKeys + i * CT_MAXKEYLEN, s.Layout(i).KeyLen());
+    kp.pos = pos;
+    kp.valid = true;
+    kp.at = false;
+  }
+}
+
+void Session::DeleteRec(int datno) {
+  Handle& h = Data(datno);
+  CheckWritable(h);
+  DataStore& s = *h.store;
+  Position& p = Pos(h);
+  if (!p.cur) Throw(ICUR_ERR);
+  const size_t nidx = s.IndexCount();
+  scratch_.resize(nidx * CT_MAXKEYLEN);
+  uint8_t* keys = scratch_.data();
+  const uint32_t pos = p.cur;
+  Write(h, [&](MDB_txn* txn) {
+    MDB_val k = PosKey(pos), old{};
+    int rc = mdb_get(txn, s.RecDbi(), &k, &old);
+    if (rc == MDB_NOTFOUND) Throw(ICUR_ERR);
+    Check(rc);
+    for (size_t i = 0; i < nidx; ++i) {
+      const KeyLayout& layout = s.Layout(i);
+      uint8_t* key = keys + i * CT_MAXKEYLEN;
+      if (!layout.Build(static_cast<const uint8_t*>(old.mv_data), old.mv_size, pos, key))
+        DelKey(txn, s.KeyDbi(i), key, layout.KeyLen());
+    }
+    Check(mdb_del(txn, s.RecDbi(), &k, nullptr));
+  });
+  // The deleted record's keys stay as the current keys, so that the next step in any order
+  // gives the record that followed it.
+  p.curGen = 0;
+  p.recAt = false;
+  for (size_t i = 0; i < nidx; ++i) {
+    KeyPos& kp = *p.keys[i];
+    std::memcpy(kp.key, keys + i * CT_MAXKEYLEN, s.Layout(i).KeyLen());
+    kp.pos = pos;
+    kp.valid = true;
+    kp.at = false;
+  }
+}
+
+long Session::ReadCur(int datno, void* buf, long bufsiz, bool fixed) {
+  Handle& h = Data(datno);
+  DataStore& s = *h.store;
+  Position& p = Pos(h);
+  if (!p.cur) Throw(ICUR_ERR);
+  s.env().Snapshot();
+  if (p.curGen != s.env().Gen()) {
+    if (!Fetch(s, p.cur, p.curVal)) Throw(ICUR_ERR);
+    p.curGen = s.env().Gen();
+  }
+  long len = 0;
+  CopyOut(p.curVal, buf, bufsiz, fixed, s.RecLen(), len);
+  return len;
+}
+
+long Session::ReadAt(int datno, uint32_t pos, void* buf, long bufsiz, bool fixed, bool makeCurrent) {
+  Handle& h = Data(datno);
+  DataStore& s = *h.store;
+  MDB_val v{};
+  if (!Fetch(s, pos, v)) Throw(INOT_ERR);
+  long len = 0;
+  CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
+  if (makeCurrent) {
+    Position& p = Pos(h);
+    MakeCurrent(h, p, pos, v, -1);
+    p.curGen = s.env().Gen();
+  }
+  return len;
+}
+
+void Session::SetCur(int datno, uint32_t pos, const void* rec, long len) {
+  Handle& h = Data(datno);
+  DataStore& s = *h.store;
+  Position& p = Pos(h);
+  MDB_val v{};
+  if (!Fetch(s, pos, v)) Throw(INOT_ERR);
+  MakeCurrent(h, p, pos, v, -1);
+  p.curGen = s.env().Gen();
+  if (!rec) return;
+  size_t n = len > 0 ? static_cast<size_t>(len) : s.RecLen();
+  for (size_t i = 0; i < p.keys.size(); ++i) {
+    KeyPos& kp = *p.keys[i];
+    if (kp.valid) continue;
+    s.Layout(i).Build(static_cast<const uint8_t*>(rec), n, pos, kp.key);
+    kp.pos = pos;
+    kp.valid = true;
+  }
+}
+
+uint32_t Session::CurPos(int datno) {
+  Handle& h = Data(datno);
+  uint32_t cur = Pos(h).cur;
+  if (!cur) Throw(ICUR_ERR);
+  return cur;
+}
+
+void Session::ForgetCur(int datno) {
+  Handle& h = Data(datno);
+  Position& p = Pos(h);
+  p.cur = 0;
+  p.recAt = false;
+  p.curGen = 0;
+  for (auto& kp : p.keys) kp->valid = kp->at = false;
+}
+
+long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long bufsiz, bool fixed) {
+  Handle& f = File(filno);
+  long len = 0;
+  if (!f.isIndex) {
+    if (op > kLast) Throw(CT_ENOTIDX);
+    DataStore& s = *f.store;
+    Position& p = Pos(f);
+    bool fresh = false;
+    MDB_cursor* c = p.recCur.Get(s.env(), s.RecDbi(), fresh);
+    MDB_val k{}, v{};
+    uint32_t seek = 0;
+    int rc;
+    switch (op) {
+      case kFirst: rc = mdb_cursor_get(c, &k, &v, MDB_FIRST); break;
+      case kLast: rc = mdb_cursor_get(c, &k, &v, MDB_LAST); break;
+      case kNext:
+        if (!p.cur) Throw(ICUR_ERR);
+        if (p.recAt && !fresh) {
+          rc = mdb_cursor_get(c, &k, &v, MDB_NEXT);
+        } else {
+          seek = p.cur + 1;
+          k = PosKey(seek);
+          rc = mdb_cursor_get(c, &k, &v, MDB_SET_RANGE);
+        }
+        break;
+      default:
+        if (!p.cur) Throw(ICUR_ERR);
+        if (p.recAt && !fresh) {
+          rc = mdb_cursor_get(c, &k, &v, MDB_PREV);
+        } else {
+          seek = p.cur;
+          k = PosKey(seek);
+          rc = mdb_cursor_get(c, &k, &v, MDB_SET_RANGE);
+          rc = mdb_cursor_get(c, &k, &v, rc == MDB_NOTFOUND ? MDB_LAST : MDB_PREV);
+        }
+        break;
+    }
+    if (rc == MDB_NOTFOUND) {
+      p.recAt = false;
+      Throw(INOT_ERR);
+    }
+    Check(rc);
+    CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
+    MakeCurrent(f, p, PosOf(k), v, -1);
+    p.curGen = s.env().Gen();
+    p.recAt = true;
+    return len;
+  }
+  Handle& h = *files_[f.datno];
+  DataStore& s = *h.store;
+  Position& p = Pos(h);
+  const IndexDef& ix = s.def().idx[f.ordinal];
+  KeyPos& kp = op == kNext || op == kPrev ? EnsureKey(h, p, f.ordinal) : *p.keys[f.ordinal];
+  if (op >= kEq && !target) Throw(CT_EBADARG);
+  uint32_t pos = Step(s.env(), s.KeyDbi(f.ordinal), kp, ix.keylen, ix.keylen - (ix.dup ? 4 : 0), op,
+                      static_cast<const uint8_t*>(target));
+  if (!pos) Throw(INOT_ERR);
+  MDB_val v{};
+  if (!Fetch(s, pos, v)) Throw(CT_EDAMAGED);
+  CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
+  MakeCurrent(h, p, pos, v, static_cast<int>(f.ordinal));
+  p.curGen = s.env().Gen();
+  return len;
+}
+
+uint32_t Session::NewRec(int datno, long len) {
+  Handle& h = Data(datno);
+  CheckWritable(h);
+  DataStore& s = *h.store;
+  const size_t n = RecordLength(s, len);
+  scratch_.assign(n, 0);
+  uint32_t pos = 0;
+  Write(h, [&](MDB_txn* txn) {
+    DataStore::Counters c = s.ReadCounters(txn);
+    pos = c.nextPos;
+    c.nextPos = Advance(pos, n);
+    MDB_val k = PosKey(pos), v{n, scratch_.data()};
+    Check(mdb_put(txn, s.RecDbi(), &k, &v, MDB_APPEND));
+    s.WriteCounters(txn, c);
+  });
+  return pos;
+}
+
+void Session::WriteAt(int datno, uint32_t pos, const void* rec, long len) {
+  Handle& h = Data(datno);
+  CheckWritable(h);
+  if (!rec) Throw(CT_EBADARG);
+  DataStore& s = *h.store;
+  const size_t n = RecordLength(s, len);
+  Write(h, [&](MDB_txn* txn) {
+    MDB_val k = PosKey(pos), old{};
+    int rc = mdb_get(txn, s.RecDbi(), &k, &old);
+    if (rc == MDB_NOTFOUND) Throw(INOT_ERR);
+    Check(rc);
+    MDB_val v{n, const_cast<void*>(rec)};
+    Check(mdb_put(txn, s.RecDbi(), &k, &v, 0));
+  });
+}
+
+void Session::ReleaseAt(int datno, uint32_t pos) {
+  Handle& h = Data(datno);
+  CheckWritable(h);
+  DataStore& s = *h.store;
+  Write(h, [&](MDB_txn* txn) {
+    MDB_val k = PosKey(pos);
+    int rc = mdb_del(txn, s.RecDbi(), &k, nullptr);
+    if (rc == MDB_NOTFOUND) Throw(INOT_ERR);
+    Check(rc);
+  });
+}
+
+long Session::DatEnt(int datno) {
+  Handle& h = Data(datno);
+  MDB_stat st{};
+  Check(mdb_stat(h.store->env().Snapshot(), h.store->RecDbi(), &st));
+  return static_cast<long>(st.ms_entries);
+}
+
+uint32_t Session::SerialNum(int datno) {
+  Handle& h = Data(datno);
+  return h.store->ReadCounters(h.store->env().Snapshot()).serial;
+}
+
+}  // namespace cte

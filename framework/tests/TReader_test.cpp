@@ -1,0 +1,321 @@
+// Tests of reading text form files: order, references, deferred activation and bad input.
+#include "TReader.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "Exception.h"
+#include "TClassInfo.h"
+#include "TComponent.h"
+
+using namespace fw;
+
+namespace {
+
+std::vector<std::string> gEvents;
+int gLive = 0;
+
+enum TMode : uint8_t { mdFast, mdSafe, mdSlow };
+enum TOption : uint8_t { opA, opB, opC };
+
+class TTestTable : public TComponent {
+ public:
+  explicit TTestTable(TComponent* owner) : TComponent(owner) { ++gLive; }
+  ~TTestTable() override { --gLive; }
+  static const TClassInfo& StaticClass();
+  const TClassInfo& ClassType() const override { return StaticClass(); }
+
+  bool Active() const { return FActive; }
+  void SetActive(bool v) {
+    if (ComponentState().Contains(csLoading)) {
+      FStreamedActive = v;
+      return;
+    }
+    if (v && FFailOpen) throw EDatabaseError("cannot open " + Name());
+    FActive = v;
+    gEvents.push_back("open " + Name() + (FMaster != nullptr ? " master=" + FMaster->Name() : ""));
+  }
+  int32_t Count() const { return FCount; }
+  void SetCount(int32_t v) { FCount = v; }
+  const std::string& Caption() const { return FCaption; }
+  void SetCaption(const std::string& v) { FCaption = v; }
+  double Ratio() const { return FRatio; }
+  void SetRatio(double v) { FRatio = v; }
+  TMode Mode() const { return FMode; }
+  void SetMode(TMode v) { FMode = v; }
+  TSet<TOption> Options() const { return FOptions; }
+  void SetOptions(TSet<TOption> v) { FOptions = v; }
+  TTestTable* Master() const { return FMaster; }
+  void SetMaster(TTestTable* v) {
+    FMaster = v;
+    if (v != nullptr) v->FreeNotification(this);
+  }
+  std::string Data() const { return FData; }
+  void SetData(const std::string& v) { FData = v; }
+  bool FailOpen() const { return FFailOpen; }
+  void SetFailOpen(bool v) { FFailOpen = v; }
+  std::vector<TComponent*> Fields;
+
+  void Notification(TComponent* c, TOperation op) override {
+    TComponent::Notification(c, op);
+    if (op == opRemove && c == FMaster) FMaster = nullptr;
+    if (op == opRemove) Fields.erase(std::remove(Fields.begin(), Fields.end(), c), Fields.end());
+  }
+  void GetChildren(const std::function<void(TComponent*)>& proc, TComponent* root) const override {
+    for (TComponent* f : Fields) proc(f);
+  }
+
+ protected:
+  void Loaded() override {
+    TComponent::Loaded();
+    gEvents.push_back("loaded " + Name());
+    if (FStreamedActive) SetActive(true);
+  }
+
+ private:
+  bool FActive = false, FStreamedActive = false, FFailOpen = false;
+  int32_t FCount = 0;
+  std::string FCaption;
+  double FRatio = 0;
+  TMode FMode = mdFast;
+  TSet<TOption> FOptions;
+  TTestTable* FMaster = nullptr;
+  std::string FData;
+};
+
+// A child that joins its parent table only after its own properties were read.
+class TTestField : public TComponent {
+ public:
+  using TComponent::TComponent;
+  static const TClassInfo& StaticClass();
+  const TClassInfo& ClassType() const override { return StaticClass(); }
+  const std::string& FieldName() const { return FFieldName; }
+  void SetFieldName(const std::string& v) { FFieldName = v; }
+  bool HasParent() const override { return true; }
+  TComponent* GetParentComponent() const override { return FTable; }
+  void SetParentComponent(TComponent* parent) override { FPendingParent = dynamic_cast<TTestTable*>(parent); }
+  TTestTable* Table() const { return FTable; }
+
+ protected:
+  void ReadState(TReader& reader) override {
+    TComponent::ReadState(reader);
+    if (FPendingParent == nullptr) throw EDatabaseError("field " + Name() + " has no table");
+    for (TComponent* f : FPendingParent->Fields)
+      if (static_cast<TTestField*>(f)->FieldName() == FFieldName) throw EDatabaseError("duplicate field " + FFieldName);
+    gEvents.push_back("join " + Name() + " as " + FFieldName);
+    FTable = FPendingParent;
+    FTable->Fields.push_back(this);
+    FTable->FreeNotification(this);
+  }
+  void Loaded() override {
+    TComponent::Loaded();
+    gEvents.push_back("loaded " + Name());
+  }
+
+ private:
+  std::string FFieldName;
+  TTestTable* FTable = nullptr;
+  TTestTable* FPendingParent = nullptr;
+};
+
+class TTestRoot : public TComponent {
+ public:
+  using TComponent::TComponent;
+  static const TClassInfo& StaticClass() {
+    static const TClassInfo info = TClassBuilder<TTestRoot>("TTestRoot", &TComponent::StaticClass()).Creatable().Build();
+    return info;
+  }
+  const TClassInfo& ClassType() const override { return StaticClass(); }
+
+ protected:
+  void Loaded() override {
+    TComponent::Loaded();
+    gEvents.push_back("loaded " + Name());
+  }
+};
+
+const TClassInfo& TTestTable::StaticClass() {
+  static const TClassInfo info =
+      TClassBuilder<TTestTable>("TTestTable", &TComponent::StaticClass())
+          .Creatable()
+          .Reference("Master", &TTestTable::Master, &TTestTable::SetMaster)
+          .Property("Count", &TTestTable::Count, &TTestTable::SetCount, 0)
+          .Property("Caption", &TTestTable::Caption, &TTestTable::SetCaption, "")
+          .Property("Ratio", &TTestTable::Ratio, &TTestTable::SetRatio, 0.0)
+          .Enum("Mode", {"mdFast", "mdSafe", "mdSlow"}, &TTestTable::Mode, &TTestTable::SetMode, mdFast)
+          .Set("Options", {"opA", "opB", "opC"}, &TTestTable::Options, &TTestTable::SetOptions, int64_t{0})
+          .Binary("Data", &TTestTable::Data, &TTestTable::SetData)
+          .Property("FailOpen", &TTestTable::FailOpen, &TTestTable::SetFailOpen, false)
+          .Property("Active", &TTestTable::Active, &TTestTable::SetActive, false)
+          .Build();
+  return info;
+}
+
+const TClassInfo& TTestField::StaticClass() {
+  static const TClassInfo info = TClassBuilder<TTestField>("TTestField", &TComponent::StaticClass())
+                                     .Creatable()
+                                     .Property("FieldName", &TTestField::FieldName, &TTestField::SetFieldName, "")
+                                     .Build();
+  return info;
+}
+
+class TReaderTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    RegisterClasses({&TTestRoot::StaticClass(), &TTestTable::StaticClass(), &TTestField::StaticClass()});
+    gEvents.clear();
+    gLive = 0;
+  }
+};
+
+const char* const kForm = R"(object Data1: TTestRoot
+  object Orders: TTestTable
+    Master = Customers
+    Count = -12
+    Caption = 'Bob''s'#13#10 +
+      ' orders'
+    Ratio = 1.5E2
+    Mode = mdSlow
+    Options = [opA, opC]
+    Data = {00FF
+            41}
+    Active = True
+    object OrdersNo: TTestField
+      FieldName = 'OrderNo'
+    end
+    object OrdersCust: TTestField
+      FieldName = 'CustNo'
+    end
+  end
+  object Customers: TTestTable
+    Tag = $10
+    Active = true
+  end
+end
+)";
+
+}  // namespace
+
+TEST_F(TReaderTest, ReadsPropertiesAndResolvesForwardReferences) {
+  TComponentPtr<TComponent> root(ReadComponentText(kForm));
+  ASSERT_EQ(root->ClassName(), "TTestRoot");
+  EXPECT_EQ(root->Name(), "Data1");
+  auto* orders = dynamic_cast<TTestTable*>(root->FindComponent("Orders"));
+  auto* customers = dynamic_cast<TTestTable*>(root->FindComponent("Customers"));
+  ASSERT_NE(orders, nullptr);
+  ASSERT_NE(customers, nullptr);
+  EXPECT_EQ(orders->Master(), customers);
+  EXPECT_EQ(orders->Count(), -12);
+  EXPECT_EQ(orders->Caption(), "Bob's\r\n orders");
+  EXPECT_EQ(orders->Ratio(), 150);
+  EXPECT_EQ(orders->Mode(), mdSlow);
+  EXPECT_EQ(orders->Options(), (TSet<TOption>{opA, opC}));
+  EXPECT_EQ(orders->Data(), std::string("\x00\xff" "A", 3));
+  EXPECT_EQ(customers->Tag(), 16);
+  // Nested objects are owned by the root, fields joined their table.
+  EXPECT_EQ(root->ComponentCount(), 4);
+  ASSERT_EQ(orders->Fields.size(), 2u);
+  EXPECT_EQ(static_cast<TTestField*>(orders->Fields[1])->Table(), orders);
+  EXPECT_EQ(root->FindComponent("OrdersCust")->Owner(), root.get());
+  for (int i = 0; i < root->ComponentCount(); ++i)
+    EXPECT_FALSE(root->Components(i)->ComponentState().Contains(csLoading));
+}
+
+TEST_F(TReaderTest, LoadedRunsRootFirstThenNestedBeforeEnclosingAndActivatesOnlyThere) {
+  TComponentPtr<TComponent> root(ReadComponentText(kForm));
+  const std::vector<std::string> expected = {
+      "join OrdersNo as OrderNo", "join OrdersCust as CustNo",
+      "loaded Data1", "loaded OrdersNo", "loaded OrdersCust",
+      "loaded Orders", "open Orders master=Customers",  // the reference was resolved before any Loaded
+      "loaded Customers", "open Customers"};
+  EXPECT_EQ(gEvents, expected);
+}
+
+TEST_F(TReaderTest, ReadsIntoASuppliedRoot) {
+  TComponentPtr<TTestRoot> root(new TTestRoot(nullptr));
+  EXPECT_EQ(ReadComponentText("object Form9: TComponent\n object T: TTestTable\n end\nend\n", root.get()), root.get());
+  EXPECT_EQ(root->Name(), "Form9");
+  EXPECT_NE(root->FindComponent("T"), nullptr);
+  EXPECT_THROW(ReadComponentText("object F: TTestTable\nend\n", root.get()), EParserError);
+}
+
+TEST_F(TReaderTest, ReferencesToAnotherLoadedRootUseDottedNames) {
+  TComponentPtr<TComponent> other(ReadComponentText("object Shared: TTestRoot\n object Cust: TTestTable\n end\nend\n"));
+  TComponentPtr<TComponent> root(
+      ReadComponentText("object Local: TTestRoot\n object T: TTestTable\n Master = Shared.Cust\n end\n"
+                        " object U: TTestTable\n Master = Missing.Cust\n end\nend\n"));
+  auto* t = static_cast<TTestTable*>(root->FindComponent("T"));
+  EXPECT_EQ(t->Master(), other->FindComponent("Cust"));
+  EXPECT_EQ(static_cast<TTestTable*>(root->FindComponent("U"))->Master(), nullptr);
+  other.reset();
+  EXPECT_EQ(t->Master(), nullptr);
+  EXPECT_EQ(FindGlobalComponent("Shared"), nullptr);
+}
+
+namespace {
+
+std::string ErrorOf(const std::string& text) {
+  try {
+    TComponentPtr<TComponent> root(ReadComponentText(text));
+  } catch (const EParserError& e) {
+    return e.Message();
+  }
+  return "no error";
+}
+
+}  // namespace
+
+TEST_F(TReaderTest, MalformedFormsNameTheLineAndCreateNothing) {
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n  object T: TNoSuchClass\n  end\nend\n"), "Line 2: class TNoSuchClass not found");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Colour = 1\n end\nend\n"),
+            "Line 3: class TTestTable has no property 'Colour'");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Count = 'x'\n end\nend\n"),
+            "Line 3: invalid value for property Count");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Count = 99999999999\n end\nend\n"),
+            "Line 3: error reading property Count: Value 99999999999 out of range");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Mode = mdWarp\n end\nend\n"),
+            "Line 3: 'mdWarp' is not a valid value for property Mode");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Options = [opA, opZ]\n end\nend\n"),
+            "Line 3: 'opZ' is not a member of property Options");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Master = Nobody\n end\nend\n"),
+            "Line 3: reference to unknown component 'Nobody'");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Count = 1\n"),
+            "Line 2: object 'T' is not terminated by 'end'");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Caption = 'abc\n end\nend\n"),
+            "Line 3: unterminated string");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Count 1\n end\nend\n"),
+            "Line 3: '=' expected but a number found");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\nend\nend\n"), "Line 3: unexpected text after the final 'end'");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n end\n object t: TTestTable\n end\nend\n"),
+            "Line 4: A component named t already exists");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  object F: TTestField\n   FieldName = 'A'\n  end\n"
+                    "  object G: TTestField\n   FieldName = 'A'\n  end\n end\nend\n"),
+            "Line 6: error reading TTestField G: duplicate field A");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Data = {0F1}\n end\nend\n"),
+            "Line 3: odd number of hex digits in binary value");
+  EXPECT_EQ(gLive, 0);
+}
+
+TEST_F(TReaderTest, FailureAfterCreationDestroysWhatTheReaderMadeButKeepsASuppliedRoot) {
+  TComponentPtr<TTestRoot> root(new TTestRoot(nullptr));
+  TComponent* mine = new TTestTable(root.get());
+  mine->SetName("Mine");
+  EXPECT_THROW(ReadComponentText("object R: TTestRoot\n object A: TTestTable\n end\n object B: TTestTable\n"
+                                 "  Master = Ghost\n end\nend\n",
+                                 root.get()),
+               EParserError);
+  EXPECT_EQ(root->ComponentCount(), 1);
+  EXPECT_EQ(root->Components(0), mine);
+  EXPECT_FALSE(root->ComponentState().Contains(csLoading));
+  EXPECT_EQ(gLive, 1);
+}
+
+TEST_F(TReaderTest, AnExceptionFromADeferredOpenPropagatesAfterCleanUp) {
+  EXPECT_THROW(ReadComponentText("object R: TTestRoot\n object A: TTestTable\n  FailOpen = True\n  Active = True\n"
+                                 " end\nend\n"),
+               EDatabaseError);
+  EXPECT_EQ(gLive, 0);
+}
