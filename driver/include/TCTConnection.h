@@ -68,9 +68,6 @@ class TCTConnection : public fw::TComponent {
   /// Deletes only the first "." itself (".dsf" gives "dsf", "x.dsf" gives "xdsf").
   void SetSuperFileExt(const std::string& value);
 
-  /// The index-key hook (not published); see TCTIndexKeyEvent.
-  TCTIndexKeyEvent OnIndexKey;
-
   explicit TCTConnection(fw::TComponent* owner);
   /// Deactivates (closing every dataset) before the component goes.
   ~TCTConnection() override;

@@ -8,6 +8,7 @@
 #include "DriverTestSupport.h"
 #include "StringUtils.h"
 #include "TClassInfo.h"
+#include "TDataSet.h"
 #include "TReader.h"
 
 namespace Ctdb::testing {
@@ -37,6 +38,35 @@ class TActiveProbe : public fw::TComponent {
 
  private:
   std::string FWatch;
+};
+
+// A dataset that registers with a connection while open, as the table datasets do, and notes
+// the order in which it is closed.
+class TStandInTable : public fw::TDataSet {
+ public:
+  TStandInTable(TCTConnection* connection, std::string tag, std::vector<std::string>& closed)
+      : fw::TDataSet(nullptr), FConnection(connection), FTag(std::move(tag)), FClosed(closed) {}
+  ~TStandInTable() override { Close(); }
+
+ protected:
+  fw::TGetResult GetRecord(fw::TRecordBuffer, fw::TGetMode, bool) override { return fw::grEOF; }
+  void InternalOpen() override {
+    FOpen = true;
+    FConnection->AddDataSet(this);
+  }
+  void InternalClose() override {
+    FClosed.push_back(FTag);
+    FConnection->RemoveDataSet(this);
+    FOpen = false;
+  }
+  void InternalInitFieldDefs() override {}
+  bool IsCursorOpen() const override { return FOpen; }
+
+ private:
+  TCTConnection* FConnection;
+  std::string FTag;
+  std::vector<std::string>& FClosed;
+  bool FOpen = false;
 };
 
 using ConnectionTest = DriverTest;
@@ -109,6 +139,24 @@ TEST_F(ConnectionTest, ActivatingTwiceKeepsTheSessionAndItsFiles) {
   EXPECT_FALSE(Conn->Active());
   Conn->SetActive(false);
   EXPECT_FALSE(Conn->Active());
+}
+
+TEST_F(ConnectionTest, DeactivationClosesTheOpenDatasetsLastOpenedFirst) {
+  Activate();
+  std::vector<std::string> closed;
+  TStandInTable first(Conn.get(), "first", closed);
+  TStandInTable second(Conn.get(), "second", closed);
+  TStandInTable third(Conn.get(), "third", closed);
+  first.Open();
+  third.Open();
+  second.Open();
+  ASSERT_EQ(Conn->DataSetCount(), 3);
+  EXPECT_EQ(Conn->DataSets(2), &second);
+  Conn->SetActive(false);
+  EXPECT_EQ(closed, (std::vector<std::string>{"second", "third", "first"}));
+  EXPECT_EQ(Conn->DataSetCount(), 0);
+  EXPECT_FALSE(first.Active());
+  EXPECT_FALSE(second.Active());
 }
 
 TEST_F(ConnectionTest, ASecondConnectionSharesTheOpenSession) {
