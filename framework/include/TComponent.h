@@ -73,6 +73,8 @@ class TComponent : public TPersistent {
   TComponentState ComponentState() const { return FComponentState; }
   int32_t Tag() const { return FTag; }
   void SetTag(int32_t value) { FTag = value; }
+  /// The component's Name.
+  std::string GetNamePath() const override { return FName; }
 
   // ---- methods ----
   /// Destroys this component (see the class comment). Call on a non-null pointer only.

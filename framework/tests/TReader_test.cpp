@@ -9,7 +9,9 @@
 
 #include "Exception.h"
 #include "TClassInfo.h"
+#include "TCollection.h"
 #include "TComponent.h"
+#include "TStringList.h"
 
 using namespace fw;
 
@@ -162,10 +164,61 @@ const TClassInfo& TTestField::StaticClass() {
   return info;
 }
 
+class TColumn : public TCollectionItem {
+ public:
+  using TCollectionItem::TCollectionItem;
+  static const TClassInfo& StaticClass() {
+    static const TClassInfo info = TClassBuilder<TColumn>("TColumn", &TCollectionItem::StaticClass())
+                                       .Property("Title", &TColumn::Title, &TColumn::SetTitle, "")
+                                       .Reference("Source", &TColumn::Source, &TColumn::SetSource)
+                                       .Build();
+    return info;
+  }
+  const TClassInfo& ClassType() const override { return StaticClass(); }
+  const std::string& Title() const { return FTitle; }
+  void SetTitle(const std::string& v) { FTitle = v; }
+  TTestTable* Source() const { return FSource; }
+  void SetSource(TTestTable* v) { FSource = v; }
+
+ private:
+  std::string FTitle;
+  TTestTable* FSource = nullptr;
+};
+
+class TColumns : public TCollection {
+ public:
+  using TCollection::TCollection;
+
+ protected:
+  TCollectionItem* CreateItem() override { return new TColumn(this); }
+};
+
+// A component with a string list and a collection as published sub-objects.
+class TTestGrid : public TComponent {
+ public:
+  using TComponent::TComponent;
+  static const TClassInfo& StaticClass() {
+    static const TClassInfo info = TClassBuilder<TTestGrid>("TTestGrid", &TComponent::StaticClass())
+                                       .Creatable()
+                                       .Object("Lines", &TTestGrid::Lines)
+                                       .Object("Columns", &TTestGrid::Columns)
+                                       .Build();
+    return info;
+  }
+  const TClassInfo& ClassType() const override { return StaticClass(); }
+  TStringList* Lines() { return &FLines; }
+  TColumns* Columns() { return &FColumns; }
+
+ private:
+  TStringList FLines;
+  TColumns FColumns{this};
+};
+
 class TReaderTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    RegisterClasses({&TTestRoot::StaticClass(), &TTestTable::StaticClass(), &TTestField::StaticClass()});
+    RegisterClasses({&TTestRoot::StaticClass(), &TTestTable::StaticClass(), &TTestField::StaticClass(),
+                     &TTestGrid::StaticClass()});
     gEvents.clear();
     gLive = 0;
   }
@@ -318,4 +371,36 @@ TEST_F(TReaderTest, AnExceptionFromADeferredOpenPropagatesAfterCleanUp) {
                                  " end\nend\n"),
                EDatabaseError);
   EXPECT_EQ(gLive, 0);
+}
+
+TEST_F(TReaderTest, ListsFillStringListsAndCollectionsCreateItems) {
+  TComponentPtr<TComponent> root(ReadComponentText(R"(object R: TTestRoot
+  object G: TTestGrid
+    Lines.Strings = (
+      'first'
+      'second'#9'tab')
+    Columns = <
+      item
+        Title = 'No'
+        Source = T
+      end
+      item
+      end>
+  end
+  object T: TTestTable
+  end
+end
+)"));
+  auto* grid = static_cast<TTestGrid*>(root->FindComponent("G"));
+  EXPECT_EQ(grid->Lines()->Text(), "first\nsecond\ttab\n");
+  ASSERT_EQ(grid->Columns()->Count(), 2);
+  auto* col = static_cast<TColumn*>(grid->Columns()->Items(0));
+  EXPECT_EQ(col->Title(), "No");
+  EXPECT_EQ(col->Source(), root->FindComponent("T"));
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object G: TTestGrid\n  Lines = (1)\n end\nend\n"),
+            "Line 3: string expected in list of property Lines");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object G: TTestGrid\n  Columns = <item Width = 3 end>\n end\nend\n"),
+            "Line 3: class TColumn has no property 'Width'");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object G: TTestGrid\n  Columns = 'x'\n end\nend\n"),
+            "Line 3: invalid value for property Columns");
 }
