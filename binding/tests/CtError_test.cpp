@@ -1,6 +1,8 @@
 // Tests of the binding layer's error routines and message table.
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "CTDbIntf.h"
 #include "ctisam.h"
 
@@ -38,7 +40,7 @@ TEST(CtErrorTest, AppendsLineFeedCarriageReturnAndNumber) {
 }
 
 TEST(CtErrorTest, NumberWithoutMessageGivesOnlyTheAppendedText) {
-  for (std::int32_t code : {1, 1103, 9999, -5}) {
+  for (std::int32_t code : {1, 1103, 9999, -5, std::numeric_limits<std::int32_t>::max()}) {
     const ECtreeException e = Raised([code] { CtError(code); });
     EXPECT_EQ(e.Message(), "\n\rCtree Error #" + std::to_string(code));
     EXPECT_EQ(e.ErrorCode, code);

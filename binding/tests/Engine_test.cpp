@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "BindingFixture.h"
+#include "EntryPoints.h"
 #include "ctisam.h"
 
 namespace CTDbIntf::testing {
@@ -72,6 +73,20 @@ TEST_F(EngineTest, DefinitionRecordsAndRecordsPassThroughUnchanged) {
   std::string missing = PathOf("missing.dat");
   EXPECT_EQ(OpenFileWithResourceXtd(laByte, 3, missing.data(), SHARED, nullptr), FNOP_ERR);
   EXPECT_EQ(GetCtIsamErr(laByte), FNOP_ERR);
+}
+
+TEST_F(EngineTest, EachVariantLoadsItsOwnFileAndTakesOverTheTable) {
+  for (std::size_t i = 0; i < kVariantCount; ++i) {
+    const auto alignment = static_cast<TLoadAlignment>(i);
+    const auto before = EntryPointLookupCount();
+    EXPECT_EQ(GetCtIsamErr(alignment), 0) << LibraryNames[i];
+    EXPECT_EQ(EntryPointLookupCount() - before, 169u) << LibraryNames[i];
+    EXPECT_TRUE(IsMapped(LibraryNames[i]));
+
+    Dl_info info{};
+    ASSERT_NE(dladdr(reinterpret_cast<void*>(EntryPoints.INTISAMX), &info), 0);
+    EXPECT_EQ(std::filesystem::path(info.dli_fname).filename(), LibraryNames[i]);
+  }
 }
 
 }  // namespace

@@ -6,9 +6,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <mutex>
-
 #include "ctisam.h"
 
 namespace cte {
@@ -81,6 +78,9 @@ std::shared_ptr<Env> Env::Acquire(const std::string& path, bool create) {
   mdb_env_stat(raw, &est);
   if (!create && static_cast<long long>(info.me_last_pgno + 1) * est.ms_psize > FileSize(path))
     Throw(CT_EDAMAGED);
+  // Reader slots left by processes that died are released, so they do not pin old pages.
+  int dead = 0;
+  mdb_reader_check(raw, &dead);
   reg[id] = env;
   return env;
 }

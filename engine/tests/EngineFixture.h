@@ -1,0 +1,95 @@
+// EngineFixture: a session on a fresh temporary directory and a customers table to work on.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "EngineApi.h"
+
+// The customers record: id int4 @0, name char[30] @4, city char[20] @34, balance double @54,
+// date int4 @62; 66 bytes, never padded.
+#pragma pack(push, 1)
+struct Customer {
+  int32_t id;
+  char name[30];
+  char city[20];
+  double balance;
+  int32_t date;
+};
+#pragma pack(pop)
+static_assert(sizeof(Customer) == 66);
+
+inline Customer MakeCustomer(int id, const char* name, const char* city, double balance = 0, int date = 0) {
+  Customer c{};
+  c.id = id;
+  std::strncpy(c.name, name, sizeof c.name);
+  std::strncpy(c.city, city, sizeof c.city);
+  c.balance = balance;
+  c.date = date;
+  return c;
+}
+
+// Index 0 on id (signed, unique); index 1 on city + name (duplicates allowed).
+struct CustomersDef {
+  ISEG idSeg[1] = {{0, 4, SGNSEG}};
+  ISEG cityName[2] = {{34, 20, REGSEG}, {4, 30, REGSEG}};
+  IIDX idx[2] = {{4, 0, 0, 0, 0, 1, idSeg, (pTEXT) "by_id", nullptr, nullptr, nullptr},
+                 {54, 0, 1, 0, 0, 2, cityName, (pTEXT) "by_city", nullptr, nullptr, nullptr}};
+  IFIL ifil = {(pTEXT) "customers", -1, sizeof(Customer), 0, SHARED, 2, 0, SHARED, idx, nullptr, nullptr, -1};
+};
+
+class EngineTest : public ::testing::Test {
+ protected:
+  static EngineApi& Api() {
+    static EngineApi* api = [] {
+      auto* a = new EngineApi();
+      if (!a->Load("libctstd32b.so")) std::abort();
+      return a;
+    }();
+    return *api;
+  }
+
+  void SetUp() override {
+    old_ = std::filesystem::current_path();
+    char tmpl[] = "/tmp/ctengine-XXXXXX";
+    ASSERT_NE(mkdtemp(tmpl), nullptr);
+    dir_ = tmpl;
+    std::filesystem::current_path(dir_);
+    ASSERT_EQ(api.INTISAMX(10, 64, 16, 10, 0, nullptr, nullptr, nullptr), 0);
+  }
+
+  void TearDown() override {
+    api.CLISAM();
+    std::filesystem::current_path(old_);
+    std::filesystem::remove_all(dir_);
+  }
+
+  // Creates the customers table and returns its data file number.
+  COUNT CreateCustomers(COUNT mode = SHARED) {
+    def_.ifil.dfilmod = mode;
+    def_.ifil.ifilmod = mode;
+    EXPECT_EQ(api.CREIFIL(&def_.ifil), 0);
+    return def_.ifil.tfilno;
+  }
+
+  COUNT Add(COUNT datno, int id, const char* name, const char* city, double balance = 0) {
+    Customer c = MakeCustomer(id, name, city, balance);
+    return api.ADDREC(datno, &c);
+  }
+
+  COUNT LastError() {
+    COUNT isam = 0, user = 0, sys = 0;
+    api.GetCtreeError(&isam, &user, &sys);
+    return isam;
+  }
+
+  EngineApi& api = Api();
+  CustomersDef def_;
+  std::filesystem::path old_, dir_;
+};

@@ -1,0 +1,95 @@
+// EngineProcess_test: several processes on the same files, and a writer killed mid-stream.
+// Children load a second variant (libctreebm.so, also byte-packed) so that they open the files
+// with an engine instance of their own instead of the one inherited from the parent.
+#include <signal.h>
+#include <sys/wait.h>
+
+#include "EngineFixture.h"
+
+namespace {
+
+using EngineProcess = EngineTest;
+
+// Runs body in a child process on its own engine instance; returns the child's exit status.
+template <typename F>
+pid_t Spawn(F&& body) {
+  pid_t pid = fork();
+  if (pid == 0) {
+    EngineApi child;
+    int rc = child.Load("libctreebm.so") && child.INTISAM(10, 32, 4) == 0 ? body(child) : 90;
+    _exit(rc);
+  }
+  return pid;
+}
+
+int Wait(pid_t pid) {
+  int status = 0;
+  waitpid(pid, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 100 + WTERMSIG(status);
+}
+
+TEST_F(EngineProcess, SharedOpenersSeeEachOthersCommits) {
+  COUNT dat = CreateCustomers();
+  ASSERT_EQ(Add(dat, 1, "parent", "P"), 0);
+  Customer c{};
+  ASSERT_EQ(api.FRSREC(dat + 1, &c), 0);  // holds a snapshot from before the child's writes
+  pid_t pid = Spawn([](EngineApi& e) {
+    if (e.OPNRFIL(0, (pTEXT) "customers.dat", SHARED) != 0) return 1;
+    if (e.DATENT(0) != 1) return 2;
+    for (int id = 100; id < 200; ++id) {
+      Customer r = MakeCustomer(id, "child", "C");
+      if (e.ADDREC(0, &r) != 0) return 3;
+    }
+    return e.CLISAM() == 0 ? 0 : 4;
+  });
+  ASSERT_EQ(Wait(pid), 0);
+  EXPECT_EQ(api.DATENT(dat), 101);
+  ASSERT_EQ(api.NXTREC(dat + 1, &c), 0);
+  EXPECT_EQ(c.id, 100);
+  ASSERT_EQ(api.LSTREC(dat + 1, &c), 0);
+  EXPECT_EQ(c.id, 199);
+  EXPECT_EQ(Add(dat, 150, "clash", "X"), KDUP_ERR);
+}
+
+TEST_F(EngineProcess, KilledWriterLosesNothingItWasToldWasWritten) {
+  COUNT dat = CreateCustomers();
+  int fds[2];
+  ASSERT_EQ(pipe(fds), 0);
+  pid_t pid = Spawn([&](EngineApi& e) {
+    close(fds[0]);
+    if (e.OPNRFIL(0, (pTEXT) "customers.dat", SHARED) != 0) return 1;
+    for (int32_t id = 0; id < 1000000; ++id) {
+      Customer r = MakeCustomer(id, "w", id % 2 ? "odd" : "even");
+      if (e.ADDREC(0, &r) != 0) return 2;
+      if (write(fds[1], &id, sizeof id) != sizeof id) return 3;
+    }
+    return 0;
+  });
+  close(fds[1]);
+  int32_t acked = -1, id = 0;
+  while (acked < 3000 && read(fds[0], &id, sizeof id) == sizeof id) acked = id;
+  kill(pid, SIGKILL);
+  Wait(pid);
+  while (read(fds[0], &id, sizeof id) == sizeof id) acked = id;
+  close(fds[0]);
+  ASSERT_GE(acked, 3000);
+  LONG n = api.DATENT(dat);
+  EXPECT_GE(n, acked + 1);
+  EXPECT_LE(n, acked + 2);
+  EXPECT_EQ(api.IDXENT(dat + 1), n);
+  EXPECT_EQ(api.IDXENT(dat + 2), n);
+  Customer c{};
+  uint8_t key[4];
+  for (int32_t probe : {0, acked / 2, acked}) {
+    Customer k = MakeCustomer(probe, "", "");
+    api.frmkey(dat + 1, (pTEXT) &k, (pTEXT) key, 0, 0);
+    ASSERT_EQ(api.EQLREC(dat + 1, key, &c), 0) << probe;
+    EXPECT_EQ(c.id, probe);
+  }
+  EXPECT_EQ(Add(dat, -1, "after", "crash"), 0);
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  pid = Spawn([](EngineApi& e) { return e.OPNRFIL(0, (pTEXT) "customers.dat", EXCLUSIVE); });
+  EXPECT_EQ(Wait(pid), 0);
+}
+
+}  // namespace
