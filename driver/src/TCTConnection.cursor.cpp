@@ -471,8 +471,9 @@ int32_t TCTConnection::GetRecordCount(TCTCursorDesc* cursor, int32_t& count) {
       const int32_t error = CTDbIntf::GetCtUErrCod(a);
       if (error != INOT_ERR && error != ICUR_ERR) result = error;
     }
+    // A current record deleted since it was read has no position to go back to.
     const int32_t restored = Restore(a, cursor, saved);
-    if (result == 0) result = restored;
+    if (result == 0 && restored != INOT_ERR && restored != ICUR_ERR) result = restored;
   } catch (const std::bad_alloc&) {
     result = kCtOutOfMemory;
   }
