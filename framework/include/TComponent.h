@@ -14,6 +14,7 @@
 namespace fw {
 
 class TReader;
+class TWriter;
 
 enum TComponentStateFlag : uint8_t {
   csLoading,           // being read from a form file; cleared by Loaded()
@@ -149,6 +150,7 @@ class TComponent : public TPersistent {
 
  private:
   friend class TReader;
+  friend class TWriter;
   void Unlink(TComponent* c);
   void RemoveNotify(TComponent* c);
 

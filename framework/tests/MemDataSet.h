@@ -39,6 +39,9 @@ class TMemDataSet : public fw::TDataSet {
   /// Setting a read-only dataset makes GetCanModify false.
   bool ReadOnlyTable = false;
   void SetUniDirectionalForTest(bool Value) { SetUniDirectional(Value); }
+  /// Stands in for a detail dataset's master source.
+  fw::TDataSource* MasterSource = nullptr;
+  fw::TDataSource* DataSource() const override { return MasterSource; }
 
   bool GetFieldData(fw::TField* Field, void* Buffer) override;
   using fw::TDataSet::GetFieldData;

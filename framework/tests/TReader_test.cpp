@@ -12,6 +12,7 @@
 #include "TCollection.h"
 #include "TComponent.h"
 #include "TStringList.h"
+#include "TWriter.h"
 
 using namespace fw;
 
@@ -403,4 +404,76 @@ end
             "Line 3: class TColumn has no property 'Width'");
   EXPECT_EQ(ErrorOf("object R: TTestRoot\n object G: TTestGrid\n  Columns = 'x'\n end\nend\n"),
             "Line 3: invalid value for property Columns");
+}
+
+TEST_F(TReaderTest, WriterOutputReadsBackToTheSameText) {
+  TComponentPtr<TComponent> root(ReadComponentText(kForm));
+  const std::string text = WriteComponentText(*root);
+  const std::string expected = R"(object Data1: TTestRoot
+  object Orders: TTestTable
+    Master = Customers
+    Count = -12
+    Caption = 'Bob''s'#13#10' orders'
+    Ratio = 150
+    Mode = mdSlow
+    Options = [opA, opC]
+    Data = {00FF41}
+    Active = True
+    object OrdersNo: TTestField
+      FieldName = 'OrderNo'
+    end
+    object OrdersCust: TTestField
+      FieldName = 'CustNo'
+    end
+  end
+  object Customers: TTestTable
+    Tag = 16
+    Active = True
+  end
+end
+)";
+  // The fields have a parent, so they are written inside their table and not again in the root.
+  EXPECT_EQ(text, expected);
+  gEvents.clear();
+  TComponentPtr<TComponent> again(ReadComponentText(text));
+  EXPECT_EQ(WriteComponentText(*again), text);
+  auto* orders = static_cast<TTestTable*>(again->FindComponent("Orders"));
+  EXPECT_EQ(orders->Caption(), "Bob's\r\n orders");
+  EXPECT_EQ(orders->Master(), again->FindComponent("Customers"));
+  EXPECT_TRUE(orders->Active());
+}
+
+TEST_F(TReaderTest, WriterWritesStringListsCollectionsAndSetsCsWriting) {
+  TComponentPtr<TTestRoot> root(new TTestRoot(nullptr));
+  root->SetName("R");
+  auto* grid = new TTestGrid(root.get());
+  grid->SetName("G");
+  grid->Lines()->Add("a'b");
+  grid->Lines()->Add("");
+  auto* table = new TTestTable(root.get());
+  table->SetName("T");
+  table->SetRatio(0.1);
+  static_cast<TColumn*>(grid->Columns()->Add())->SetSource(table);
+  grid->Columns()->Add();
+  const std::string text = WriteComponentText(*root);
+  EXPECT_EQ(text, R"(object R: TTestRoot
+  object G: TTestGrid
+    Lines.Strings = (
+      'a''b'
+      '')
+    Columns = <
+      item
+        Source = T
+      end
+      item
+      end>
+  end
+  object T: TTestTable
+    Ratio = 0.1
+  end
+end
+)");
+  TComponentPtr<TComponent> back(ReadComponentText(text));
+  EXPECT_EQ(WriteComponentText(*back), text);
+  EXPECT_FALSE(root->ComponentState().Contains(csWriting));
 }
