@@ -1,6 +1,7 @@
 // The tool's import subcommand: CSV rows appended in batches, bad rows reported (tools layer).
 #include <cerrno>
 #include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iostream>
@@ -127,9 +128,12 @@ void PrintSummary(Console& console, const Importer& run, double seconds, const s
   out << "rows read " << run.Read << ", added " << run.Added << ", rejected " << run.Rejected;
   if (run.Skipped > 0) out << ", skipped " << run.Skipped;
   out << " into " << table;
-  if (seconds > 0 && run.Added > 0)
-    out << " in " << static_cast<std::uint64_t>(seconds * 1000) / 1000.0 << " s ("
-        << ProgressBar::Grouped(static_cast<std::uint64_t>(run.Added / seconds)) << " rows/s)";
+  if (seconds > 0 && run.Added > 0) {
+    char elapsed[32];
+    std::snprintf(elapsed, sizeof elapsed, "%.2f", seconds);
+    out << " in " << elapsed << " s (" << ProgressBar::Grouped(static_cast<std::uint64_t>(run.Added / seconds))
+        << " rows/s)";
+  }
   out << '\n';
 }
 

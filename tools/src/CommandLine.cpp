@@ -175,9 +175,9 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
 
   std::string name = "ctt";
   try {
-    CollectConnection(app, p);
     CLI::App* chosen = app.get_subcommands().front();
     name = chosen->get_name();
+    CollectConnection(app, p);
     if (p.Table.Name.empty()) throw UsageError("the table name is empty");
     if (chosen == create) {
       CreateOptions options{ParseFieldSpecs(p.FieldTexts), ParseIndexSpecs(p.IndexTexts)};
