@@ -32,7 +32,7 @@ CTISAM_API COUNT STPUSR(void);
 /* Writes the last ISAM error, the last error of any call and the last system I/O code (errno)
  * through the non-NULL pointers; returns 1. */
 CTISAM_API COUNT GetCtreeError(pCOUNT isamerr, pCOUNT usererr, pCOUNT sysiocod);
-/* Writes the message of error number code to stderr; returns 0 (CT_EBADARG when unknown). */
+/* Writes the error number to stderr (the messages live in the binding's table); returns 0. */
 CTISAM_API COUNT ViewCtreeError(ULONG code);
 /* Parameter-file driven sessions and server control (not supported). */
 CTISAM_API COUNT OPNISAM(pTEXT parmfile);
@@ -51,10 +51,10 @@ CTISAM_API COUNT CTHIST(COUNT filno, pTEXT target, pTEXT bufptr, LONG recbyt, LO
 CTISAM_API COUNT SECURITY(COUNT filno, pVOID bufptr, LONG bufsiz, COUNT mode);
 /* Operation state: returns the previous state word; only value 0 is accepted (454 otherwise). */
 CTISAM_API LONG SETOPS(LONG status, LONG mode);
-/* Copies I/O statistics (four ULONGs: reads, writes, commits, opens) to buf; 0. */
+/* I/O statistics (next engine issue). */
 CTISAM_API COUNT IOPERFORMANCE(pVOID buf);
 CTISAM_API COUNT IOPERFORMANCEX(pVOID buf);
-/* Copies the configuration (three LONGs: fils, open files, packing) to buf; 0. */
+/* Copies the configuration (three LONGs: fils, open files, packing) to buf (12 bytes); 0. */
 CTISAM_API COUNT SYSCFG(pVOID buf);
 
 /* ---- file numbers and names -------------------------------------------------------------- */
@@ -142,7 +142,8 @@ CTISAM_API COUNT CTSBLDX(pTEXT superfile, pTEXT tempname);
 
 /* ---- resources and schema ---------------------------------------------------------------- */
 /* A resource image is: ULONG type, ULONG number, zero-terminated name, then the data; len
- * counts the whole image. Types 1..127 are reserved for the engine. ADDRES: CT_ERESDUP when the
+ * counts the whole image (at least 9 bytes, the name terminated inside it, else CT_EBADARG;
+ * the IFIL and schema are kept apart from these). ADDRES: CT_ERESDUP when the
  * (type, number) exists. UPDRES replaces one (RNOT_ERR when missing), DELRES removes the one the
  * image's type and number name. ENARES enables resources of a file (always enabled; 0). */
 CTISAM_API COUNT ADDRES(COUNT datno, pVOID resptr, LONG len);
@@ -270,7 +271,8 @@ CTISAM_API LONG SERIALNUM(COUNT datno);
 CTISAM_API COUNT GETALTSEQ(COUNT keyno, pCOUNT altseq);
 CTISAM_API COUNT SETALTSEQ(COUNT keyno, pCOUNT altseq);
 CTISAM_API COUNT SETVARBYTS(COUNT filno, pUTEXT pvbyte);
-/* Conditional indexes (next engine issue). */
+/* Conditional indexes (next engine issue): until then no index has a condition, and GETCIDX
+ * returns 0 with NCON_ERR (401); UPDCIDX returns 454. */
 CTISAM_API LONG GETCIDX(COUNT keyno, LONG len, pVOID buf);
 CTISAM_API COUNT UPDCIDX(COUNT keyno, pTEXT expr);
 

@@ -172,8 +172,11 @@ void DataStore::Reload() {
 
 void DataStore::OpenKeyDbs(MDB_txn* txn, bool create) {
   keys_.clear();
-  for (size_t i = 0; i < def_.idx.size(); ++i)
-    keys_.push_back(env_->Dbi(txn, "k" + std::to_string(i), create));
+  for (size_t i = 0; i < def_.idx.size(); ++i) {
+    std::string name = "k";
+    name += std::to_string(i);
+    keys_.push_back(env_->Dbi(txn, name, create));
+  }
 }
 
 bool DataStore::Durable(int openMode) const {

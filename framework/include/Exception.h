@@ -58,6 +58,16 @@ class EWriteError : public EStreamError {
   using EStreamError::EStreamError;
 };
 
+/// A file stream could not create or open its file (the message names the file and the reason).
+class EFCreateError : public EStreamError {
+ public:
+  using EStreamError::EStreamError;
+};
+class EFOpenError : public EStreamError {
+ public:
+  using EStreamError::EStreamError;
+};
+
 /// A malformed form file: the message names the line and what is wrong.
 class EParserError : public Exception {
  public:

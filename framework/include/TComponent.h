@@ -14,6 +14,7 @@
 namespace fw {
 
 class TReader;
+class TWriter;
 
 enum TComponentStateFlag : uint8_t {
   csLoading,           // being read from a form file; cleared by Loaded()
@@ -73,6 +74,8 @@ class TComponent : public TPersistent {
   TComponentState ComponentState() const { return FComponentState; }
   int32_t Tag() const { return FTag; }
   void SetTag(int32_t value) { FTag = value; }
+  /// The component's Name.
+  std::string GetNamePath() const override { return FName; }
 
   // ---- methods ----
   /// Destroys this component (see the class comment). Call on a non-null pointer only.
@@ -147,6 +150,7 @@ class TComponent : public TPersistent {
 
  private:
   friend class TReader;
+  friend class TWriter;
   void Unlink(TComponent* c);
   void RemoveNotify(TComponent* c);
 

@@ -1,6 +1,7 @@
 // Decimal digit strings: the exact decimal form of text and doubles, and digit rounding.
 #include "DecimalDigits.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 
@@ -95,6 +96,22 @@ void RoundDigits(DecimalDigits& d, int count, bool halfEven) {
     }
   }
   Normalize(d);
+}
+
+bool DigitsToCurrency(DecimalDigits d, long long& value) {
+  RoundDigits(d, d.Exp + 4, true);
+  if (d.Digits.empty()) {
+    value = 0;
+    return true;
+  }
+  const int total = d.Exp + 4;  // digits of value x 10000
+  if (total > 19) return false;
+  unsigned __int128 acc = 0;
+  for (int i = 0; i < total; ++i) acc = acc * 10 + (i < static_cast<int>(d.Digits.size()) ? d.Digits[i] - '0' : 0);
+  const unsigned __int128 limit = static_cast<unsigned __int128>(INT64_MAX) + (d.Negative ? 1 : 0);
+  if (acc > limit) return false;
+  value = d.Negative ? static_cast<long long>(0 - static_cast<unsigned long long>(acc)) : static_cast<long long>(acc);
+  return true;
 }
 
 }  // namespace fw

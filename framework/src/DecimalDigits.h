@@ -24,4 +24,8 @@ DecimalDigits DoubleToDigits(double v);
 /// half away from zero; a carry may raise Exp. Trailing zeros are dropped; zero loses its sign.
 void RoundDigits(DecimalDigits& d, int count, bool halfEven);
 
+/// The value rounded half to even to 4 decimals as Currency (value x 10000); false when it is
+/// outside the Currency range.
+bool DigitsToCurrency(DecimalDigits d, long long& value);
+
 }  // namespace fw

@@ -163,22 +163,9 @@ std::string CurrToStr(Currency value) {
 
 bool TryStrToCurr(std::string_view text, Currency& value) {
   DecimalDigits d;
-  if (!ParseDecimalDigits(StripBlanks(text), FormatSettings.DecimalSeparator, d)) return false;
-  // Keep the integer digits and 4 decimals; the rest rounds half to even.
-  RoundDigits(d, d.Exp + 4, true);
-  if (d.Digits.empty()) {
-    value = 0;
-    return true;
-  }
-  const int total = d.Exp + 4;
-  if (total > 19) return false;
-  unsigned __int128 acc = 0;
-  for (int i = 0; i < total; ++i)
-    acc = acc * 10 + (i < static_cast<int>(d.Digits.size()) ? d.Digits[i] - '0' : 0);
-  const unsigned __int128 limit =
-      static_cast<unsigned __int128>(std::numeric_limits<int64_t>::max()) + (d.Negative ? 1 : 0);
-  if (acc > limit) return false;
-  value = d.Negative ? static_cast<int64_t>(0 - static_cast<uint64_t>(acc)) : static_cast<int64_t>(acc);
+  long long v;
+  if (!ParseDecimalDigits(StripBlanks(text), FormatSettings.DecimalSeparator, d) || !DigitsToCurrency(d, v)) return false;
+  value = v;
   return true;
 }
 

@@ -9,7 +9,9 @@
 #include "FormParser.h"
 #include "StringUtils.h"
 #include "TClassInfo.h"
+#include "TCollection.h"
 #include "TComponent.h"
+#include "TStrings.h"
 
 namespace fw {
 
@@ -246,7 +248,37 @@ void TReader::AssignValue(TPersistent& target, const TPropInfo& info, const Form
 }
 
 void TReader::AssignItems(TPersistent& object, const TPropInfo& info, const FormValue& value) {
-  Fail(value.Line, "property " + info.Name + " of class " + object.ClassName() + " cannot take this value");
+  if (auto* strings = dynamic_cast<TStrings*>(&object); strings != nullptr && value.ValueKind == FormValue::vkList) {
+    for (const FormValue& item : value.Items)
+      if (item.ValueKind != FormValue::vkString) Fail(item.Line, "string expected in list of property " + info.Name);
+    strings->BeginUpdate();
+    try {
+      strings->Clear();
+      for (const FormValue& item : value.Items) strings->Add(item.Text);
+    } catch (...) {
+      strings->EndUpdate();
+      throw;
+    }
+    strings->EndUpdate();
+    return;
+  }
+  if (auto* collection = dynamic_cast<TCollection*>(&object);
+      collection != nullptr && value.ValueKind == FormValue::vkCollection) {
+    collection->BeginUpdate();
+    try {
+      collection->Clear();
+      for (const FormValue::Item& item : value.CollectionItems) {
+        TCollectionItem* instance = collection->Add();
+        for (const FormProperty& prop : item.Properties) AssignProperty(*instance, prop);
+      }
+    } catch (...) {
+      collection->EndUpdate();
+      throw;
+    }
+    collection->EndUpdate();
+    return;
+  }
+  Fail(value.Line, "invalid value for property " + info.Name);
 }
 
 void TReader::ResolveFixups() {

@@ -9,7 +9,10 @@
 
 #include "Exception.h"
 #include "TClassInfo.h"
+#include "TCollection.h"
 #include "TComponent.h"
+#include "TStringList.h"
+#include "TWriter.h"
 
 using namespace fw;
 
@@ -162,10 +165,61 @@ const TClassInfo& TTestField::StaticClass() {
   return info;
 }
 
+class TColumn : public TCollectionItem {
+ public:
+  using TCollectionItem::TCollectionItem;
+  static const TClassInfo& StaticClass() {
+    static const TClassInfo info = TClassBuilder<TColumn>("TColumn", &TCollectionItem::StaticClass())
+                                       .Property("Title", &TColumn::Title, &TColumn::SetTitle, "")
+                                       .Reference("Source", &TColumn::Source, &TColumn::SetSource)
+                                       .Build();
+    return info;
+  }
+  const TClassInfo& ClassType() const override { return StaticClass(); }
+  const std::string& Title() const { return FTitle; }
+  void SetTitle(const std::string& v) { FTitle = v; }
+  TTestTable* Source() const { return FSource; }
+  void SetSource(TTestTable* v) { FSource = v; }
+
+ private:
+  std::string FTitle;
+  TTestTable* FSource = nullptr;
+};
+
+class TColumns : public TCollection {
+ public:
+  using TCollection::TCollection;
+
+ protected:
+  TCollectionItem* CreateItem() override { return new TColumn(this); }
+};
+
+// A component with a string list and a collection as published sub-objects.
+class TTestGrid : public TComponent {
+ public:
+  using TComponent::TComponent;
+  static const TClassInfo& StaticClass() {
+    static const TClassInfo info = TClassBuilder<TTestGrid>("TTestGrid", &TComponent::StaticClass())
+                                       .Creatable()
+                                       .Object("Lines", &TTestGrid::Lines)
+                                       .Object("Columns", &TTestGrid::Columns)
+                                       .Build();
+    return info;
+  }
+  const TClassInfo& ClassType() const override { return StaticClass(); }
+  TStringList* Lines() { return &FLines; }
+  TColumns* Columns() { return &FColumns; }
+
+ private:
+  TStringList FLines;
+  TColumns FColumns{this};
+};
+
 class TReaderTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    RegisterClasses({&TTestRoot::StaticClass(), &TTestTable::StaticClass(), &TTestField::StaticClass()});
+    RegisterClasses({&TTestRoot::StaticClass(), &TTestTable::StaticClass(), &TTestField::StaticClass(),
+                     &TTestGrid::StaticClass()});
     gEvents.clear();
     gLive = 0;
   }
@@ -318,4 +372,108 @@ TEST_F(TReaderTest, AnExceptionFromADeferredOpenPropagatesAfterCleanUp) {
                                  " end\nend\n"),
                EDatabaseError);
   EXPECT_EQ(gLive, 0);
+}
+
+TEST_F(TReaderTest, ListsFillStringListsAndCollectionsCreateItems) {
+  TComponentPtr<TComponent> root(ReadComponentText(R"(object R: TTestRoot
+  object G: TTestGrid
+    Lines.Strings = (
+      'first'
+      'second'#9'tab')
+    Columns = <
+      item
+        Title = 'No'
+        Source = T
+      end
+      item
+      end>
+  end
+  object T: TTestTable
+  end
+end
+)"));
+  auto* grid = static_cast<TTestGrid*>(root->FindComponent("G"));
+  EXPECT_EQ(grid->Lines()->Text(), "first\nsecond\ttab\n");
+  ASSERT_EQ(grid->Columns()->Count(), 2);
+  auto* col = static_cast<TColumn*>(grid->Columns()->Items(0));
+  EXPECT_EQ(col->Title(), "No");
+  EXPECT_EQ(col->Source(), root->FindComponent("T"));
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object G: TTestGrid\n  Lines = (1)\n end\nend\n"),
+            "Line 3: string expected in list of property Lines");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object G: TTestGrid\n  Columns = <item Width = 3 end>\n end\nend\n"),
+            "Line 3: class TColumn has no property 'Width'");
+  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object G: TTestGrid\n  Columns = 'x'\n end\nend\n"),
+            "Line 3: invalid value for property Columns");
+}
+
+TEST_F(TReaderTest, WriterOutputReadsBackToTheSameText) {
+  TComponentPtr<TComponent> root(ReadComponentText(kForm));
+  const std::string text = WriteComponentText(*root);
+  const std::string expected = R"(object Data1: TTestRoot
+  object Orders: TTestTable
+    Master = Customers
+    Count = -12
+    Caption = 'Bob''s'#13#10' orders'
+    Ratio = 150
+    Mode = mdSlow
+    Options = [opA, opC]
+    Data = {00FF41}
+    Active = True
+    object OrdersNo: TTestField
+      FieldName = 'OrderNo'
+    end
+    object OrdersCust: TTestField
+      FieldName = 'CustNo'
+    end
+  end
+  object Customers: TTestTable
+    Tag = 16
+    Active = True
+  end
+end
+)";
+  // The fields have a parent, so they are written inside their table and not again in the root.
+  EXPECT_EQ(text, expected);
+  gEvents.clear();
+  TComponentPtr<TComponent> again(ReadComponentText(text));
+  EXPECT_EQ(WriteComponentText(*again), text);
+  auto* orders = static_cast<TTestTable*>(again->FindComponent("Orders"));
+  EXPECT_EQ(orders->Caption(), "Bob's\r\n orders");
+  EXPECT_EQ(orders->Master(), again->FindComponent("Customers"));
+  EXPECT_TRUE(orders->Active());
+}
+
+TEST_F(TReaderTest, WriterWritesStringListsCollectionsAndSetsCsWriting) {
+  TComponentPtr<TTestRoot> root(new TTestRoot(nullptr));
+  root->SetName("R");
+  auto* grid = new TTestGrid(root.get());
+  grid->SetName("G");
+  grid->Lines()->Add("a'b");
+  grid->Lines()->Add("");
+  auto* table = new TTestTable(root.get());
+  table->SetName("T");
+  table->SetRatio(0.1);
+  static_cast<TColumn*>(grid->Columns()->Add())->SetSource(table);
+  grid->Columns()->Add();
+  const std::string text = WriteComponentText(*root);
+  EXPECT_EQ(text, R"(object R: TTestRoot
+  object G: TTestGrid
+    Lines.Strings = (
+      'a''b'
+      '')
+    Columns = <
+      item
+        Source = T
+      end
+      item
+      end>
+  end
+  object T: TTestTable
+    Ratio = 0.1
+  end
+end
+)");
+  TComponentPtr<TComponent> back(ReadComponentText(text));
+  EXPECT_EQ(WriteComponentText(*back), text);
+  EXPECT_FALSE(root->ComponentState().Contains(csWriting));
 }

@@ -1,0 +1,217 @@
+// TCTConnection: the c-tree session component and storage driver (driver, unit Ctdb).
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "CTCurProps.h"
+#include "CTDbIntf.h"
+#include "CTFldDesc.h"
+#include "CTIdxDesc.h"
+#include "CtdbTypes.h"
+#include "DataSetTypes.h"
+#include "TComponent.h"
+
+namespace fw {
+class TDataSet;
+}
+
+namespace Ctdb {
+
+class TCTCursorDesc;
+class TCTCustomRecordBuffer;
+
+/// The connection: holds the session settings, opens and closes the c-tree ISAM session, keeps
+/// the datasets open on it and is the storage driver for them. Storage methods return 0 or an
+/// error number (47 inactive, 1113 nil cursor, c-tree's own numbers, ...) and never throw;
+/// only the guarded setters and activation raise.
+class TCTConnection : public fw::TComponent {
+ public:
+  // ---- published properties (defaults as listed)
+  bool Active() const { return FActive; }  ///< False.
+  /// Opens (true) or closes (false) the session; see SetActive's contract below.
+  void SetActive(bool value);
+  CTDbIntf::TLoadAlignment Alignment() const { return FAlignment; }  ///< laByte.
+  /// Library variant; raises ECtreeException (ErrorCode 0) while active.
+  virtual void SetLoadAlignment(CTDbIntf::TLoadAlignment value);
+  bool NullKeys() const { return FNullKeys; }  ///< False: keys made only of EmptyChar are not stored.
+  void SetNullKeys(bool value) { FNullKeys = value; }
+  int16_t MaxBuffers() const { return FMaxBuffers; }  ///< 100; may change while active.
+  void SetMaxBuffers(int16_t value) { FMaxBuffers = value; }
+  int16_t MaxFiles() const { return FMaxFiles; }  ///< 50; raises fw::Exception while active.
+  void SetMaxFiles(int16_t value);
+  int16_t MaxSectors() const { return FMaxSectors; }  ///< 16; raises fw::Exception while active.
+  void SetMaxSectors(int16_t value);
+  const std::string& UserName() const { return FUserName; }
+  void SetUserName(const std::string& value) { FUserName = value; }
+  const std::string& Password() const { return FPassword; }
+  void SetPassword(const std::string& value) { FPassword = value; }
+  const std::string& ServerName() const { return FServerName; }  ///< Empty: embedded engine.
+  void SetServerName(const std::string& value) { FServerName = value; }
+  const std::string& DataDir() const { return FDataDir; }
+  void SetDataDir(const std::string& value) { FDataDir = value; }
+  const std::string& TempDir() const { return FTempDir; }
+  void SetTempDir(const std::string& value) { FTempDir = value; }
+  char EmptyChar() const { return FEmptyChar; }  ///< #0: pads text; all-EmptyChar fields are blank.
+  void SetEmptyChar(char value) { FEmptyChar = value; }
+  int32_t MaxIndexKey() const { return FMaxIndexKey; }  ///< 32: key width of blob fields.
+  void SetMaxIndexKey(int32_t value) { FMaxIndexKey = value; }
+  const std::string& DataExt() const { return FDataExt; }
+  /// Stores the extension without everything up to and including its first "." (".dat" and
+  /// "x.dat" both give "dat").
+  virtual void SetDataExt(const std::string& value);
+  const std::string& IndexExt() const { return FIndexExt; }
+  /// Same rule as SetDataExt.
+  virtual void SetIndexExt(const std::string& value);
+  const std::string& SuperFileExt() const { return FSuperFileExt; }
+  /// Deletes only the first "." itself (".dsf" gives "dsf", "x.dsf" gives "xdsf").
+  void SetSuperFileExt(const std::string& value);
+
+  explicit TCTConnection(fw::TComponent* owner);
+  /// Deactivates (closing every dataset) before the component goes.
+  ~TCTConnection() override;
+
+  static const fw::TClassInfo& StaticClass();
+  const fw::TClassInfo& ClassType() const override { return StaticClass(); }
+
+  // ---- datasets open on this connection (not owned)
+  int DataSetCount() const { return static_cast<int>(FDataSets.size()); }
+  fw::TDataSet* DataSets(int index) const { return FDataSets.at(static_cast<size_t>(index)); }
+  /// Registers an open dataset (once); it is closed when the connection deactivates.
+  void AddDataSet(fw::TDataSet* dataSet);
+  /// Forgets a dataset; unknown datasets are ignored.
+  void RemoveDataSet(fw::TDataSet* dataSet);
+
+  /// Packing (1, 2 or 4) of the definition records of the `Alignment` variant.
+  int RecordPacking() const;
+
+  // ---- paths (TCTConnection.cpp)
+  /// Full name of a table file: `dir` with a "/" appended when `dir` is not empty and exists or a
+  /// server is named (otherwise no directory), then `name`, followed directly by `DataExt` (no
+  /// dot) when `name` has no extension. A result ending in "." has that dot replaced by a NUL
+  /// character in place, so that as a C string it ends before the dot.
+  std::string BuildFullPath(const std::string& dir, const std::string& name) const;
+  /// Stores the current directory in `oldDir`; without a server makes the directory of
+  /// `fileName` current (raises fw::EInOutError when it cannot).
+  void ChangeToFileDir(const std::string& fileName, std::string& oldDir) const;
+  /// Whether c-tree cannot create a data file of that name (which it takes as "exists"); a
+  /// file created by the probe is deleted again. Requires an active connection.
+  bool CheckFileExists(const std::string& fileName) const;
+  /// A name from c-tree for a temporary file in the directory of the cursor's table; empty on
+  /// failure. The current directory is restored.
+  std::string GetTempFileName(const TCTCursorDesc* cursor) const;
+  /// c-tree's name of open file `fileNo` in `name` (empty on failure); returns c-tree's result.
+  int32_t GetSymbFileName(int16_t fileNo, std::string& name) const;
+  /// Saves the cursor's c-tree position in a new context: 0, or 1113 for a nil cursor.
+  int32_t SetContext(TCTCursorDesc* cursor);
+  /// Closes the cursor's most recent context, restoring the positions it saved: 0, or 1113.
+  int32_t RestoreContext(TCTCursorDesc* cursor);
+
+  // ---- schema and descriptors (TCTConnection.schema.cpp); 47 inactive, 1113 nil cursor
+  /// Builds `cursor->Fields` from the data file's DODA; 408 when it is missing or unreadable.
+  int32_t ReadFieldsDescriptions(TCTCursorDesc* cursor);
+  /// Reads the data file's IFIL into the cursor (and its index count); 408 when missing or
+  /// unreadable.
+  int32_t LoadIFIL(TCTCursorDesc* cursor);
+  /// For a table with blob fields opens (building it first when needed) the companion ".dsf"
+  /// file holding copies of the IFIL and DODA; sets `SchemaFileNo`. 0 for other tables.
+  int32_t OpenSchemaFile(TCTCursorDesc* cursor);
+  /// Deletes the cursor table's ".dsf" file (DeleteTable's result).
+  int32_t DeleteSchemaFile(TCTCursorDesc* cursor);
+  /// Refills `cursor->Indexes` from the IFIL, one descriptor per index.
+  int32_t InitIndexes(TCTCursorDesc* cursor);
+  /// Descriptor of the index at `ordinal` from the cursor's IFIL; 1114 without indexes, 1137
+  /// for an ordinal out of range. Marks serial-number key fields `AutoInc`.
+  int32_t GetIndexDesc(TCTCursorDesc* cursor, int32_t ordinal, CTIdxDesc& desc);
+  /// The framework view of every field, in order; `list` (may be null: nothing is done) is
+  /// resized to the field count.
+  int32_t GetFieldDescs(TCTCursorDesc* cursor, TFieldDescList* list);
+  /// Properties of the open table; also sizes the cursor's key buffer to the current index.
+  int32_t GetCursorProps(TCTCursorDesc* cursor, CTCurProps& props);
+  /// Makes the index `desc` names (by `IndexId`, else by name) current, clears the range and
+  /// copies the stored descriptor into `desc`; 1137 for a null `desc`. With `reposition` the
+  /// new index is placed on the data file's current record.
+  int32_t SwitchToIndex(TCTCursorDesc* cursor, CTIdxDesc* desc, bool reposition);
+  /// Finds an unused index file name for `tablePath` in `directory`: the base name cut to eight
+  /// characters (after any "!"), then base names ending in 1, 2, ... 999. `number` is the first
+  /// number to try and ends one past the number used.
+  void FindIndexName(const std::string& tablePath, const std::string& directory, std::string& fileName,
+                     int32_t& number) const;
+
+  // ---- table files (TCTConnection.tables.cpp)
+  /// Opens the data file `name` (exactly as named) and the indexes its IFIL names, in c-tree
+  /// mode `mode`, as consecutive free file numbers; `fileNo` receives the data file's number.
+  /// Returns c-tree's result (12 missing, 408 without IFIL, 455 wrong password, ...).
+  int32_t OpenTableFiles(const std::string& name, int16_t mode, int16_t& fileNo);
+  /// Deletes a table's data and index files (`BuildFullPath(dir, name)`, opened exclusively with
+  /// their resources); returns c-tree's result (12 when the table is not there).
+  int32_t DeleteTable(const std::string& dir, const std::string& name);
+  /// Re-reads the cursor's current record into `data` (fixed or variable length). 47, 1113, or
+  /// c-tree's result (100 without a current record).
+  int32_t ReadRecord(TCTCursorDesc* cursor, std::vector<uint8_t>& data);
+
+  // ---- type mapping (TCTConnection.types.cpp)
+  /// Fills `desc.FieldType`, `SubType` from a c-tree type code.
+  static void CTreeFieldsToBDE(int32_t code, CTFldDesc& desc);
+  /// The subtype of a c-tree code; `subType` unchanged for codes without one.
+  static int16_t CTreeFieldsToBDESubTypes(int32_t code, int16_t subType);
+  /// The framework field type of a logical type and subtype.
+  static fw::TFieldType BDEToFieldType(int16_t fieldType, int16_t subType);
+  /// The c-tree code for a framework field description; -1 for a blob or variable-bytes field
+  /// whose subtype names no c-tree form.
+  static int32_t BDEFieldsToCTree(const CTFldDesc& desc);
+  /// c-tree width of field `fieldNo` (1-based) of `fields`.
+  static int32_t GetCTreeFieldLength(int32_t fieldNo, const TFieldDescList& fields);
+  /// c-tree record length of the first `count` fields, up to the first blob field.
+  static int32_t GetCTreeRecLength(int32_t count, const TFieldDescList& fields);
+  /// Copies `count` descriptors from `source` to `dest`; returns 0.
+  static int32_t TranslateRecordStructure(const TFieldDescList& source, int32_t count, TFieldDescList& dest);
+
+  // ---- field values (TCTConnection.fields.cpp)
+  /// Converts field `fieldNo` (1-based) of the buffer's record into its framework form at `dest`
+  /// (may be null: only `isBlank` is computed). 47, 1113, 1125 for a field number out of range,
+  /// 1112 when the field lies beyond the record; raises ECtreeException when the buffer holds no
+  /// record.
+  int32_t GetField(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, void* dest,
+                   bool& isBlank);
+  /// Writes the framework value at `src` (null: the field's empty value) into field `fieldNo`.
+  /// 47, 1113, 1125, 1112 as GetField (also when the buffer holds no record).
+  int32_t SetField(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, const void* src);
+
+ protected:
+  // ---- descendants may override
+  void Loaded() override;
+  /// Opens the ISAM session (INTISAMX); raises through CtError for results other than 0, 125.
+  virtual void InitDatabase();
+  /// Closes the session file (when any) and the session; returns CLISAM's result.
+  virtual int32_t CloseDatabase();
+
+ private:
+  std::string EmptyCharText() const { return std::string(1, FEmptyChar); }
+  void SetEmptyCharText(const std::string& value) { FEmptyChar = value.empty() ? '\0' : value[0]; }
+  int32_t CheckCursor(const TCTCursorDesc* cursor) const;
+  int32_t BuildSchemaFile(TCTCursorDesc* cursor, const std::string& schemaPath);
+
+  bool FStreamedActive = false;
+  bool FActive = false;
+  CTDbIntf::TLoadAlignment FAlignment = CTDbIntf::laByte;
+  bool FNullKeys = false;
+  int16_t FMaxBuffers = 100;
+  int16_t FMaxFiles = 50;
+  int16_t FMaxSectors = 16;
+  std::string FUserName;
+  std::string FPassword;
+  std::string FServerName;
+  std::string FDataDir;
+  std::string FTempDir;
+  char FEmptyChar = '\0';
+  int32_t FMaxIndexKey = 32;
+  std::string FDataExt;
+  std::string FIndexExt;
+  std::string FSuperFileExt;
+  std::vector<fw::TDataSet*> FDataSets;
+  int16_t FSessionFileNo = -1;
+};
+
+}  // namespace Ctdb
