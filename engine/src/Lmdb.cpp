@@ -13,8 +13,11 @@ namespace cte {
 
 namespace {
 
-constexpr size_t kInitialMap = size_t{256} << 20;
+// Small at first: the map doubles whenever a write finds it full (Env::Grow).
+constexpr size_t kInitialMap = size_t{8} << 20;
 constexpr unsigned kMaxDbs = 512;
+// Room a held transaction (lock set, transaction) may fill before it gives CT_EDISKFULL.
+constexpr size_t kHeldRoom = size_t{256} << 20;
 
 struct FileId {
   dev_t dev;
@@ -99,8 +102,26 @@ LockTable& Env::Locks() {
   return *locks_;
 }
 
+// The map cannot grow while a held transaction is open, so it gets its room before the first.
+void Env::Reserve(size_t room) {
+  MDB_envinfo info{};
+  MDB_stat st{};
+  mdb_env_info(env_, &info);
+  mdb_env_stat(env_, &st);
+  size_t used = (info.me_last_pgno + 1) * st.ms_psize;
+  if (info.me_mapsize >= used + room) return;
+  size_t map = info.me_mapsize;
+  while (map < used + room) map *= 2;
+  if (rtxnLive_) {
+    mdb_txn_reset(rtxn_);
+    rtxnLive_ = false;
+  }
+  Check(mdb_env_set_mapsize(env_, map));
+}
+
 void Env::Hold() {
   MDB_txn* parent = held_.empty() ? nullptr : held_.back();
+  if (!parent) Reserve(kHeldRoom);
   MDB_txn* txn = parent ? nullptr : BeginWrite();
   if (parent) Check(mdb_txn_begin(env_, parent, 0, &txn));
   held_.push_back(txn);

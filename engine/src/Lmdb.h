@@ -67,6 +67,8 @@ class Env {
 
  private:
   explicit Env(MDB_env* env) : env_(env) {}
+  // Grows the map so that at least room bytes are free (no transaction may be active).
+  void Reserve(size_t room);
   MDB_env* env_;
   std::string path_;
   std::vector<MDB_txn*> held_;

@@ -182,4 +182,36 @@ TEST_F(EngineProcess, KilledInsideLockSetLeavesNothing) {
   KillInside(api, [](EngineApi& e) { return e.LKISAM(ENABLE); });
 }
 
+TEST_F(EngineProcess, ReaderFollowsAFileAnotherProcessGrew) {
+  ISEG s[1] = {{0, 4, SGNSEG}};
+  IIDX ix[1] = {{4, 0, 0, 0, 0, 1, s, nullptr, nullptr, nullptr, nullptr}};
+  IFIL f = {(pTEXT) "big", -1, 8, 0, SHARED | VLENGTH, 1, 0, SHARED, ix, nullptr, nullptr, -1};
+  ASSERT_EQ(api.CREIFIL(&f), 0);
+  char rec[1000] = {};
+  ASSERT_EQ(api.ADDVREC(f.tfilno, rec, sizeof rec), 0);
+  EXPECT_EQ(api.DATENT(f.tfilno), 1);
+  pid_t pid = Spawn([](EngineApi& e) {
+    if (e.OPNRFIL(0, (pTEXT) "big.dat", SHARED) != 0) return 1;
+    char r[1000] = {};
+    for (int32_t id = 1; id <= 12000; ++id) {
+      std::memcpy(r, &id, 4);
+      r[999] = static_cast<char>(id);
+      if (e.ADDVREC(0, r, sizeof r) != 0) return 2;
+    }
+    return 0;
+  });
+  ASSERT_EQ(Wait(pid), 0);
+  EXPECT_EQ(api.DATENT(f.tfilno), 12001);
+  char back[1000];
+  LONG len = sizeof back;
+  ASSERT_EQ(api.LSTVREC(f.tfilno + 1, back, &len), 0);
+  int32_t id;
+  std::memcpy(&id, back, 4);
+  EXPECT_EQ(id, 12000);
+  EXPECT_EQ(back[999], static_cast<char>(12000));
+  ASSERT_EQ(api.ADDVREC(f.tfilno, back, sizeof back), KDUP_ERR);
+  std::memset(back, 0x7F, 4);
+  EXPECT_EQ(api.ADDVREC(f.tfilno, back, sizeof back), 0);
+}
+
 }  // namespace

@@ -216,7 +216,9 @@ void TDataSet::DataEvent(TDataEvent Event, intptr_t Info) {
             TTempState guard(this, dsInternalCalc);
             CalculateFields(ActiveBuffer());
           } else if (FAutoCalcFields && FCalcFieldsSize != 0) {
-            CalculateFields(ActiveBuffer());
+            // In dsCalcFields, so that the calculated values written by OnCalcFields do not
+            // come back here as field changes.
+            GetCalcFields(ActiveBuffer());
           }
         }
         field->Change();
