@@ -36,6 +36,7 @@ void ThrowLmdb(int rc) {
   switch (rc) {
     case ENOSPC:
     case EDQUOT:
+    case EFBIG:
     case MDB_MAP_FULL:
       Throw(CT_EDISKFULL, rc > 0 ? rc : 0);
     case MDB_INVALID:

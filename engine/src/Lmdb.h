@@ -36,7 +36,6 @@ class Env {
   uint64_t Gen() const { return gen_; }
   // Opens (or creates, inside txn) the named database; handles are cached by name.
   MDB_dbi Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned flags = 0);
-  bool HasDbi(const std::string& name) const { return dbis_.count(name) != 0; }
   // Begins a write transaction (retrying a map resize done by another process); while
   // holding, a transaction nested in the innermost held one, so that a failing call can be
   // undone alone.
@@ -62,13 +61,11 @@ class Env {
   LockTable& Locks();
   // Doubles the map after MDB_MAP_FULL; no transaction of this process may be active.
   void Grow();
-  // Ends the read snapshot (before closing or renaming the file).
-  void DropSnapshot();
-
  private:
   explicit Env(MDB_env* env) : env_(env) {}
   // Grows the map so that at least room bytes are free (no transaction may be active).
   void Reserve(size_t room);
+  void DropSnapshot();
   MDB_env* env_;
   std::string path_;
   std::vector<MDB_txn*> held_;
@@ -93,10 +90,6 @@ class Cursor {
   // Returns a cursor on dbi valid in env's current snapshot. Sets fresh when it had to be
   // re-bound (its position was lost).
   MDB_cursor* Get(Env& env, MDB_dbi dbi, bool& fresh);
-  void Invalidate() {
-    gen_ = 0;
-    wgen_ = 0;
-  }
 
  private:
   MDB_cursor* c_ = nullptr;

@@ -38,7 +38,9 @@ void ExpectOrdered(const KeyLayout& k, std::initializer_list<T> ascending) {
   bool first = true;
   for (T v : ascending) {
     std::string key = KeyOf(k, v);
-    if (!first) EXPECT_LT(prev, key) << +v;
+    if (!first) {
+      EXPECT_LT(prev, key) << +v;
+    }
     prev = key;
     first = false;
   }
