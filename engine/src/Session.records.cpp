@@ -318,9 +318,9 @@ long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long 
       Throw(INOT_ERR);
     }
     Check(rc);
+    p.recAt = false;  // until the record is current, the cursor is not where p says
     if (Locking()) {
       uint32_t found = PosOf(k);
-      p.recAt = false;
       AutoLock(f, found, false);
       if (!Fetch(s, found, v)) Throw(INOT_ERR);
       CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
@@ -340,6 +340,8 @@ long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long 
   const IndexDef& ix = s.def().idx[f.ordinal];
   KeyPos& kp = op == kNext || op == kPrev ? EnsureKey(h, p, f.ordinal) : *p.keys[f.ordinal];
   if (op >= kEq && !target) Throw(CT_EBADARG);
+  // The key position is restored when its record cannot be read or locked, so a failure moves
+  // nothing.
   KeyMark mark(kp);
   uint32_t pos = Step(s.env(), s.KeyDbi(f.ordinal), kp, ix.keylen, ix.keylen - (ix.dup ? 4 : 0), op,
                       static_cast<const uint8_t*>(target));
@@ -353,7 +355,10 @@ long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long 
     }
   }
   MDB_val v{};
-  if (!Fetch(s, pos, v)) Throw(Locking() ? INOT_ERR : CT_EDAMAGED);
+  if (!Fetch(s, pos, v)) {
+    mark.Restore(kp);
+    Throw(Locking() ? INOT_ERR : CT_EDAMAGED);
+  }
   CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
   MakeCurrent(h, p, pos, v, static_cast<int>(f.ordinal));
   p.curGen = s.env().Gen();
