@@ -80,14 +80,16 @@ CTISAM_API COUNT PUTFIL(COUNT filno, COUNT mode);
 CTISAM_API COUNT CREDAT(COUNT filno, pTEXT name, UCOUNT reclen, UCOUNT xtdsiz, COUNT filmod);
 CTISAM_API COUNT CREDATX(COUNT filno, pTEXT name, UCOUNT reclen, UCOUNT xtdsiz, COUNT filmod,
                          LONG permmask, pTEXT group, pTEXT password);
-/* Opens one data or index file (named exactly) as filno (an index file's members as filno+1..).
- * FNOP_ERR when missing or held exclusively; BPWD_ERR for a wrong password; CT_EALIGN when made
- * by another packing; CT_EDAMAGED for a foreign or damaged file; FCRP_ERR when inconsistent. */
+/* Opens one data file (named exactly) as filno, without its indexes. FNOP_ERR when missing or
+ * held exclusively; BPWD_ERR for a wrong password; CT_EALIGN when made by another packing;
+ * CT_EDAMAGED for a foreign or damaged file; NSUP_ERR for an index file on its own (next
+ * engine issue). */
 CTISAM_API COUNT OPNFIL(COUNT filno, pTEXT name, COUNT filmod);
 CTISAM_API COUNT OPNFILX(COUNT filno, pTEXT name, COUNT filmod, pTEXT password);
-/* Closes one file (mode ignored). */
+/* Closes one file (mode ignored); closing a data file also closes its open indexes. */
 CTISAM_API COUNT CLSFIL(COUNT filno, COUNT mode);
-/* Deletes a file that is open EXCLUSIVE, closing it. FMOD_ERR when it is open shared. */
+/* Deletes a data file that is open EXCLUSIVE, with the index files of its set, closing them.
+ * FMOD_ERR when it is open shared; NSUP_ERR for an index number (next engine issue). */
 CTISAM_API COUNT DELFIL(COUNT filno);
 /* Index files and members created one by one (next engine issue). */
 CTISAM_API COUNT CREIDX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup,
@@ -121,7 +123,9 @@ CTISAM_API COUNT OPNIFIL(pIFIL ifil);
 CTISAM_API COUNT OPNIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, pTEXT password);
 CTISAM_API COUNT CLIFIL(pIFIL ifil);
 CTISAM_API COUNT DELIFIL(pIFIL ifil);
-/* Replaces the stored IFIL of the open data file tfilno (dfilno when tfilno < 0). */
+/* Replaces the stored IFIL of the open data file tfilno (dfilno when tfilno < 0). The index
+ * count must stay the same (NSUP_ERR otherwise, until the next engine issue); CT_EBADDEF for a
+ * malformed ifil. The index files and open numbers are unchanged. */
 CTISAM_API COUNT PUTIFIL(pIFIL ifil);
 CTISAM_API COUNT PUTIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, pTEXT password);
 /* Returns the size of the stored IFIL image; with buf (len bytes) copies it: an IFIL followed

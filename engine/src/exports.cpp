@@ -161,7 +161,8 @@ CTISAM_API COUNT UPDRES(COUNT datno, pVOID resptr, LONG len) {
 CTISAM_API COUNT DELRES(COUNT datno, pVOID resptr) {
   return Run([&](Session& s) { s.DelRes(datno, resptr); });
 }
-CTISAM_API COUNT ENARES(COUNT datno) { return Run([&](Session& s) { s.GetFil(datno, FILTYP); }); }
+// Resources are always enabled: ENARES only checks that datno is an open data file.
+CTISAM_API COUNT ENARES(COUNT datno) { return Run([&](Session& s) { s.DatEnt(datno); }); }
 CTISAM_API pVOID GETRES(COUNT datno, pVOID resptr, pVOID bufptr, LONG bufsiz, COUNT) {
   return RunValue<pVOID>([&](Session& s) -> pVOID {
     s.GetRes(datno, resptr, bufptr, bufsiz);
