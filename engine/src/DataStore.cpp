@@ -54,7 +54,8 @@ FileHeader ReadHeader(MDB_txn* txn, MDB_dbi meta, uint8_t kind) {
   std::memcpy(&h, raw.data(), sizeof h);
   if (std::memcmp(h.magic, kMagic, sizeof kMagic) != 0 || h.version != kVersion) Throw(CT_EDAMAGED);
   if (h.pack != LibraryPack()) Throw(CT_EALIGN);
-  if (h.kind != kind) Throw(CT_EDAMAGED);
+  // An index file opened on its own is for the next engine issue's separately opened indexes.
+  if (h.kind != kind) Throw(h.kind == kKindIndex ? NSUP_ERR : CT_EDAMAGED);
   return h;
 }
 

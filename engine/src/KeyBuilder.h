@@ -18,9 +18,6 @@ class KeyLayout {
   static KeyLayout Compile(const IndexDef& ix, const std::vector<FieldDef>& fields);
 
   int KeyLen() const { return keylen_; }
-  bool Dup() const { return dup_; }
-  bool NulKey() const { return nulkey_; }
-  uint8_t EmpChr() const { return empchr_; }
   bool HasSerial() const { return serialOffset_ >= 0; }
   // Offset of the serial segment's 4-byte value in the record (-1 when none).
   int SerialOffset() const { return serialOffset_; }

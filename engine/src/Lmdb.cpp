@@ -12,7 +12,8 @@ namespace cte {
 
 namespace {
 
-constexpr size_t kInitialMap = size_t{256} << 20;
+// Small at first: the map doubles whenever a write finds it full (Env::Grow).
+constexpr size_t kInitialMap = size_t{8} << 20;
 constexpr unsigned kMaxDbs = 128;
 
 struct FileId {
@@ -32,6 +33,7 @@ void ThrowLmdb(int rc) {
   switch (rc) {
     case ENOSPC:
     case EDQUOT:
+    case EFBIG:
     case MDB_MAP_FULL:
       Throw(CT_EDISKFULL, rc > 0 ? rc : 0);
     case MDB_INVALID:

@@ -34,18 +34,15 @@ class Env {
   uint64_t Gen() const { return gen_; }
   // Opens (or creates, inside txn) the named database; handles are cached by name.
   MDB_dbi Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned flags = 0);
-  bool HasDbi(const std::string& name) const { return dbis_.count(name) != 0; }
   // Begins a write transaction (retrying a map resize done by another process).
   MDB_txn* BeginWrite();
   // Commits txn; flushes to disk when durable is set. Throws Fail on failure (txn is gone).
   void Commit(MDB_txn* txn, bool durable);
   // Doubles the map after MDB_MAP_FULL; no transaction of this process may be active.
   void Grow();
-  // Ends the read snapshot (before closing or renaming the file).
-  void DropSnapshot();
-
  private:
   explicit Env(MDB_env* env) : env_(env) {}
+  void DropSnapshot();
   MDB_env* env_;
   MDB_txn* rtxn_ = nullptr;
   bool rtxnLive_ = false;
@@ -64,7 +61,6 @@ class Cursor {
   // Returns a cursor on dbi valid in env's current snapshot. Sets fresh when it had to be
   // re-bound (its position was lost).
   MDB_cursor* Get(Env& env, MDB_dbi dbi, bool& fresh);
-  void Invalidate() { gen_ = 0; }
 
  private:
   MDB_cursor* c_ = nullptr;

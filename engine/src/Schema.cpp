@@ -73,15 +73,6 @@ bool IsVariable(uint16_t type) {
   return type == CT_STRING || type == CT_PSTRING || type == CT_2STRING || type == CT_4STRING;
 }
 
-uint32_t FixedWidth(const FieldDef& f) {
-  switch (f.type) {
-    case CT_PSTRING: return 1;
-    case CT_2STRING: return 2;
-    case CT_4STRING: return 4;
-    default: return f.len;
-  }
-}
-
 void Validate(const FileDef& def) {
   if (def.name.empty()) Throw(CT_EBADDEF);
   if (def.reclen <= 0) Throw(CT_EBADDEF);

@@ -57,9 +57,6 @@ FileDef ParseFileDef(const std::string& image);
 std::string Serialize(const std::vector<FieldDef>& fields);
 std::vector<FieldDef> ParseFields(const std::string& image);
 
-// The width a field takes in the fixed part of a record (the blob codes 154/162/170 keep only
-// their 1/2/4-byte length there).
-uint32_t FixedWidth(const FieldDef& f);
 // True for the variable-length field codes (146, 154, 162, 170).
 bool IsVariable(uint16_t type);
 

@@ -166,7 +166,7 @@ int Session::OpenIfil(int filno, const std::string& path, int filmod, const char
     k->isIndex = true;
     k->name = dir + def.idx[i].file;
     k->path = k->name;
-    k->mode = def.ifilmod | (filmod & (SHARED | READFIL));
+    k->mode = filmod;
     k->store = h->store;
     k->idxEnv = idxFiles[def.idx[i].file].first;
     k->idxLock = idxFiles[def.idx[i].file].second;

@@ -313,6 +313,7 @@ long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long 
       Throw(INOT_ERR);
     }
     Check(rc);
+    p.recAt = false;  // until the record is current, the cursor is not where p says
     CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
     MakeCurrent(f, p, PosOf(k), v, -1);
     p.curGen = s.env().Gen();
@@ -325,11 +326,22 @@ long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long 
   const IndexDef& ix = s.def().idx[f.ordinal];
   KeyPos& kp = op == kNext || op == kPrev ? EnsureKey(h, p, f.ordinal) : *p.keys[f.ordinal];
   if (op >= kEq && !target) Throw(CT_EBADARG);
+  // The key position is restored when its record cannot be read, so a failure moves nothing.
+  uint8_t savedKey[CT_MAXKEYLEN];
+  std::memcpy(savedKey, kp.key, ix.keylen);
+  const uint32_t savedPos = kp.pos;
+  const bool savedValid = kp.valid;
   uint32_t pos = Step(s.env(), s.KeyDbi(f.ordinal), kp, ix.keylen, ix.keylen - (ix.dup ? 4 : 0), op,
                       static_cast<const uint8_t*>(target));
   if (!pos) Throw(INOT_ERR);
   MDB_val v{};
-  if (!Fetch(s, pos, v)) Throw(CT_EDAMAGED);
+  if (!Fetch(s, pos, v)) {
+    std::memcpy(kp.key, savedKey, ix.keylen);
+    kp.pos = savedPos;
+    kp.valid = savedValid;
+    kp.at = false;
+    Throw(CT_EDAMAGED);
+  }
   CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
   MakeCurrent(h, p, pos, v, static_cast<int>(f.ordinal));
   p.curGen = s.env().Gen();

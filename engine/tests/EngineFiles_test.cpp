@@ -181,7 +181,7 @@ TEST_F(EngineFiles, ForeignAndDamagedFilesAreRefused) {
   ASSERT_EQ(api.CLRFIL(dat), 0);
   std::filesystem::resize_file("customers.dat", std::filesystem::file_size("customers.dat") / 2);
   EXPECT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), CT_EDAMAGED);
-  EXPECT_EQ(api.OPNFIL(0, (pTEXT) "customers.idx", SHARED), CT_EDAMAGED);
+  EXPECT_EQ(api.OPNFIL(0, (pTEXT) "customers.idx", SHARED), NSUP_ERR);
 }
 
 TEST_F(EngineFiles, FilesRememberTheirAlignment) {

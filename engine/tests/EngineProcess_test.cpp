@@ -2,6 +2,7 @@
 // Children load a second variant (libctreebm.so, also byte-packed) so that they open the files
 // with an engine instance of their own instead of the one inherited from the parent.
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include "EngineFixture.h"
@@ -90,6 +91,85 @@ TEST_F(EngineProcess, KilledWriterLosesNothingItWasToldWasWritten) {
   ASSERT_EQ(api.CLRFIL(dat), 0);
   pid = Spawn([](EngineApi& e) { return e.OPNRFIL(0, (pTEXT) "customers.dat", EXCLUSIVE); });
   EXPECT_EQ(Wait(pid), 0);
+}
+
+TEST_F(EngineProcess, ReaderFollowsAFileAnotherProcessGrew) {
+  ISEG s[1] = {{0, 4, SGNSEG}};
+  IIDX ix[1] = {{4, 0, 0, 0, 0, 1, s, nullptr, nullptr, nullptr, nullptr}};
+  IFIL f = {(pTEXT) "big", -1, 8, 0, SHARED | VLENGTH, 1, 0, SHARED, ix, nullptr, nullptr, -1};
+  ASSERT_EQ(api.CREIFIL(&f), 0);
+  char rec[1000] = {};
+  ASSERT_EQ(api.ADDVREC(f.tfilno, rec, sizeof rec), 0);
+  EXPECT_EQ(api.DATENT(f.tfilno), 1);
+  pid_t pid = Spawn([](EngineApi& e) {
+    if (e.OPNRFIL(0, (pTEXT) "big.dat", SHARED) != 0) return 1;
+    char r[1000] = {};
+    for (int32_t id = 1; id <= 12000; ++id) {
+      std::memcpy(r, &id, 4);
+      r[999] = static_cast<char>(id);
+      if (e.ADDVREC(0, r, sizeof r) != 0) return 2;
+    }
+    return 0;
+  });
+  ASSERT_EQ(Wait(pid), 0);
+  EXPECT_EQ(api.DATENT(f.tfilno), 12001);
+  char back[1000];
+  LONG len = sizeof back;
+  ASSERT_EQ(api.LSTVREC(f.tfilno + 1, back, &len), 0);
+  int32_t id;
+  std::memcpy(&id, back, 4);
+  EXPECT_EQ(id, 12000);
+  EXPECT_EQ(back[999], static_cast<char>(12000));
+  ASSERT_EQ(api.ADDVREC(f.tfilno, back, sizeof back), KDUP_ERR);
+  std::memset(back, 0x7F, 4);
+  EXPECT_EQ(api.ADDVREC(f.tfilno, back, sizeof back), 0);
+}
+
+TEST_F(EngineProcess, FullDiskIsReportedAndCommittedRecordsStay) {
+  ISEG s[1] = {{0, 4, SGNSEG}};
+  IIDX ix[1] = {{4, 0, 0, 0, 0, 1, s, nullptr, nullptr, nullptr, nullptr}};
+  IFIL f = {(pTEXT) "full", -1, 8, 0, SHARED | VLENGTH, 1, 0, SHARED, ix, nullptr, nullptr, -1};
+  ASSERT_EQ(api.CREIFIL(&f), 0);
+  ASSERT_EQ(api.CLRFIL(f.tfilno), 0);
+  // The child may not grow any file past 256 KiB beyond the table's size: a full disk.
+  rlim_t limit = std::filesystem::file_size("full.dat") + (256 << 10);
+  int fds[2];
+  ASSERT_EQ(pipe(fds), 0);
+  pid_t pid = Spawn([&](EngineApi& e) {
+    close(fds[0]);
+    signal(SIGXFSZ, SIG_IGN);
+    rlimit rl{limit, limit};
+    setrlimit(RLIMIT_FSIZE, &rl);
+    if (e.OPNRFIL(0, (pTEXT) "full.dat", SHARED) != 0) return 1;
+    char r[1000] = {};
+    int32_t added = 0;
+    COUNT rc = 0;
+    for (int32_t id = 0; id < 100000 && rc == 0; ++id) {
+      std::memcpy(r, &id, 4);
+      rc = e.ADDVREC(0, r, sizeof r);
+      added += rc == 0;
+    }
+    COUNT again = e.ADDVREC(0, r, sizeof r);
+    int32_t report[3] = {added, rc, again};
+    return write(fds[1], report, sizeof report) == sizeof report ? 0 : 2;
+  });
+  close(fds[1]);
+  int32_t report[3] = {};
+  ASSERT_EQ(read(fds[0], report, sizeof report), (ssize_t) sizeof report);
+  close(fds[0]);
+  ASSERT_EQ(Wait(pid), 0);
+  EXPECT_EQ(report[1], CT_EDISKFULL);
+  EXPECT_EQ(report[2], CT_EDISKFULL);
+  EXPECT_GT(report[0], 50);
+  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "full.dat", SHARED), 0);
+  EXPECT_EQ(api.DATENT(0), report[0]);
+  EXPECT_EQ(api.IDXENT(1), report[0]);
+  char back[1000];
+  LONG len = sizeof back;
+  ASSERT_EQ(api.LSTVREC(1, back, &len), 0);
+  int32_t last;
+  std::memcpy(&last, back, 4);
+  EXPECT_EQ(last, report[0] - 1);
 }
 
 }  // namespace

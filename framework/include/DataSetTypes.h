@@ -120,6 +120,9 @@ using TRecordBuffer = char*;
 /// A bookmark: an owned copy of BookmarkSize bytes naming one record. Empty means "nil".
 using TBookmark = std::vector<std::byte>;
 
+/// Names of the TFieldType members by ordinal ("ftUnknown" .. "ftSingle").
+const std::vector<std::string>& FieldTypeNames();
+
 /// Raises EDatabaseError with `message`, prefixed with "Name: " when `component` has a name.
 [[noreturn]] void DatabaseError(const std::string& message, const TComponent* component = nullptr);
 

@@ -14,16 +14,18 @@ namespace fw {
 // ---- Format --------------------------------------------------------------------------------
 
 /// Formats `args` into `fmt`. Specifiers: `%[index:][-][width][.prec]type`, type one of
-///   d  integer kinds, Boolean (-1/0) and Currency-free integers; `.prec` pads with zeros;
-///   u  like d, the value taken as unsigned 32-bit when negative;
-///   x  upper-case hexadecimal of an integer; `.prec` pads with zeros;
-///   s  any value except Null, as `Variant::AsString` (`.prec` truncates);
-///   f  fixed point with `prec` decimals (default 2) of any number;
+///   d  integer kinds and Boolean (-1/0); `.prec` pads with zeros;
+///   u  like d, a negative value taken as unsigned 32-bit;
+///   x  upper-case hexadecimal of an integer kind; `.prec` pads with zeros;
+///   s  any value except Null and arrays, as `Variant::AsString` (`.prec` truncates);
+///   f  fixed point with `prec` decimals (default 2) of any number or date;
 ///   e  scientific with `prec` significant digits (default 15); g general (`FloatToStr` style);
-///   n  like f with thousands separators; %% a percent sign.
-/// `*` as width or precision takes the next argument. Raises `EConvertError` naming the format
-/// when a specifier is malformed, an argument is missing, or the argument's kind does not fit
-/// (text or a float for %d, an integer for %x given a string, Null anywhere).
+///   n, m  like f with thousands separators; %% a percent sign.
+/// `index:` selects the argument (later specifiers continue from there); `*` as width or
+/// precision takes the next argument; `-` left-aligns within `width`. Raises `EConvertError`
+/// ("Format '...' invalid or incompatible with argument") when a specifier is malformed, an
+/// argument is missing, or its kind does not fit (text or a float for %d/%x, text for %f,
+/// Null or an array anywhere).
 std::string Format(std::string_view fmt, std::initializer_list<Variant> args);
 
 // ---- Integers and floats as text ------------------------------------------------------------

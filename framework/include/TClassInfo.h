@@ -31,6 +31,7 @@ enum TPropKind : uint8_t {
   pkObject,     // owned sub-object (TPersistent): "Sub.Prop = v", a list "( ... )" for TStrings,
                 // a collection "< item ... end >" for TCollection
   pkBinary,     // "{ hex }"; value is a byte array variant
+  pkCurrency,   // Currency (int64 x 10000); value is varCurrency; form value a number, "12.5c"
 };
 
 /// One published property. Simple kinds use `Get`/`Set`; pkComponent uses `GetComponent` /
@@ -201,6 +202,22 @@ class TClassBuilder {
     p.Name = std::move(name);
     p.Kind = pkObject;
     p.GetObject = [get](TPersistent& o) -> TPersistent* { return (static_cast<C&>(o).*get)(); };
+    Add(std::move(p));
+    return *this;
+  }
+
+  /// Currency property (getter returns Currency, setter takes Currency); `def` in Currency units
+  /// (x 10000).
+  template <class G, class S>
+  TClassBuilder& CurrencyProperty(std::string name, G get, S set, Variant def = Variant()) {
+    TPropInfo p;
+    p.Name = std::move(name);
+    p.Kind = pkCurrency;
+    if (!def.IsEmpty()) def = Variant::FromCurrency(def.AsInt64());
+    p.Default = std::move(def);
+    p.Get = [get](const TPersistent& o) { return Variant::FromCurrency((Self(o).*get)()); };
+    if constexpr (!std::is_null_pointer_v<S>)
+      p.Set = [set](TPersistent& o, const Variant& v) { (Self(o).*set)(v.AsCurrency()); };
     Add(std::move(p));
     return *this;
   }

@@ -168,6 +168,10 @@ class TDataSet : public TComponent {
   /// Reads `ResultFields` of the first matching record without moving; base: Null.
   virtual Variant Lookup(const std::string& KeyFields, const Variant& KeyValues,
                          const std::string& ResultFields);
+  /// A stream on a blob field of the current record, positioned at 0 (bmRead of a null blob:
+  /// empty). bmWrite/bmReadWrite require an editing state; written content becomes the field's
+  /// value when the stream commits (see TBlobStream). Base: null.
+  virtual std::unique_ptr<TStream> CreateBlobStream(TField* Field, TBlobStreamMode Mode);
   /// Native value of `Field` in the current buffer for the state (see the class documentation);
   /// `Buffer` may be null to test for null. Returns false for null. Base: false.
   virtual bool GetFieldData(TField* Field, void* Buffer);
@@ -335,7 +339,8 @@ class TDataSet : public TComponent {
   void OpenCursorComplete();
   void SetBufListSize(int Value);
   void SetBufferCount(int Value);
-  void FreeFieldBuffers() {}
+  /// Forgets pending blob modifications of the fields (end of an edit).
+  void FreeFieldBuffers();
   void BeginInsertAppend();
   void EndInsertAppend();
   void InsertOrAppendRecord(const std::vector<Variant>& Values, bool Append);

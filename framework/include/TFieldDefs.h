@@ -1,11 +1,11 @@
 // TFieldDef and TFieldDefs: the definitions of a dataset's stored columns (framework layer).
 #pragma once
 
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "DataSetTypes.h"
+#include "TCollection.h"
 #include "TField.h"
 
 namespace fw {
@@ -13,20 +13,22 @@ namespace fw {
 class TDataSet;
 class TFieldDefs;
 
-/// One column as the storage describes it. Changing a property notifies the collection (the
-/// dataset then considers its definitions changed).
-class TFieldDef {
+/// One column as the storage describes it. Items live in a TFieldDefs, which owns them.
+/// Changing a property notifies the collection (the dataset then considers its definitions
+/// changed).
+class TFieldDef : public TCollectionItem {
  public:
-  /// Creates a definition inside `Owner` (which keeps it); FieldNo defaults to position + 1.
-  explicit TFieldDef(TFieldDefs* Owner);
-  TFieldDef(const TFieldDef&) = delete;
-  TFieldDef& operator=(const TFieldDef&) = delete;
+  /// Creates a definition inside `Owner` (a TFieldDefs); FieldNo defaults to position + 1.
+  explicit TFieldDef(TCollection* Owner);
+  static const TClassInfo& StaticClass();
+  const TClassInfo& ClassType() const override { return StaticClass(); }
 
-  TFieldDefs* Collection() const { return FCollection; }
-  /// Position in the collection.
-  int Index() const;
+  /// The owning collection as TFieldDefs (null when detached).
+  TFieldDefs* FieldDefs() const;
   const std::string& Name() const { return FName; }
+  /// Raises EDatabaseError when another definition of the collection has the name.
   void SetName(const std::string& Value);
+  std::string DisplayName() const override { return FName; }
   TFieldType DataType() const { return FDataType; }
   void SetDataType(TFieldType Value);
   /// Characters for strings, scale for BCD, bytes for byte types, 0 or an inline size for blobs.
@@ -52,14 +54,13 @@ class TFieldDef {
   /// to the collection's dataset. Raises EDatabaseError for a type without field class; on any
   /// error the half-made field is destroyed.
   TField* CreateField(TComponent* Owner);
-  /// Copies name, type, size, precision, attributes (required).
-  void Assign(const TFieldDef& Source);
+  /// From another TFieldDef: copies name, type, size, precision, attributes; other sources
+  /// raise EConvertError.
+  void Assign(const TPersistent& Source) override;
 
  private:
-  friend class TFieldDefs;
-  void Changed();
+  void Changed() { TCollectionItem::Changed(false); }
 
-  TFieldDefs* FCollection;
   std::string FName;
   TFieldType FDataType = ftUnknown;
   int FSize = 0;
@@ -69,17 +70,16 @@ class TFieldDef {
   bool FInternalCalcField = false;
 };
 
-/// The field definitions of one dataset, in column order. Owns its items.
-class TFieldDefs {
+/// The field definitions of one dataset, in column order.
+class TFieldDefs : public TCollection {
  public:
-  explicit TFieldDefs(TDataSet* ADataSet) : FDataSet(ADataSet) {}
-  TFieldDefs(const TFieldDefs&) = delete;
-  TFieldDefs& operator=(const TFieldDefs&) = delete;
+  explicit TFieldDefs(TDataSet* ADataSet);
+  static const TClassInfo& StaticClass();
+  const TClassInfo& ClassType() const override { return StaticClass(); }
 
   TDataSet* DataSet() const { return FDataSet; }
-  int Count() const { return static_cast<int>(FItems.size()); }
-  /// Raises EDatabaseError when `Index` is out of range.
-  TFieldDef* Items(int Index) const;
+  /// Raises EListError when `Index` is out of range.
+  TFieldDef* Items(int Index) const { return static_cast<TFieldDef*>(TCollection::Items(Index)); }
   TFieldDef* operator[](int Index) const { return Items(Index); }
   /// True when the definitions reflect the storage.
   bool Updated() const { return FUpdated; }
@@ -87,12 +87,11 @@ class TFieldDefs {
 
   /// Appends a definition. Empty or duplicate (case-insensitive) names raise EDatabaseError.
   TFieldDef* Add(const std::string& Name, TFieldType DataType, int Size = 0, bool Required = false);
-  /// Appends an unnamed definition (its name becomes "Field" + number).
+  /// Appends a definition named "Field" + number.
   TFieldDef* AddFieldDef();
-  /// Clears and copies every definition of `Source`; clears the FieldDef pointer of every field
-  /// of the dataset first.
-  void Assign(const TFieldDefs& Source);
-  void Clear();
+  /// Clears the FieldDef pointer of every field of the dataset, then copies the definitions of
+  /// another TFieldDefs.
+  void Assign(const TPersistent& Source) override;
   /// Case-insensitive; -1 when absent.
   int IndexOf(const std::string& Name) const;
   /// Raises EDatabaseError "field not found" when absent.
@@ -100,19 +99,15 @@ class TFieldDefs {
   std::vector<std::string> GetItemNames() const;
   /// When not Updated: DataSet()->InitFieldDefs(), then Updated = true.
   void Update();
-  /// Suspend change notifications; EndUpdate sends one if anything changed meanwhile.
-  void BeginUpdate() { ++FUpdateCount; }
-  void EndUpdate();
+
+ protected:
+  TCollectionItem* CreateItem() override { return new TFieldDef(this); }
+  /// Tells the dataset its definitions changed (dePropertyChange).
+  void Update(TCollectionItem* Item) override;
 
  private:
-  friend class TFieldDef;
-  void Changed();
-
   TDataSet* FDataSet;
-  std::vector<std::unique_ptr<TFieldDef>> FItems;
   bool FUpdated = false;
-  int FUpdateCount = 0;
-  bool FChangedWhileUpdating = false;
 };
 
 }  // namespace fw

@@ -1,28 +1,29 @@
 // TIndexDef and TIndexDefs: the definitions of a dataset's indexes (framework layer).
 #pragma once
 
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "DataSetTypes.h"
+#include "TCollection.h"
 
 namespace fw {
 
 class TDataSet;
 class TIndexDefs;
 
-/// One index: its name, key fields ("A;B") or expression, and options.
-class TIndexDef {
+/// One index: its name, key fields ("A;B") or expression, and options. Descendant collections
+/// may create descendant items (CreateItem).
+class TIndexDef : public TCollectionItem {
  public:
-  explicit TIndexDef(TIndexDefs* Owner);
-  TIndexDef(const TIndexDef&) = delete;
-  TIndexDef& operator=(const TIndexDef&) = delete;
+  explicit TIndexDef(TCollection* Owner);
+  static const TClassInfo& StaticClass();
+  const TClassInfo& ClassType() const override { return StaticClass(); }
 
-  TIndexDefs* Collection() const { return FCollection; }
-  int Index() const;
+  TIndexDefs* IndexDefs() const;
   const std::string& Name() const { return FName; }
   void SetName(const std::string& Value) { FName = Value; }
+  std::string DisplayName() const override { return FName; }
   /// Key fields, ";"-separated.
   const std::string& Fields() const { return FFields; }
   void SetFields(const std::string& Value) { FFields = Value; }
@@ -40,11 +41,10 @@ class TIndexDef {
   const std::string& Source() const { return FSource; }
   void SetSource(const std::string& Value) { FSource = Value; }
 
-  /// Copies every property.
-  void Assign(const TIndexDef& Source);
+  /// From another TIndexDef: copies every property; other sources raise EConvertError.
+  void Assign(const TPersistent& Source) override;
 
  private:
-  TIndexDefs* FCollection;
   std::string FName;
   std::string FFields;
   TIndexOptions FOptions;
@@ -54,44 +54,45 @@ class TIndexDef {
   std::string FSource;
 };
 
-/// The index definitions of one dataset. Owns its items.
-class TIndexDefs {
+/// The index definitions of one dataset.
+class TIndexDefs : public TCollection {
  public:
-  explicit TIndexDefs(TDataSet* ADataSet) : FDataSet(ADataSet) {}
-  TIndexDefs(const TIndexDefs&) = delete;
-  TIndexDefs& operator=(const TIndexDefs&) = delete;
+  explicit TIndexDefs(TDataSet* ADataSet);
+  static const TClassInfo& StaticClass();
+  const TClassInfo& ClassType() const override { return StaticClass(); }
 
   TDataSet* DataSet() const { return FDataSet; }
-  int Count() const { return static_cast<int>(FItems.size()); }
-  /// Raises EDatabaseError when `Index` is out of range.
-  TIndexDef* Items(int Index) const;
+  /// Raises EListError when `Index` is out of range.
+  TIndexDef* Items(int Index) const { return static_cast<TIndexDef*>(TCollection::Items(Index)); }
   TIndexDef* operator[](int Index) const { return Items(Index); }
   bool Updated() const { return FUpdated; }
   void SetUpdated(bool Value) { FUpdated = Value; }
 
-  /// Appends a definition (an empty name becomes "Index" + number).
+  /// Appends a definition (an empty name stays empty).
   TIndexDef* Add(const std::string& Name, const std::string& Fields, TIndexOptions Options);
+  /// Appends a definition named "Index" + number.
   TIndexDef* AddIndexDef();
-  void Assign(const TIndexDefs& Source);
-  void Clear() { FItems.clear(); }
   /// Case-insensitive; -1 when absent.
   int IndexOf(const std::string& Name) const;
   /// Raises EDatabaseError "index not found" when absent.
   TIndexDef* Find(const std::string& Name) const;
   std::vector<std::string> GetItemNames() const;
   /// An index whose Fields equal `Fields` (case-insensitive), neither descending nor an
-  /// expression, and case-insensitive when asked; else the one with the shortest field list that
-  /// starts with `Fields`; null when none.
+  /// expression, and case-insensitive when asked; else, under the same conditions, the one with
+  /// the shortest field list that starts with `Fields` ("A" matches "A;B", not "AB"); null when
+  /// none.
   TIndexDef* GetIndexForFields(const std::string& Fields, bool CaseInsensitive) const;
   /// As GetIndexForFields(Fields, false) but raises EDatabaseError when none matches.
   TIndexDef* FindIndexForFields(const std::string& Fields) const;
   /// When not Updated: DataSet()->UpdateIndexDefs(), then Updated = true.
   void Update();
 
+ protected:
+  using TCollection::Update;
+  TCollectionItem* CreateItem() override { return new TIndexDef(this); }
+
  private:
-  friend class TIndexDef;
   TDataSet* FDataSet;
-  std::vector<std::unique_ptr<TIndexDef>> FItems;
   bool FUpdated = false;
 };
 

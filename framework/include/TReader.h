@@ -83,7 +83,9 @@ class TReader {
 /// propagates unchanged after the same clean-up.
 ///
 /// References "A.B" name component B of another root A read earlier and still alive; when A is
-/// not loaded the reference stays nullptr (no error).
+/// not loaded the reference stays nullptr (no error). The "[n]" child-order suffix of an object
+/// line is accepted and not used; "inherited" reuses a component of that name the root already
+/// owns. Reads are not synchronised with each other: read forms from one thread at a time.
 TComponent* ReadComponentText(std::string_view text, TComponent* root = nullptr);
 /// Reads the file `fileName` (EInOutError when it cannot be read) with ReadComponentText.
 TComponent* ReadComponentFile(const std::string& fileName, TComponent* root = nullptr);

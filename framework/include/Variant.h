@@ -142,6 +142,10 @@ int VarArrayHighBound(const Variant& v, int dim);
 /// 1 for arrays, 0 otherwise.
 int VarArrayDimCount(const Variant& v);
 
+/// The framework's names for the date conversions: a varDate variant, and AsDateTime().
+inline Variant VarFromDateTime(TDateTime value) { return Variant::FromDateTime(value); }
+inline TDateTime VarToDateTime(const Variant& v) { return v.AsDateTime(); }
+
 /// Lenient text: Null and Empty give "", everything else `AsString()`.
 std::string VarToStr(const Variant& v);
 /// Converts to the scalar kind `type` (varEmpty, varNull, an integer kind, varSingle, varDouble,

@@ -13,6 +13,20 @@ void DatabaseError(const std::string& message, const TComponent* component) {
   throw EDatabaseError(message);
 }
 
+const std::vector<std::string>& FieldTypeNames() {
+  static const std::vector<std::string> names = {
+      "ftUnknown",   "ftString",     "ftSmallint",   "ftInteger",       "ftWord",         "ftBoolean",
+      "ftFloat",     "ftCurrency",   "ftBCD",        "ftDate",          "ftTime",         "ftDateTime",
+      "ftBytes",     "ftVarBytes",   "ftAutoInc",    "ftBlob",          "ftMemo",         "ftGraphic",
+      "ftFmtMemo",   "ftParadoxOle", "ftDBaseOle",   "ftTypedBinary",   "ftCursor",       "ftFixedChar",
+      "ftWideString", "ftLargeint",  "ftADT",        "ftArray",         "ftReference",    "ftDataSet",
+      "ftOraBlob",   "ftOraClob",    "ftVariant",    "ftInterface",     "ftIDispatch",    "ftGuid",
+      "ftTimeStamp", "ftFMTBcd",     "ftFixedWideChar", "ftWideMemo",   "ftOraTimeStamp", "ftOraInterval",
+      "ftLongWord",  "ftShortint",   "ftByte",       "ftExtended",      "ftConnection",   "ftParams",
+      "ftStream",    "ftTimeStampOffset", "ftObject", "ftSingle"};
+  return names;
+}
+
 std::string FmtMsg(const char* Pattern, std::initializer_list<std::string_view> Args) {
   std::string out;
   auto arg = Args.begin();

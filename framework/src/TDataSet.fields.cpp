@@ -5,6 +5,7 @@
 
 #include "DataSetMessages.h"
 #include "StringUtils.h"
+#include "TBlobField.h"
 #include "TDataSet.h"
 #include "TFieldClasses.h"
 
@@ -29,6 +30,11 @@ void TDataSet::CreateFields() {
 }
 
 void TDataSet::DestroyFields() { FFields->Clear(); }
+
+void TDataSet::FreeFieldBuffers() {
+  for (int i = 0; i < FFields->Count(); ++i)
+    if (auto* blob = dynamic_cast<TBlobField*>(FFields->Fields(i))) blob->SetModified(false);
+}
 
 void TDataSet::BindFields(bool Binding) {
   FCalcFieldsSize = 0;

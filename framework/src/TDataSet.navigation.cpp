@@ -9,6 +9,7 @@
 #include "TDataLink.h"
 #include "TDataSet.h"
 #include "TDataSource.h"
+#include "TStream.h"
 
 namespace fw {
 
@@ -341,5 +342,7 @@ Variant TDataSet::Lookup(const std::string& KeyFields, const Variant& KeyValues,
   CheckBiDirectional();
   return Null();
 }
+
+std::unique_ptr<TStream> TDataSet::CreateBlobStream(TField* Field, TBlobStreamMode Mode) { return nullptr; }
 
 }  // namespace fw

@@ -4,6 +4,10 @@
 #include <cstring>
 
 #include "DateTime.h"
+#include "DataSetMessages.h"
+#include "TBCDField.h"
+#include "TBcd.h"
+#include "TBlobField.h"
 #include "TBinaryField.h"
 #include "TBooleanField.h"
 #include "TDateTimeField.h"
@@ -53,6 +57,23 @@ TFieldClass DefaultFieldClass(TFieldType FieldType) {
       return &Make<TBytesField>;
     case ftVarBytes:
       return &Make<TVarBytesField>;
+    case ftBCD:
+      return &Make<TBCDField>;
+    case ftFMTBcd:
+      return &Make<TFMTBCDField>;
+    case ftMemo:
+      return &Make<TMemoField>;
+    case ftGraphic:
+      return &Make<TGraphicField>;
+    case ftBlob:
+    case ftFmtMemo:
+    case ftParadoxOle:
+    case ftDBaseOle:
+    case ftTypedBinary:
+    case ftOraBlob:
+    case ftOraClob:
+    case ftWideMemo:
+      return &Make<TBlobField>;
     default:
       return nullptr;
   }
@@ -87,12 +108,30 @@ void ConvertFieldData(const TField* Field, const void* Source, void* Dest, bool 
     }
     return;
   }
+  if (type == ftBCD) {
+    if (ToNative) {
+      Currency value;
+      std::memcpy(&value, Source, sizeof value);
+      TBcd bcd;
+      if (!CurrToBCD(value, bcd, 32, Field->Size())) DatabaseError(FmtMsg(SBcdOverflow, {Field->DisplayName()}));
+      std::memcpy(Dest, &bcd, sizeof bcd);
+    } else {
+      TBcd bcd;
+      std::memcpy(&bcd, Source, sizeof bcd);
+      Currency value = 0;
+      if (!BCDToCurr(bcd, value)) DatabaseError(FmtMsg(SBcdOverflow, {Field->DisplayName()}));
+      std::memcpy(Dest, &value, sizeof value);
+    }
+    return;
+  }
   std::memcpy(Dest, Source, static_cast<std::size_t>(Field->DataSize()));
 }
 
 void SetFieldPrecision(TField* Field, int Precision) {
   if (Precision <= 0) return;
   if (auto* floatField = dynamic_cast<TFloatField*>(Field)) floatField->SetPrecision(Precision);
+  if (auto* bcdField = dynamic_cast<TBCDField*>(Field)) bcdField->SetPrecision(Precision);
+  if (auto* fmtField = dynamic_cast<TFMTBCDField*>(Field)) fmtField->SetPrecision(Precision);
 }
 
 }  // namespace fw

@@ -3,6 +3,7 @@
 
 #include "DataSetMessages.h"
 #include "StringUtils.h"
+#include "TClassInfo.h"
 #include "TDataSet.h"
 #include "TFieldClasses.h"
 
@@ -10,22 +11,17 @@ namespace fw {
 
 // --- TFieldDef --------------------------------------------------------------------------------
 
-TFieldDef::TFieldDef(TFieldDefs* Owner) : FCollection(Owner) {
-  FFieldNo = Owner->Count() + 1;
-  Owner->FItems.emplace_back(this);
-}
+TFieldDef::TFieldDef(TCollection* Owner) : TCollectionItem(Owner) { FFieldNo = Index() + 1; }
 
-int TFieldDef::Index() const {
-  for (int i = 0; i < FCollection->Count(); ++i)
-    if (FCollection->Items(i) == this) return i;
-  return -1;
-}
+TFieldDefs* TFieldDef::FieldDefs() const { return dynamic_cast<TFieldDefs*>(Collection()); }
 
 void TFieldDef::SetName(const std::string& Value) {
   if (Value == FName) return;
-  const int other = FCollection->IndexOf(Value);
-  if (other >= 0 && FCollection->Items(other) != this)
-    DatabaseError(FmtMsg(SDuplicateFieldName, {Value}), FCollection->DataSet());
+  if (TFieldDefs* defs = FieldDefs()) {
+    const int other = defs->IndexOf(Value);
+    if (other >= 0 && defs->Items(other) != this)
+      DatabaseError(FmtMsg(SDuplicateFieldName, {Value}), defs->DataSet());
+  }
   FName = Value;
   Changed();
 }
@@ -64,13 +60,16 @@ void TFieldDef::SetInternalCalcField(bool Value) {
 }
 
 TFieldClass TFieldDef::FieldClass() const {
-  TDataSet* dataSet = FCollection->DataSet();
+  TFieldDefs* defs = FieldDefs();
+  TDataSet* dataSet = defs != nullptr ? defs->DataSet() : nullptr;
   return dataSet != nullptr ? dataSet->GetFieldClass(FDataType) : DefaultFieldClass(FDataType);
 }
 
 TField* TFieldDef::CreateField(TComponent* Owner) {
+  TFieldDefs* defs = FieldDefs();
+  TDataSet* dataSet = defs != nullptr ? defs->DataSet() : nullptr;
   const TFieldClass create = FieldClass();
-  if (create == nullptr) DatabaseError(FmtMsg(SNoFieldClass, {FName}), FCollection->DataSet());
+  if (create == nullptr) DatabaseError(FmtMsg(SNoFieldClass, {FName}), dataSet);
   TField* field = create(Owner);
   try {
     field->SetSize(FSize);
@@ -82,7 +81,7 @@ TField* TFieldDef::CreateField(TComponent* Owner) {
     field->SetReadOnly(FAttributes.Contains(faReadonly));
     if (FInternalCalcField) field->SetFieldKind(fkInternalCalc);
     SetFieldPrecision(field, FPrecision);
-    field->SetDataSet(FCollection->DataSet());
+    field->SetDataSet(dataSet);
   } catch (...) {
     field->Free();
     throw;
@@ -90,87 +89,93 @@ TField* TFieldDef::CreateField(TComponent* Owner) {
   return field;
 }
 
-void TFieldDef::Assign(const TFieldDef& Source) {
-  FName = Source.FName;
-  FDataType = Source.FDataType;
-  FSize = Source.FSize;
-  FPrecision = Source.FPrecision;
-  FAttributes = Source.FAttributes;
-  FInternalCalcField = Source.FInternalCalcField;
+void TFieldDef::Assign(const TPersistent& Source) {
+  const auto* other = dynamic_cast<const TFieldDef*>(&Source);
+  if (other == nullptr) {
+    TCollectionItem::Assign(Source);
+    return;
+  }
+  FName = other->FName;
+  FDataType = other->FDataType;
+  FSize = other->FSize;
+  FPrecision = other->FPrecision;
+  FAttributes = other->FAttributes;
+  FInternalCalcField = other->FInternalCalcField;
   Changed();
 }
 
-void TFieldDef::Changed() { FCollection->Changed(); }
+const TClassInfo& TFieldDef::StaticClass() {
+  static const TClassInfo info =
+      TClassBuilder<TFieldDef>("TFieldDef", &TCollectionItem::StaticClass())
+          .Property("Name", &TFieldDef::Name, &TFieldDef::SetName, "")
+          .Set("Attributes", {"faHiddenCol", "faReadonly", "faRequired", "faLink", "faUnNamed", "faFixed"},
+               &TFieldDef::Attributes, &TFieldDef::SetAttributes, Variant(static_cast<long long>(0)))
+          .Enum("DataType", FieldTypeNames(), &TFieldDef::DataType, &TFieldDef::SetDataType, 0)
+          .Property("Precision", &TFieldDef::Precision, &TFieldDef::SetPrecision, 0)
+          .Property("Size", &TFieldDef::Size, &TFieldDef::SetSize, 0)
+          .Build();
+  return info;
+}
 
 // --- TFieldDefs -------------------------------------------------------------------------------
 
-TFieldDef* TFieldDefs::Items(int Index) const {
-  if (Index < 0 || Index >= Count()) DatabaseError(SFieldDefIndexError, FDataSet);
-  return FItems[static_cast<std::size_t>(Index)].get();
-}
+TFieldDefs::TFieldDefs(TDataSet* ADataSet) : TCollection(ADataSet), FDataSet(ADataSet) { SetPropName("FieldDefs"); }
 
 TFieldDef* TFieldDefs::Add(const std::string& Name, TFieldType DataType, int Size, bool Required) {
   if (Name.empty()) DatabaseError(SEmptyFieldDefName, FDataSet);
   if (IndexOf(Name) >= 0) DatabaseError(FmtMsg(SDuplicateFieldName, {Name}), FDataSet);
   BeginUpdate();
-  auto* def = new TFieldDef(this);
-  def->FName = Name;
-  def->FDataType = DataType;
-  def->FSize = Size;
-  if (Required) def->FAttributes.Include(faRequired);
-  FChangedWhileUpdating = true;
+  TFieldDef* def = nullptr;
+  try {
+    def = static_cast<TFieldDef*>(TCollection::Add());
+    def->SetName(Name);
+    def->SetDataType(DataType);
+    def->SetSize(Size);
+    def->SetRequired(Required);
+  } catch (...) {
+    EndUpdate();
+    throw;
+  }
   EndUpdate();
   return def;
 }
 
 TFieldDef* TFieldDefs::AddFieldDef() {
-  auto* def = new TFieldDef(this);
   std::string name;
-  for (int n = Count();; ++n) {
+  for (int n = Count() + 1;; ++n) {
     name = "Field" + std::to_string(n);
     if (IndexOf(name) < 0) break;
   }
-  def->FName = name;
-  Changed();
+  auto* def = static_cast<TFieldDef*>(TCollection::Add());
+  def->SetName(name);
   return def;
 }
 
-void TFieldDefs::Assign(const TFieldDefs& Source) {
+void TFieldDefs::Assign(const TPersistent& Source) {
   if (&Source == this) return;
   if (FDataSet != nullptr)
     for (int i = 0; i < FDataSet->FieldCount(); ++i) FDataSet->Fields()->Fields(i)->FFieldDef = nullptr;
-  BeginUpdate();
-  FItems.clear();
-  for (const auto& item : Source.FItems) {
-    auto* def = new TFieldDef(this);
-    def->Assign(*item);
-    def->FFieldNo = item->FFieldNo;
-  }
-  FChangedWhileUpdating = true;
-  EndUpdate();
-}
-
-void TFieldDefs::Clear() {
-  if (FItems.empty()) return;
-  FItems.clear();
-  Changed();
+  TCollection::Assign(Source);
+  // Copies keep the column numbers of their originals.
+  if (const auto* other = dynamic_cast<const TFieldDefs*>(&Source))
+    for (int i = 0; i < Count() && i < other->Count(); ++i) Items(i)->SetFieldNo(other->Items(i)->FieldNo());
 }
 
 int TFieldDefs::IndexOf(const std::string& Name) const {
-  for (std::size_t i = 0; i < FItems.size(); ++i)
-    if (SameText(FItems[i]->Name(), Name)) return static_cast<int>(i);
+  for (int i = 0; i < Count(); ++i)
+    if (SameText(Items(i)->Name(), Name)) return i;
   return -1;
 }
 
 TFieldDef* TFieldDefs::Find(const std::string& Name) const {
   const int index = IndexOf(Name);
   if (index < 0) DatabaseError(FmtMsg(SFieldNotFound, {Name}), FDataSet);
-  return FItems[static_cast<std::size_t>(index)].get();
+  return Items(index);
 }
 
 std::vector<std::string> TFieldDefs::GetItemNames() const {
   std::vector<std::string> names;
-  for (const auto& item : FItems) names.push_back(item->Name());
+  for (int i = 0; i < Count(); ++i) names.push_back(Items(i)->Name());
   return names;
 }
 
@@ -180,21 +185,14 @@ void TFieldDefs::Update() {
   FUpdated = true;
 }
 
-void TFieldDefs::EndUpdate() {
-  if (FUpdateCount > 0) --FUpdateCount;
-  if (FUpdateCount == 0 && FChangedWhileUpdating) {
-    FChangedWhileUpdating = false;
-    Changed();
-  }
-}
-
-void TFieldDefs::Changed() {
-  if (FUpdateCount > 0) {
-    FChangedWhileUpdating = true;
-    return;
-  }
+void TFieldDefs::Update(TCollectionItem*) {
   if (FDataSet != nullptr && !FDataSet->ComponentState().Contains(csDestroying))
     FDataSet->DataEvent(dePropertyChange, 0);
+}
+
+const TClassInfo& TFieldDefs::StaticClass() {
+  static const TClassInfo info("TFieldDefs", &TCollection::StaticClass());
+  return info;
 }
 
 }  // namespace fw

@@ -3,19 +3,16 @@
 
 #include "DataSetMessages.h"
 #include "StringUtils.h"
+#include "TClassInfo.h"
 #include "TDataSet.h"
 
 namespace fw {
 
 // --- TIndexDef --------------------------------------------------------------------------------
 
-TIndexDef::TIndexDef(TIndexDefs* Owner) : FCollection(Owner) { Owner->FItems.emplace_back(this); }
+TIndexDef::TIndexDef(TCollection* Owner) : TCollectionItem(Owner) {}
 
-int TIndexDef::Index() const {
-  for (int i = 0; i < FCollection->Count(); ++i)
-    if (FCollection->Items(i) == this) return i;
-  return -1;
-}
+TIndexDefs* TIndexDef::IndexDefs() const { return dynamic_cast<TIndexDefs*>(Collection()); }
 
 void TIndexDef::SetDescFields(const std::string& Value) {
   FDescFields = Value;
@@ -27,83 +24,95 @@ void TIndexDef::SetCaseInsFields(const std::string& Value) {
   if (!Value.empty()) FOptions.Include(ixCaseInsensitive);
 }
 
-void TIndexDef::Assign(const TIndexDef& Source) {
-  FName = Source.FName;
-  FFields = Source.FFields;
-  FOptions = Source.FOptions;
-  FExpression = Source.FExpression;
-  FDescFields = Source.FDescFields;
-  FCaseInsFields = Source.FCaseInsFields;
-  FSource = Source.FSource;
+void TIndexDef::Assign(const TPersistent& Source) {
+  const auto* other = dynamic_cast<const TIndexDef*>(&Source);
+  if (other == nullptr) {
+    TCollectionItem::Assign(Source);
+    return;
+  }
+  FName = other->FName;
+  FFields = other->FFields;
+  FOptions = other->FOptions;
+  FExpression = other->FExpression;
+  FDescFields = other->FDescFields;
+  FCaseInsFields = other->FCaseInsFields;
+  FSource = other->FSource;
+}
+
+const TClassInfo& TIndexDef::StaticClass() {
+  static const TClassInfo info =
+      TClassBuilder<TIndexDef>("TIndexDef", &TCollectionItem::StaticClass())
+          .Property("Name", &TIndexDef::Name, &TIndexDef::SetName, "")
+          .Property("CaseInsFields", &TIndexDef::CaseInsFields, &TIndexDef::SetCaseInsFields, "")
+          .Property("DescFields", &TIndexDef::DescFields, &TIndexDef::SetDescFields, "")
+          .Property("Expression", &TIndexDef::Expression, &TIndexDef::SetExpression, "")
+          .Property("Fields", &TIndexDef::Fields, &TIndexDef::SetFields, "")
+          .Set("Options", {"ixPrimary", "ixUnique", "ixDescending", "ixCaseInsensitive", "ixExpression", "ixNonMaintained"},
+               &TIndexDef::Options, &TIndexDef::SetOptions, Variant(static_cast<long long>(0)))
+          .Property("Source", &TIndexDef::Source, &TIndexDef::SetSource, "")
+          .Build();
+  return info;
 }
 
 // --- TIndexDefs -------------------------------------------------------------------------------
 
-TIndexDef* TIndexDefs::Items(int Index) const {
-  if (Index < 0 || Index >= Count()) DatabaseError(SFieldDefIndexError, FDataSet);
-  return FItems[static_cast<std::size_t>(Index)].get();
-}
+TIndexDefs::TIndexDefs(TDataSet* ADataSet) : TCollection(ADataSet), FDataSet(ADataSet) { SetPropName("IndexDefs"); }
 
 TIndexDef* TIndexDefs::Add(const std::string& Name, const std::string& Fields, TIndexOptions Options) {
-  TIndexDef* def = AddIndexDef();
-  if (!Name.empty()) def->SetName(Name);
+  auto* def = static_cast<TIndexDef*>(TCollection::Add());
+  def->SetName(Name);
   def->SetFields(Fields);
   def->SetOptions(Options);
   return def;
 }
 
 TIndexDef* TIndexDefs::AddIndexDef() {
-  auto* def = new TIndexDef(this);
-  for (int n = Count();; ++n) {
-    const std::string name = "Index" + std::to_string(n);
-    if (IndexOf(name) < 0) {
-      def->SetName(name);
-      break;
-    }
+  std::string name;
+  for (int n = Count() + 1;; ++n) {
+    name = "Index" + std::to_string(n);
+    if (IndexOf(name) < 0) break;
   }
+  auto* def = static_cast<TIndexDef*>(TCollection::Add());
+  def->SetName(name);
   return def;
 }
 
-void TIndexDefs::Assign(const TIndexDefs& Source) {
-  if (&Source == this) return;
-  FItems.clear();
-  for (const auto& item : Source.FItems) (new TIndexDef(this))->Assign(*item);
-}
-
 int TIndexDefs::IndexOf(const std::string& Name) const {
-  for (std::size_t i = 0; i < FItems.size(); ++i)
-    if (SameText(FItems[i]->Name(), Name)) return static_cast<int>(i);
+  for (int i = 0; i < Count(); ++i)
+    if (SameText(Items(i)->Name(), Name)) return i;
   return -1;
 }
 
 TIndexDef* TIndexDefs::Find(const std::string& Name) const {
   const int index = IndexOf(Name);
   if (index < 0) DatabaseError(FmtMsg(SIndexNotFound, {Name}), FDataSet);
-  return FItems[static_cast<std::size_t>(index)].get();
+  return Items(index);
 }
 
 std::vector<std::string> TIndexDefs::GetItemNames() const {
   std::vector<std::string> names;
-  for (const auto& item : FItems) names.push_back(item->Name());
+  for (int i = 0; i < Count(); ++i) names.push_back(Items(i)->Name());
   return names;
 }
 
 TIndexDef* TIndexDefs::GetIndexForFields(const std::string& Fields, bool CaseInsensitive) const {
-  for (const auto& item : FItems) {
+  for (int i = 0; i < Count(); ++i) {
+    TIndexDef* item = Items(i);
     const TIndexOptions options = item->Options();
-    if (SameText(item->Fields(), Fields) && !options.Contains(ixDescending) &&
-        !options.Contains(ixExpression) && (!CaseInsensitive || options.Contains(ixCaseInsensitive)))
-      return item.get();
+    if (SameText(item->Fields(), Fields) && !options.Contains(ixDescending) && !options.Contains(ixExpression) &&
+        (!CaseInsensitive || options.Contains(ixCaseInsensitive)))
+      return item;
   }
   TIndexDef* best = nullptr;
-  for (const auto& item : FItems) {
+  for (int i = 0; i < Count() && !Fields.empty(); ++i) {
+    TIndexDef* item = Items(i);
     const std::string& fields = item->Fields();
-    if (fields.size() < Fields.size() || Fields.empty()) continue;
+    if (fields.size() < Fields.size()) continue;
     if (!SameText(std::string_view(fields).substr(0, Fields.size()), Fields)) continue;
     if (fields.size() != Fields.size() && fields[Fields.size()] != ';') continue;
-    if (item->Options().Contains(ixExpression)) continue;
+    if (item->Options().Contains(ixExpression) || item->Options().Contains(ixDescending)) continue;
     if (CaseInsensitive && !item->Options().Contains(ixCaseInsensitive)) continue;
-    if (best == nullptr || fields.size() < best->Fields().size()) best = item.get();
+    if (best == nullptr || fields.size() < best->Fields().size()) best = item;
   }
   return best;
 }
@@ -118,6 +127,11 @@ void TIndexDefs::Update() {
   if (FUpdated) return;
   if (FDataSet != nullptr) FDataSet->UpdateIndexDefs();
   FUpdated = true;
+}
+
+const TClassInfo& TIndexDefs::StaticClass() {
+  static const TClassInfo info("TIndexDefs", &TCollection::StaticClass());
+  return info;
 }
 
 }  // namespace fw

@@ -199,6 +199,11 @@ void TReader::AssignValue(TPersistent& target, const TPropInfo& info, const Form
       else if (value.ValueKind == FormValue::vkFloat) info.Set(target, Variant(value.Float));
       else bad();
       break;
+    case pkCurrency:
+      if (value.ValueKind == FormValue::vkInteger) info.Set(target, Variant::FromCurrency(StrToCurr(IntToStr(value.Int))));
+      else if (value.ValueKind == FormValue::vkFloat) info.Set(target, Variant::FromCurrency(DoubleToCurr(value.Float)));
+      else bad();
+      break;
     case pkString:
       if (value.ValueKind != FormValue::vkString) bad();
       info.Set(target, Variant(value.Text));

@@ -48,6 +48,16 @@ std::string FloatText(double v) {
   return s;
 }
 
+// Exact decimal with a '.' and the currency suffix, e.g. "-12.5c".
+std::string CurrencyText(Currency v) {
+  const bool neg = v < 0;
+  const uint64_t mag = neg ? 0 - static_cast<uint64_t>(v) : static_cast<uint64_t>(v);
+  std::string frac = std::to_string(mag % 10000);
+  frac.insert(0, 4 - frac.size(), '0');
+  while (!frac.empty() && frac.back() == '0') frac.pop_back();
+  return (neg ? "-" : "") + std::to_string(mag / 10000) + (frac.empty() ? "" : "." + frac) + "c";
+}
+
 std::string BinaryText(std::string_view bytes) {
   static const char kHex[] = "0123456789ABCDEF";
   std::string out;
@@ -137,6 +147,9 @@ void TWriter::WriteProperties(TPersistent& object, const std::string& prefix, in
         break;
       case pkFloat:
         text = FloatText(value.AsDouble());
+        break;
+      case pkCurrency:
+        text = CurrencyText(value.AsCurrency());
         break;
       case pkString:
         if (value.AsString().empty()) continue;

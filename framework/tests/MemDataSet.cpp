@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "StringUtils.h"
+#include "TBlobStream.h"
 
 namespace fwtest {
 
@@ -32,6 +33,13 @@ int NativeSize(const MemColumn& c) {
       return c.Size;
     case ftVarBytes:
       return c.Size + 2;
+    case ftBCD:
+    case ftFMTBcd:
+      return 34;
+    case ftBlob:
+    case ftMemo:
+    case ftGraphic:
+      return 0;
     default:
       return 8;
   }
@@ -83,11 +91,21 @@ TRecordBuffer TMemDataSet::AllocRecordBuffer() {
 
 void TMemDataSet::FreeRecordBuffer(TRecordBuffer& Buffer) {
   --AllocatedBuffers;
+  FBufferBlobs.erase(Buffer);
   delete[] Buffer;
   Buffer = nullptr;
 }
 
-void TMemDataSet::InternalInitRecord(TRecordBuffer Buffer) { std::memset(Buffer, 0, FRecordSize); }
+void TMemDataSet::InternalInitRecord(TRecordBuffer Buffer) {
+  std::memset(Buffer, 0, FRecordSize);
+  BlobsOf(Buffer).assign(FColumns.size(), std::string());
+}
+
+std::vector<std::string>& TMemDataSet::BlobsOf(TRecordBuffer Buffer) {
+  std::vector<std::string>& blobs = FBufferBlobs[Buffer];
+  blobs.resize(FColumns.size());
+  return blobs;
+}
 
 void TMemDataSet::ClearCalcFields(TRecordBuffer Buffer) {
   std::memset(Buffer + FRecordSize + kBookmarkSize + 1, 0, static_cast<std::size_t>(CalcFieldsSize()));
@@ -160,6 +178,7 @@ TGetResult TMemDataSet::GetRecord(TRecordBuffer Buffer, TGetMode GetMode, bool D
     const Record& record = FRecords[static_cast<std::size_t>(FCursor)];
     std::memcpy(Buffer, record.Data.data(), static_cast<std::size_t>(FRecordSize));
     std::memcpy(Buffer + FRecordSize, &record.Id, kBookmarkSize);
+    BlobsOf(Buffer) = record.Blobs;
     SetBookmarkFlag(Buffer, bfCurrent);
     GetCalcFields(Buffer);
     if (AcceptRecord(Buffer)) return grOK;
@@ -252,7 +271,9 @@ void TMemDataSet::InternalPost() {
   TDataSet::InternalPost();
   TRecordBuffer buffer = ActiveBuffer();
   if (State() == dsEdit) {
-    std::memcpy(FRecords[static_cast<std::size_t>(FCursor)].Data.data(), buffer, static_cast<std::size_t>(FRecordSize));
+    Record& record = FRecords[static_cast<std::size_t>(FCursor)];
+    std::memcpy(record.Data.data(), buffer, static_cast<std::size_t>(FRecordSize));
+    record.Blobs = BlobsOf(buffer);
     FOldRecord.clear();
     return;
   }
@@ -264,13 +285,13 @@ void TMemDataSet::InternalPost() {
     const int before = IndexOfId(BufferId(buffer));
     if (before >= 0) at = before;
   }
-  FRecords.insert(FRecords.begin() + at, Record{FNextId++, std::vector<char>(buffer, buffer + FRecordSize)});
+  FRecords.insert(FRecords.begin() + at, Record{FNextId++, std::vector<char>(buffer, buffer + FRecordSize), BlobsOf(buffer)});
   FCursor = at;
 }
 
 void TMemDataSet::InternalAddRecord(TRecordBuffer Buffer, bool Append) {
   const int at = Append ? StoredCount() : std::max(FCursor, 0);
-  FRecords.insert(FRecords.begin() + at, Record{FNextId++, std::vector<char>(Buffer, Buffer + FRecordSize)});
+  FRecords.insert(FRecords.begin() + at, Record{FNextId++, std::vector<char>(Buffer, Buffer + FRecordSize), BlobsOf(Buffer)});
   FCursor = at;
 }
 
@@ -309,6 +330,20 @@ void TMemDataSet::SetFiltered(bool Value) {
     CheckBrowseMode();
     First();
   }
+}
+
+std::unique_ptr<TStream> TMemDataSet::CreateBlobStream(TField* Field, TBlobStreamMode Mode) {
+  TRecordBuffer record = CurrentBuffer();
+  const std::size_t column = static_cast<std::size_t>(Field->FieldNo() - 1);
+  if (record == nullptr || Field->FieldNo() <= 0) {
+    if (Mode != bmRead) DatabaseError("Dataset not in edit or insert mode", this);
+    return std::make_unique<TBlobStream>(Field, Mode, std::string(), nullptr);
+  }
+  const std::string content = record[FOffsets[column]] != 0 ? BlobsOf(record)[column] : std::string();
+  return std::make_unique<TBlobStream>(Field, Mode, content, [this, record, column](const std::string& value) {
+    BlobsOf(record)[column] = value;
+    record[FOffsets[column]] = value.empty() ? 0 : 1;
+  });
 }
 
 // --- Locate and Lookup ------------------------------------------------------------------------

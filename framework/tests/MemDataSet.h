@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -20,8 +22,9 @@ struct MemColumn {
 
 /// Records live in a vector in physical order; each has a 4-byte id that serves as bookmark.
 /// The cursor is an index, -1 for the BOF crack and Count() for the EOF crack. Record buffer
-/// layout: per column one null byte (1 = has value) and DataSize bytes; then the 4-byte
-/// bookmark; then the 1-byte bookmark flag; then the calculated-field area.
+/// layout: per column one null byte (1 = has value) and DataSize bytes (none for blobs, whose
+/// content sits in a side table per buffer); then the 4-byte bookmark; then the 1-byte
+/// bookmark flag; then the calculated-field area.
 class TMemDataSet : public fw::TDataSet {
  public:
   TMemDataSet(fw::TComponent* AOwner, std::vector<MemColumn> Columns);
@@ -53,6 +56,7 @@ class TMemDataSet : public fw::TDataSet {
   bool BookmarkValid(const fw::TBookmark& Bookmark) override;
   int CompareBookmarks(const fw::TBookmark& Bookmark1, const fw::TBookmark& Bookmark2) override;
   void SetFiltered(bool Value) override;
+  std::unique_ptr<fw::TStream> CreateBlobStream(fw::TField* Field, fw::TBlobStreamMode Mode) override;
 
  protected:
   fw::TGetResult GetRecord(fw::TRecordBuffer Buffer, fw::TGetMode GetMode, bool DoCheck) override;
@@ -85,7 +89,9 @@ class TMemDataSet : public fw::TDataSet {
   struct Record {
     uint32_t Id;
     std::vector<char> Data;
+    std::vector<std::string> Blobs;  // per column; used by blob columns only
   };
+  std::vector<std::string>& BlobsOf(fw::TRecordBuffer Buffer);
   int IndexOfId(uint32_t Id) const;
   uint32_t BufferId(fw::TRecordBuffer Buffer) const;
   /// The buffer field access uses in the current state; null when there is none.
@@ -99,6 +105,7 @@ class TMemDataSet : public fw::TDataSet {
   std::vector<Record> FRecords;
   std::vector<int> FOffsets;  // per column, offset of its null byte
   std::vector<char> FOldRecord;
+  std::map<fw::TRecordBuffer, std::vector<std::string>> FBufferBlobs;
   fw::TRecordBuffer FFilterBuffer = nullptr;
   int FRecordSize = 0;
   int FCursor = -1;

@@ -1,0 +1,139 @@
+// TCTConnection blobs: the four variable forms read from and written back into records, stream
+// access by position, and the numbers returned for fields that are not blobs.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "TMemoryStream.h"
+#include "TableFixture.h"
+
+namespace Ctdb::testing {
+namespace {
+
+constexpr int32_t kMemo = 2, kShort = 3, kMedium = 4, kLong = 5;
+
+std::vector<uint8_t> Pattern(size_t size, uint8_t seed) {
+  std::vector<uint8_t> bytes(size);
+  for (size_t i = 0; i < size; ++i) bytes[i] = static_cast<uint8_t>(seed + i * 7 + (i >> 8));
+  return bytes;
+}
+
+class BlobTest : public DriverTest {
+ protected:
+  void SetUp() override {
+    Activate();
+    MakeTable("docs",
+              {{"id", CT_INT4, 4}, {"memo", CT_STRING, 500}, {"short", CT_PSTRING, 255},
+               {"medium", CT_2STRING, 60000}, {"long", CT_4STRING, 1000000}},
+              {{{{0, 4, SCHSEG}}}});
+    ASSERT_EQ(Conn->OpenCursor(Cursor, "docs.dat", Dir.Path(), SHARED), 0);
+  }
+  void TearDown() override {
+    Buffers.clear();
+    if (Cursor) EXPECT_EQ(Conn->CloseCursor(Cursor), 0);
+  }
+  TCTCustomRecordBuffer* NewBuffer() {
+    Buffers.push_back(std::make_unique<TCTCustomRecordBuffer>(Cursor.get()));
+    return Buffers.back().get();
+  }
+  void Put(TCTCustomRecordBuffer* buffer, int32_t fieldNo, const std::vector<uint8_t>& bytes) {
+    bool isBlob = false;
+    ASSERT_EQ(Conn->OpenBlob(Cursor.get(), fieldNo, buffer, isBlob), 0);
+    ASSERT_EQ(Conn->PutBlob(Cursor.get(), fieldNo, buffer, 0, static_cast<int32_t>(bytes.size()), bytes.data()), 0);
+  }
+  std::vector<uint8_t> Get(TCTCustomRecordBuffer* buffer, int32_t fieldNo) {
+    int32_t size = -1;
+    EXPECT_EQ(Conn->GetBlobSize(Cursor.get(), fieldNo, buffer, size), 0);
+    std::vector<uint8_t> bytes(static_cast<size_t>(std::max(size, 0)));
+    int32_t read = -1;
+    EXPECT_EQ(Conn->GetBlob(Cursor.get(), fieldNo, buffer, read, bytes.data(), size, 0), 0);
+    EXPECT_EQ(read, size);
+    return bytes;
+  }
+  // Writes a record with the given blobs through the engine and reads it back into a new buffer.
+  TCTCustomRecordBuffer* RoundTrip(int32_t id, const std::vector<std::vector<uint8_t>>& blobs) {
+    TCTCustomRecordBuffer* out = NewBuffer();
+    out->InitRecord();
+    std::memcpy(out->RecordPtr(), &id, 4);
+    for (size_t i = 0; i < blobs.size(); ++i) Put(out, kMemo + static_cast<int32_t>(i), blobs[i]);
+    EXPECT_TRUE(out->FillRecord());
+    EXPECT_EQ(CTDbIntf::AddVRecord(Conn->Alignment(), Cursor->DataFileNo, out->RecordPtr(), out->RecordSize()), 0);
+    TCTCustomRecordBuffer* in = NewBuffer();
+    EXPECT_EQ(Conn->SetToBegin(Cursor.get()), 0);
+    for (;;) {
+      EXPECT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, in), 0);
+      int32_t readId = 0;
+      std::memcpy(&readId, in->RecordPtr(), 4);
+      if (readId == id || ::testing::Test::HasFailure()) break;
+    }
+    EXPECT_EQ(Conn->OpenAllBlobs(Cursor.get(), in), 0);
+    return in;
+  }
+
+  std::unique_ptr<TCTCursorDesc> Cursor;
+  std::vector<std::unique_ptr<TCTCustomRecordBuffer>> Buffers;
+};
+
+TEST_F(BlobTest, EveryFormRoundTripsThroughARecord) {
+  std::vector<uint8_t> text(300, 'm');
+  const std::vector<std::vector<uint8_t>> blobs = {text, Pattern(255, 1), Pattern(40000, 2), Pattern(200000, 3)};
+  TCTCustomRecordBuffer* in = RoundTrip(1, blobs);
+  for (size_t i = 0; i < blobs.size(); ++i) {
+    SCOPED_TRACE(i);
+    EXPECT_EQ(Get(in, kMemo + static_cast<int32_t>(i)), blobs[i]);
+  }
+  // 4 + (300 + 1) + (1 + 255) + (2 + 40000) + (4 + 200000): each form at its actual length.
+  EXPECT_EQ(in->RecordSize(), 240567);
+}
+
+TEST_F(BlobTest, EmptyBlobsOpenAsEmptyStreams) {
+  TCTCustomRecordBuffer* in = RoundTrip(2, {{}, {}, {}, {}});
+  for (int32_t field = kMemo; field <= kLong; ++field) EXPECT_TRUE(Get(in, field).empty());
+}
+
+TEST_F(BlobTest, StreamsArePositionedAndSized) {
+  TCTCustomRecordBuffer* in = RoundTrip(3, {{'a', 'b', 'c'}, {1, 2, 3, 4}, {}, {}});
+  // Unsaved writes are discarded by the next OpenBlob.
+  const uint8_t junk[] = {9, 9};
+  ASSERT_EQ(Conn->PutBlob(Cursor.get(), kShort, in, 10, 2, junk), 0);
+  int32_t size = 0;
+  ASSERT_EQ(Conn->GetBlobSize(Cursor.get(), kShort, in, size), 0);
+  EXPECT_EQ(size, 12);
+  bool isBlob = false;
+  ASSERT_EQ(Conn->OpenBlob(Cursor.get(), kShort, in, isBlob), 0);
+  EXPECT_EQ(Get(in, kShort), (std::vector<uint8_t>{1, 2, 3, 4}));
+
+  uint8_t part[8] = {};
+  int32_t read = -1;
+  ASSERT_EQ(Conn->GetBlob(Cursor.get(), kMemo, in, read, part, 8, 1), 0);
+  EXPECT_EQ(read, 2);
+  EXPECT_EQ(std::memcmp(part, "bc", 2), 0);
+  ASSERT_EQ(Conn->GetBlob(Cursor.get(), kMemo, in, read, part, 8, 50), 0);
+  EXPECT_EQ(read, 0);
+
+  ASSERT_EQ(Conn->TruncateBlob(Cursor.get(), kMemo, in, 1), 0);
+  EXPECT_EQ(Get(in, kMemo), std::vector<uint8_t>{'a'});
+  ASSERT_EQ(Conn->TruncateBlob(Cursor.get(), kMemo, in, 4), 0);
+  EXPECT_EQ(Get(in, kMemo), (std::vector<uint8_t>{'a', 0, 0, 0}));
+  EXPECT_EQ(Conn->CloseBlob(Cursor.get(), kMemo, in), 0);
+}
+
+TEST_F(BlobTest, FieldsThatAreNotBlobsAndBadInputGiveNumbers) {
+  TCTCustomRecordBuffer* buffer = NewBuffer();
+  buffer->InitRecord();
+  bool isBlob = false;
+  EXPECT_EQ(Conn->OpenBlob(Cursor.get(), 1, buffer, isBlob), 1127);
+  EXPECT_TRUE(isBlob);
+  EXPECT_EQ(Conn->OpenBlob(Cursor.get(), 9, buffer, isBlob), 1127);
+  int32_t size = 0;
+  EXPECT_EQ(Conn->GetBlobSize(nullptr, kMemo, buffer, size), kCtInvalidCursor);
+  EXPECT_EQ(Conn->TruncateBlob(Cursor.get(), 0, buffer, 3), 1127);
+  Buffers.clear();
+  ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  Conn->SetActive(false);
+  TCTCursorDesc detached("x", 0, 0, 0, Conn.get());
+  EXPECT_EQ(Conn->GetBlobSize(&detached, kMemo, nullptr, size), kCtNotActive);
+}
+
+}  // namespace
+}  // namespace Ctdb::testing

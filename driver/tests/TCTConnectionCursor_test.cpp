@@ -1,0 +1,292 @@
+// TCTConnection cursors: opening, walking in physical and index order within ranges, counts,
+// bookmarks, key seeks, contexts and the numbers returned for bad input.
+#include <gtest/gtest.h>
+
+#include "TableFixture.h"
+
+namespace Ctdb::testing {
+namespace {
+
+using Ids = std::vector<int32_t>;
+
+// Inserted in this order: physical order differs from key order, and the duplicates of group
+// 20 (ids 3, 2, 4) and 40 (7, 6) come in position order.
+const std::vector<std::pair<int32_t, int32_t>> kRows = {{5, 30}, {3, 20}, {9, 60}, {1, 10}, {7, 40},
+                                                        {2, 20}, {8, 50}, {4, 20}, {6, 40}};
+
+class CursorTest : public TableTest {
+ protected:
+  void SetUp() override {
+    TableTest::SetUp();
+    Open();
+    Insert(kRows);
+  }
+};
+
+TEST_F(CursorTest, OpenCursorDescribesTheTable) {
+  EXPECT_EQ(Cursor->DataFileNo, Cursor->KeyNo);
+  EXPECT_EQ(Cursor->FieldCount(), 3);
+  EXPECT_EQ(Cursor->IndexCount, 2);
+  EXPECT_EQ(Cursor->FixedRecLength, kRecordLength);
+  EXPECT_EQ(Cursor->TableName, Path);
+  EXPECT_EQ(Cursor->Position, cpNone);
+}
+
+TEST_F(CursorTest, WalksBothWaysInPhysicalOrder) {
+  int32_t last = 0;
+  EXPECT_EQ(Walk(true, &last), (Ids{5, 3, 9, 1, 7, 2, 8, 4, 6}));
+  EXPECT_EQ(last, INOT_ERR);
+  EXPECT_EQ(Cursor->Position, cpEof);
+  EXPECT_EQ(Cursor->SeqNo, 9);
+  EXPECT_EQ(Walk(false, &last), (Ids{6, 4, 8, 2, 7, 1, 9, 3, 5}));
+  EXPECT_EQ(Cursor->Position, cpBof);
+  EXPECT_EQ(Cursor->SeqNo, -1);
+}
+
+TEST_F(CursorTest, WalksBothWaysInIndexOrderWithDuplicatesInPositionOrder) {
+  UseIndex("ById");
+  EXPECT_EQ(Walk(true), (Ids{1, 2, 3, 4, 5, 6, 7, 8, 9}));
+  EXPECT_EQ(Walk(false), (Ids{9, 8, 7, 6, 5, 4, 3, 2, 1}));
+  UseIndex("ByGroup");
+  EXPECT_EQ(Walk(true), (Ids{1, 3, 2, 4, 5, 7, 6, 8, 9}));
+  EXPECT_EQ(Walk(false), (Ids{9, 8, 6, 7, 5, 4, 2, 3, 1}));
+}
+
+TEST_F(CursorTest, ReadingPastAnEndFailsAtOnceAndStays) {
+  UseIndex("ById");
+  ASSERT_EQ(Conn->SetToEnd(Cursor.get()), 0);
+  EXPECT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, nullptr), INOT_ERR);
+  EXPECT_EQ(Cursor->Position, cpEof);
+  ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
+  EXPECT_EQ(Conn->GetPriorRecord(Cursor.get(), dbiNOLOCK, nullptr), INOT_ERR);
+  EXPECT_EQ(Cursor->Position, cpBof);
+  // Turning round at an end gives the record at that end.
+  TCTCustomRecordBuffer* buffer = NewBuffer();
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 1);
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  ASSERT_EQ(Conn->GetPriorRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 1);
+}
+
+TEST_F(CursorTest, InclusiveRangeTakesEveryDuplicateAtBothEnds) {
+  UseIndex("ByGroup");
+  SetGroupRange(20, true, 40, true);
+  EXPECT_EQ(Walk(true), (Ids{3, 2, 4, 5, 7, 6}));
+  EXPECT_EQ(Cursor->SeqNo, 6);
+  EXPECT_EQ(Walk(false), (Ids{6, 7, 5, 4, 2, 3}));
+}
+
+TEST_F(CursorTest, ExclusiveEndsLeaveOutEveryDuplicateOfTheirValue) {
+  UseIndex("ByGroup");
+  SetGroupRange(20, false, 40, false);
+  EXPECT_EQ(Walk(true), Ids{5});
+  EXPECT_EQ(Walk(false), Ids{5});
+  SetGroupRange(20, true, 40, false);
+  EXPECT_EQ(Walk(true), (Ids{3, 2, 4, 5}));
+  EXPECT_EQ(Walk(false), (Ids{5, 4, 2, 3}));
+  SetGroupRange(20, false, 40, true);
+  EXPECT_EQ(Walk(true), (Ids{5, 7, 6}));
+  EXPECT_EQ(Walk(false), (Ids{6, 7, 5}));
+}
+
+TEST_F(CursorTest, EmptyAndReversedRangesGiveNoRecord) {
+  UseIndex("ByGroup");
+  int32_t last = 0;
+  SetGroupRange(35, true, 38, true);
+  EXPECT_TRUE(Walk(true, &last).empty());
+  EXPECT_EQ(last, INOT_ERR);
+  EXPECT_TRUE(Walk(false, &last).empty());
+  EXPECT_EQ(last, INOT_ERR);
+  SetGroupRange(50, true, 20, true);
+  EXPECT_TRUE(Walk(true, &last).empty());
+  EXPECT_EQ(last, INOT_ERR);
+  EXPECT_TRUE(Walk(false).empty());
+  int32_t count = -1;
+  ASSERT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
+  EXPECT_EQ(count, 0);
+}
+
+TEST_F(CursorTest, IsInRangeMarksWhereTheKeyLies) {
+  UseIndex("ByGroup");
+  SetGroupRange(20, true, 40, false);
+  const std::vector<uint8_t> below = GroupKey(10);
+  const std::vector<uint8_t> inside = GroupKey(20);
+  const std::vector<uint8_t> high = GroupKey(40);
+  EXPECT_EQ(Conn->IsInRange(Cursor.get(), below.data(), static_cast<int32_t>(below.size())), INOT_ERR);
+  EXPECT_EQ(Cursor->Position, cpBof);
+  EXPECT_EQ(Conn->IsInRange(Cursor.get(), inside.data(), static_cast<int32_t>(inside.size())), 0);
+  EXPECT_EQ(Cursor->Position, cpNone);
+  EXPECT_EQ(Conn->IsInRange(Cursor.get(), high.data(), static_cast<int32_t>(high.size())), INOT_ERR);
+  EXPECT_EQ(Cursor->Position, cpEof);
+}
+
+TEST_F(CursorTest, CountsAreExactAndLeaveThePositionAlone) {
+  int32_t count = 0;
+  ASSERT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
+  EXPECT_EQ(count, 9);
+  UseIndex("ByGroup");
+  TCTCustomRecordBuffer* buffer = NewBuffer();
+  ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
+  for (int i = 0; i < 3; ++i) ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  ASSERT_EQ(IdOf(*buffer), 2);
+  ASSERT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
+  EXPECT_EQ(count, 9);
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 4);
+
+  SetGroupRange(20, true, 40, true);
+  ASSERT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
+  EXPECT_EQ(count, 6);
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 5);
+  int32_t number = 0;
+  ASSERT_EQ(Conn->GetAlmostRecordNumber(Cursor.get(), buffer, number), 0);
+  EXPECT_EQ(number, 4);
+  int32_t seqNo = 0;
+  ASSERT_EQ(Conn->GetSeqNo(Cursor.get(), seqNo), 0);
+  EXPECT_EQ(seqNo, 4);
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 7);
+  ASSERT_EQ(Conn->SetToEnd(Cursor.get()), 0);
+  ASSERT_EQ(Conn->GetSeqNo(Cursor.get(), seqNo), 0);
+  EXPECT_EQ(seqNo, 6);
+}
+
+TEST_F(CursorTest, BookmarksReturnToTheirRecordInTheCurrentOrder) {
+  UseIndex("ById");
+  TCTCustomRecordBuffer* buffer = NewBuffer();
+  ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
+  for (int i = 0; i < 4; ++i) ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  int32_t bookmark = 0;
+  ASSERT_EQ(Conn->GetBookMark(Cursor.get(), bookmark), 0);
+  int32_t stored = 0;
+  std::memcpy(&stored, buffer->GetBookmark(), 4);
+  EXPECT_EQ(bookmark, stored);
+  ASSERT_EQ(Walk(true).size(), 9u);
+  ASSERT_EQ(Conn->SetToBookMark(Cursor.get(), bookmark), 0);
+  ASSERT_EQ(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 4);
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 5);
+  ASSERT_EQ(Conn->GetPriorRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  ASSERT_EQ(Conn->GetPriorRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 3);
+
+  // A bookmark outside the range fails and marks the side it lies on.
+  UseIndex("ByGroup");
+  SetGroupRange(30, true, 60, true);
+  EXPECT_EQ(Conn->SetToBookMark(Cursor.get(), bookmark), INOT_ERR);  // id 4 is in group 20
+  EXPECT_EQ(Cursor->Position, cpBof);
+  EXPECT_NE(Conn->SetToBookMark(Cursor.get(), 0x7FFFFF00), 0);
+}
+
+TEST_F(CursorTest, KeySeeksFindEqualFollowingAndPrecedingKeys) {
+  UseIndex("ById");
+  TCTCustomRecordBuffer* buffer = NewBuffer();
+  ASSERT_EQ(Conn->GotoKey(Cursor.get(), BufferOf(7, 0)), 0);
+  ASSERT_EQ(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 7);
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 8);
+  EXPECT_EQ(Conn->GotoKey(Cursor.get(), BufferOf(77, 0)), INOT_ERR);
+
+  UseIndex("ByGroup");
+  struct Case {
+    int32_t grp;
+    bool greater, inclusive;
+    int32_t id;
+  };
+  for (const Case& c : {Case{20, true, true, 3}, Case{20, true, false, 5}, Case{40, false, true, 6},
+                        Case{40, false, false, 5}, Case{35, true, true, 7}, Case{35, false, false, 5}}) {
+    SCOPED_TRACE(std::to_string(c.grp) + (c.greater ? " >" : " <") + (c.inclusive ? "=" : ""));
+    TCTCustomRecordBuffer* key = BufferOf(0, c.grp);
+    ASSERT_EQ(c.greater ? Conn->GotoGTKey(Cursor.get(), key, c.inclusive)
+                        : Conn->GotoLTKey(Cursor.get(), key, c.inclusive),
+              0);
+    ASSERT_EQ(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+    EXPECT_EQ(IdOf(*buffer), c.id);
+  }
+  // The first record of a duplicated value, and the walk goes on from there.
+  ASSERT_EQ(Conn->GotoKey(Cursor.get(), BufferOf(0, 40)), 0);
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 6);
+  EXPECT_EQ(Conn->GotoGTKey(Cursor.get(), BufferOf(0, 60), false), INOT_ERR);
+  // With a range the key found must lie inside it.
+  SetGroupRange(20, true, 30, true);
+  EXPECT_EQ(Conn->GotoKey(Cursor.get(), BufferOf(0, 40)), INOT_ERR);
+  EXPECT_EQ(Cursor->Position, cpEof);
+}
+
+TEST_F(CursorTest, ContextsLeaveTheTablePositionUntouched) {
+  UseIndex("ById");
+  TCTCustomRecordBuffer* buffer = NewBuffer();
+  ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
+  for (int i = 0; i < 3; ++i) ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  ASSERT_EQ(Conn->SetContext(Cursor.get()), 0);
+  ASSERT_EQ(Conn->GotoKey(Cursor.get(), BufferOf(8, 0)), 0);
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 9);
+  ASSERT_EQ(Conn->RestoreContext(Cursor.get()), 0);
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 4);
+}
+
+TEST_F(CursorTest, CurrentRecordAtTheEndsAndBadInput) {
+  TCTCustomRecordBuffer* buffer = NewBuffer();
+  ASSERT_EQ(Conn->SetToEnd(Cursor.get()), 0);
+  EXPECT_EQ(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, buffer), kCtEndOfTable);
+  ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
+  EXPECT_EQ(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, buffer), kCtBeginOfTable);
+  EXPECT_EQ(Conn->GetNextRecord(nullptr, dbiNOLOCK, buffer), kCtInvalidCursor);
+  int32_t count = 0;
+  EXPECT_EQ(Conn->GetRecordCount(nullptr, count), kCtInvalidCursor);
+  EXPECT_EQ(Conn->GotoKey(nullptr, buffer), kCtInvalidCursor);
+  std::unique_ptr<TCTCursorDesc> none;
+  EXPECT_EQ(Conn->CloseCursor(none), kCtInvalidCursor);
+  std::vector<uint8_t> key;
+  EXPECT_EQ(Conn->AllocateKey(nullptr, key), 0);
+  // Physical order has no key to build.
+  EXPECT_EQ(Conn->ExtractKey(Cursor.get(), buffer, key), kCtInvalidIndexDesc);
+}
+
+class OpenCursorTest : public TableTest {};
+
+TEST_F(OpenCursorTest, MissingTablesAndInactiveConnectionsAreReported) {
+  std::unique_ptr<TCTCursorDesc> cursor;
+  EXPECT_EQ(Conn->OpenCursor(cursor, "nothere.dat", Dir.Path(), SHARED), FNOP_ERR);
+  EXPECT_FALSE(cursor);
+  Conn->SetActive(false);
+  EXPECT_EQ(Conn->OpenCursor(cursor, "people.dat", Dir.Path(), SHARED), kCtNotActive);
+  int32_t count = 0;
+  EXPECT_EQ(Conn->GetRecordCount(nullptr, count), kCtNotActive);
+}
+
+TEST_F(OpenCursorTest, ReadOnlyAndExclusiveModesReachTheEngine) {
+  Open(SHARED | READFIL);
+  std::vector<uint8_t> rec = Record(1, 1);
+  EXPECT_NE(CTDbIntf::AddRecord(Conn->Alignment(), Cursor->DataFileNo, rec.data()), 0);
+  ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  EXPECT_FALSE(Cursor);
+  Open(EXCLUSIVE);
+  std::unique_ptr<TCTCursorDesc> second;
+  EXPECT_EQ(Conn->OpenCursor(second, "people.dat", Dir.Path(), SHARED), FNOP_ERR);
+}
+
+TEST_F(OpenCursorTest, AFileOfAnotherAlignmentGives1136) {
+  Conn->SetActive(false);
+  Conn->SetLoadAlignment(CTDbIntf::laWord);
+  Activate();
+  const std::string made = MakeTable("wordtable", {{"id", CT_INT4, 4}}, {{{{0, 4, SCHSEG}}}});
+  Conn->SetActive(false);
+  Conn->SetLoadAlignment(CTDbIntf::laByte);
+  Activate();
+  std::unique_ptr<TCTCursorDesc> cursor;
+  EXPECT_EQ(Conn->OpenCursor(cursor, "wordtable.dat", Dir.Path(), SHARED), kCtAlignmentMismatch);
+  EXPECT_FALSE(cursor);
+  ASSERT_EQ(Conn->OpenCursor(cursor, "people.dat", Dir.Path(), SHARED), 0);
+  EXPECT_EQ(Conn->CloseCursor(cursor), 0);
+}
+
+}  // namespace
+}  // namespace Ctdb::testing

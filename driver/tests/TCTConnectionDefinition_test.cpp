@@ -1,0 +1,248 @@
+// TCTConnection table and index definition: the IFIL, IIDX, ISEG and DODA a created table gets,
+// overwriting, clean-up after a failed create, renaming, deleting, plain files, and indexes added
+// to an open table.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "TableFixture.h"
+
+namespace Ctdb::testing {
+namespace {
+
+CTFldDesc Field(const std::string& name, int16_t type, int16_t subType, int16_t length) {
+  CTFldDesc desc;
+  desc.Name = name;
+  desc.FieldType = type;
+  desc.SubType = subType;
+  desc.Length = length;
+  desc.Units1 = length;
+  return desc;
+}
+
+CTIdxDesc Index(const std::string& name, std::vector<int32_t> fields, bool unique) {
+  CTIdxDesc desc;
+  desc.Name = name;
+  desc.Unique = unique ? kWordTrue : kWordFalse;
+  desc.Maintained = kWordTrue;
+  desc.FieldsInKey = static_cast<int16_t>(fields.size());
+  for (size_t i = 0; i < fields.size(); ++i) desc.KeyFields[i] = fields[i];
+  return desc;
+}
+
+class DefinitionTest : public TableTest {
+ protected:
+  void SetUp() override { Activate(); }
+
+  // id INT32, grp INT32, name fixed string of 12: records of 20 bytes, as TableTest's.
+  static CTTblDesc People() {
+    CTTblDesc desc;
+    desc.Name = "people";
+    desc.TableType = "CTree";
+    desc.Fields = {Field("id", fldINT32, 0, 4), Field("grp", fldINT32, 0, 4),
+                   Field("name", fldZSTRING, fldstFSTRING, 12)};
+    CTIdxDesc byGroup = Index("ByGroup", {2, 3}, false);
+    byGroup.CaseInsensitive = kWordTrue;
+    byGroup.Descending = kWordTrue;
+    desc.Indexes = {Index("", {1}, true), byGroup};
+    return desc;
+  }
+  // Every file in the test directory but the engine's lock files.
+  std::vector<std::string> Files() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(Dir.Path())) {
+      const std::string name = entry.path().filename().string();
+      if (!name.ends_with("-lock")) names.push_back(name);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+  void OpenPeople(int32_t flags = SHARED) {
+    ASSERT_EQ(Conn->OpenCursor(Cursor, "people", Dir.Path(), flags), 0);
+  }
+  void AddRow(int32_t id, int32_t grp, const std::string& name) {
+    std::vector<uint8_t> rec = Record(id, grp, name);
+    rec.resize(static_cast<size_t>(Cursor->FixedRecLength), 0);
+    ASSERT_EQ(CTDbIntf::AddRecord(Conn->Alignment(), Cursor->DataFileNo, rec.data()), 0);
+  }
+};
+
+TEST_F(DefinitionTest, CreatedTableCarriesTheDefinitionRecordsAsBuilt) {
+  CTTblDesc desc = People();
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  EXPECT_EQ(Files(), (std::vector<std::string>{"people", "people.idx"}));
+  OpenPeople();
+  const IfilDefinition& ifil = Cursor->Ifil;
+  EXPECT_EQ(ifil.dreclen, 30);  // 20 bytes of fields and 10 more
+  EXPECT_EQ(ifil.ixtdsiz, 30);
+  EXPECT_EQ(ifil.dfilmod, SHARED);
+  EXPECT_EQ(ifil.ifilmod, SHARED);
+  ASSERT_EQ(ifil.ix.size(), 2u);
+  EXPECT_EQ(ifil.ix[0].ridxnam, std::optional<std::string>("Primary"));
+  EXPECT_EQ(ifil.ix[0].ikeylen, 4);
+  EXPECT_EQ(ifil.ix[0].ikeydup, 0);
+  EXPECT_EQ(ifil.ix[0].inulkey, 1);
+  ASSERT_EQ(ifil.ix[0].seg.size(), 1u);
+  EXPECT_EQ(ifil.ix[0].seg[0].soffset, 0);
+  EXPECT_EQ(ifil.ix[0].seg[0].segmode, VSCHSEG);
+  EXPECT_EQ(ifil.ix[1].ikeylen, 4 + 12 + 4);
+  EXPECT_EQ(ifil.ix[1].ikeydup, 1);
+  ASSERT_EQ(ifil.ix[1].seg.size(), 2u);
+  EXPECT_EQ(ifil.ix[1].seg[1].soffset, 2);
+  EXPECT_EQ(ifil.ix[1].seg[1].slength, 12);
+  EXPECT_EQ(ifil.ix[1].seg[1].segmode, UVSCHSEG | DSCSEG);
+  ASSERT_EQ(Cursor->FieldCount(), 3);
+  EXPECT_EQ(Cursor->FieldDescByIndex(0)->FieldType, CT_INT4);
+  EXPECT_EQ(Cursor->FieldDescByIndex(2)->FieldType, CT_FSTRING);
+  EXPECT_EQ(Cursor->FieldDescByIndex(2)->Length, 12);
+
+  // The descending, upper-casing index orders by group, then name, both backwards.
+  AddRow(1, 10, "anne");
+  AddRow(2, 20, "Bob");
+  AddRow(3, 20, "carl");
+  UseIndex("ByGroup");
+  EXPECT_EQ(Walk(true), (std::vector<int32_t>{3, 2, 1}));
+}
+
+TEST_F(DefinitionTest, VariableFieldsAndTableFlagsSetTheFileMode) {
+  CTTblDesc desc = People();
+  desc.Fields.push_back(Field("notes", fldBLOB, fldst4STRING, 30000));
+  desc.TableFlags = 0x10 | 0x400;  // bit 0x10 brings the whole 0x30 group with it
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  OpenPeople();
+  EXPECT_EQ(Cursor->Ifil.dfilmod, SHARED | VLENGTH | 0x30 | 0x400);
+  EXPECT_TRUE(Cursor->HasBlobs);
+  EXPECT_EQ(Cursor->FieldDescByIndex(3)->FieldType, CT_4STRING);
+}
+
+TEST_F(DefinitionTest, NullKeysDecidesWhetherBlankKeysAreStored) {
+  for (const bool nullKeys : {false, true}) {
+    SCOPED_TRACE(nullKeys);
+    Conn->SetNullKeys(nullKeys);
+    CTTblDesc desc = People();
+    desc.Indexes = {Index("ByName", {3}, false)};
+    ASSERT_EQ(Conn->CreateTable(Dir.Path(), true, desc), 0);
+    OpenPeople();
+    AddRow(1, 1, "");
+    AddRow(2, 1, "x");
+    EXPECT_EQ(CTDbIntf::NbrOfKeyEntries(Conn->Alignment(), static_cast<int16_t>(Cursor->DataFileNo + 1)),
+              nullKeys ? 2 : 1);
+    ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  }
+}
+
+TEST_F(DefinitionTest, OverwriteReplacesATableAndOnlyThen) {
+  CTTblDesc desc = People();
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  OpenPeople();
+  AddRow(1, 1, "kept");
+  ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), DCRAT_ERR);
+  OpenPeople();
+  int32_t count = 0;
+  ASSERT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
+  EXPECT_EQ(count, 1);
+  // An open table cannot be deleted, so it cannot be overwritten either.
+  EXPECT_NE(Conn->CreateTable(Dir.Path(), true, desc), 0);
+  ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), true, desc), 0);
+  OpenPeople();
+  ASSERT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
+  EXPECT_EQ(count, 0);
+}
+
+TEST_F(DefinitionTest, FailedCreatesLeaveNoFiles) {
+  CTTblDesc desc = People();
+  desc.Indexes[1].ExpressionIndex = kWordTrue;
+  desc.Indexes[1].Expression = "grp >";  // malformed: the condition cannot be applied
+  EXPECT_NE(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  EXPECT_TRUE(Files().empty());
+  desc = People();
+  desc.Indexes[0].KeyFields[0] = 4;
+  EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), kCtInvalidIndexDesc);
+  desc = People();
+  desc.Fields.push_back(Field("odd", fldBLOB, 0, 10));
+  EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), CT_EBADDEF);
+  desc.Fields.clear();
+  EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), kCtNoFields);
+  EXPECT_TRUE(Files().empty());
+  Conn->SetActive(false);
+  desc = People();
+  EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), kCtNotActive);
+}
+
+TEST_F(DefinitionTest, RenamedTableOpensUnderItsNewName) {
+  CTTblDesc desc = People();
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  OpenPeople(EXCLUSIVE);
+  AddRow(7, 1, "moved");
+  ASSERT_EQ(Conn->RenameTable(Cursor.get(), "renamed"), 0);
+  ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  EXPECT_EQ(Files(), (std::vector<std::string>{"renamed", "renamed.idx"}));
+  ASSERT_EQ(Conn->OpenCursor(Cursor, "renamed", Dir.Path(), SHARED), 0);
+  UseIndex("Primary");
+  EXPECT_EQ(Walk(true), std::vector<int32_t>{7});
+  EXPECT_EQ(Conn->RenameTable(nullptr, "x"), kCtInvalidCursor);
+  // A shared table cannot be renamed; nothing moves.
+  EXPECT_NE(Conn->RenameTable(Cursor.get(), "again"), 0);
+  EXPECT_EQ(Files(), (std::vector<std::string>{"renamed", "renamed.idx"}));
+}
+
+TEST_F(DefinitionTest, DeleteTableAndCreateFile) {
+  CTTblDesc desc = People();
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  ASSERT_EQ(Conn->DeleteTable(Dir.Path(), "people"), 0);
+  EXPECT_TRUE(Files().empty());
+  EXPECT_EQ(Conn->DeleteTable(Dir.Path(), "people"), FNOP_ERR);
+  ASSERT_EQ(Conn->CreateFile(Dir.File("plain.dat"), 16, EXCLUSIVE), 0);
+  EXPECT_EQ(Files(), std::vector<std::string>{"plain.dat"});
+  EXPECT_EQ(Conn->CreateFile(Dir.File("plain.dat"), 16, EXCLUSIVE), DCRAT_ERR);
+  EXPECT_EQ(Conn->CreateFile(Dir.File("bad.dat"), 0, EXCLUSIVE), CT_EBADARG);
+}
+
+// Indexes added to an open table need the engine's incremental index calls.
+TEST_F(DefinitionTest, AddedIndexIsFilledAndWalked) {
+  CTTblDesc desc = People();
+  desc.Indexes = {Index("", {1}, true)};
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  OpenPeople(EXCLUSIVE);
+  AddRow(1, 30, "c");
+  AddRow(2, 10, "a");
+  AddRow(3, 20, "b");
+  ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
+  CTIdxDesc byName = Index("ByName", {3}, true);
+  const int32_t added = Conn->AddIndex(Cursor.get(), &byName);
+  if (added == NSUP_ERR) GTEST_SKIP() << "the engine has no incremental indexes yet";
+  ASSERT_EQ(added, 0);
+  EXPECT_EQ(Cursor->IndexCount, 2);
+  UseIndex("ByName");
+  EXPECT_EQ(Walk(true), (std::vector<int32_t>{2, 3, 1}));
+  CTIdxDesc victim = byName;
+  ASSERT_EQ(Conn->DeleteIndex(Cursor.get(), &victim), 0);
+  EXPECT_EQ(Cursor->IndexCount, 1);
+  CTIdxDesc unknown = Index("nothere", {1}, true);
+  unknown.IndexId = -1;
+  EXPECT_EQ(Conn->DeleteIndex(Cursor.get(), &unknown), kCtInvalidIndexDesc);
+}
+
+TEST_F(DefinitionTest, IndexCallsCheckTheirArguments) {
+  CTTblDesc desc = People();
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  OpenPeople();
+  EXPECT_EQ(Conn->AddIndex(Cursor.get(), nullptr), kCtInvalidIndexDesc);
+  EXPECT_EQ(Conn->OpenIndex(Cursor.get(), "x.idx", nullptr), kCtInvalidIndexDesc);
+  EXPECT_EQ(Conn->DeleteIndex(Cursor.get(), nullptr), kCtInvalidIndexDesc);
+  EXPECT_EQ(Conn->RebuildIndex(Cursor.get(), nullptr), kCtInvalidIndexDesc);
+  CTIdxDesc noFields = Index("none", {}, true);
+  EXPECT_EQ(Conn->AddIndex(Cursor.get(), &noFields), kCtInvalidIndexDesc);
+  CTIdxDesc any = Index("x", {1}, true);
+  EXPECT_EQ(Conn->AddIndex(nullptr, &any), kCtInvalidCursor);
+  EXPECT_EQ(Conn->AddIndexKey(Cursor.get(), nullptr, nullptr), kCtInvalidIndexDesc);
+  ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  Conn->SetActive(false);
+  EXPECT_EQ(Conn->AddIndex(nullptr, &any), kCtNotActive);
+  EXPECT_EQ(Conn->RenameTable(nullptr, "x"), kCtNotActive);
+}
+
+}  // namespace
+}  // namespace Ctdb::testing

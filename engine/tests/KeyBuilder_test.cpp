@@ -1,0 +1,102 @@
+// KeyBuilder_test: byte order of built keys equals value order for each field type and mode.
+#include "KeyBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "Fail.h"
+#include "ctisam.h"
+
+namespace {
+
+using cte::FieldDef;
+using cte::IndexDef;
+using cte::KeyLayout;
+
+IndexDef OneSegment(int offset, int length, int mode, int dup = 0) {
+  IndexDef ix;
+  ix.keylen = static_cast<int16_t>(length + (dup ? 4 : 0));
+  ix.dup = static_cast<int16_t>(dup);
+  ix.segs.push_back({static_cast<int16_t>(offset), static_cast<int16_t>(length), static_cast<int16_t>(mode)});
+  return ix;
+}
+
+template <typename T>
+std::string KeyOf(const KeyLayout& k, T value) {
+  uint8_t rec[16] = {};
+  std::memcpy(rec, &value, sizeof value);
+  uint8_t out[32];
+  k.Build(rec, sizeof rec, 0, out);
+  return std::string(reinterpret_cast<char*>(out), k.KeyLen());
+}
+
+template <typename T>
+void ExpectOrdered(const KeyLayout& k, std::initializer_list<T> ascending) {
+  std::string prev;
+  bool first = true;
+  for (T v : ascending) {
+    std::string key = KeyOf(k, v);
+    if (!first) {
+      EXPECT_LT(prev, key) << +v;
+    }
+    prev = key;
+    first = false;
+  }
+}
+
+TEST(KeyBuilder, SignedUnsignedAndFloatSegmentsSortByValue) {
+  std::vector<FieldDef> none;
+  ExpectOrdered<int16_t>(KeyLayout::Compile(OneSegment(0, 2, SGNSEG), none), {-32768, -2, -1, 0, 1, 300, 32767});
+  ExpectOrdered<uint32_t>(KeyLayout::Compile(OneSegment(0, 4, INTSEG), none), {0u, 1u, 256u, 65536u, 0xFFFFFFFFu});
+  ExpectOrdered<float>(KeyLayout::Compile(OneSegment(0, 4, FLTSEG), none), {-1e30f, -2.5f, -0.0f, 1e-30f, 3.0f, 1e30f});
+  ExpectOrdered<double>(KeyLayout::Compile(OneSegment(0, 8, FLTSEG | DSCSEG), none), {1e300, 2.0, 0.5, -0.5, -1e300});
+}
+
+TEST(KeyBuilder, SchemaSegmentsFollowFieldTypesAndVariableOffsets) {
+  std::vector<FieldDef> fields = {{"d", CT_DATE, 4}, {"s", CT_STRING, 0}, {"p", CT_2STRING, 0}, {"t", CT_TIMES, 8}};
+  ExpectOrdered<int32_t>(KeyLayout::Compile(OneSegment(0, 4, SCHSEG), fields), {-5, 0, 109514});
+  // Record: date, "hi\0", 2-byte prefixed "abc", timestamp (day -1, ms 5).
+  uint8_t rec[32] = {};
+  std::memcpy(rec + 4, "hi", 3);
+  rec[7] = 3;
+  std::memcpy(rec + 9, "abc", 3);
+  int32_t day = -1, ms = 5;
+  std::memcpy(rec + 12, &day, 4);
+  std::memcpy(rec + 16, &ms, 4);
+  uint8_t out[16];
+  IndexDef text = OneSegment(2, 5, USCHSEG);
+  text.empchr = '.';
+  KeyLayout::Compile(text, fields).Build(rec, 20, 0, out);
+  EXPECT_EQ(std::string(reinterpret_cast<char*>(out), 5), "ABC..");
+  KeyLayout::Compile(OneSegment(1, 4, SCHSEG), fields).Build(rec, 20, 0, out);
+  EXPECT_EQ(std::string(reinterpret_cast<char*>(out), 4), std::string("hi\0\0", 4));
+  KeyLayout::Compile(OneSegment(3, 8, SCHSEG), fields).Build(rec, 20, 0, out);
+  EXPECT_EQ(out[0], 0x7F);
+  EXPECT_EQ(out[7], 5);
+}
+
+TEST(KeyBuilder, NullKeysAndDuplicateSuffix) {
+  std::vector<FieldDef> none;
+  IndexDef ix = OneSegment(0, 4, REGSEG, 1);
+  ix.nulkey = 1;
+  ix.empchr = ' ';
+  KeyLayout k = KeyLayout::Compile(ix, none);
+  uint8_t blank[4] = {' ', ' ', ' ', ' '}, word[4] = {'a', ' ', ' ', ' '}, out[8];
+  EXPECT_TRUE(k.Build(blank, 4, 0x01020304, out));
+  EXPECT_FALSE(k.Build(word, 4, 0x01020304, out));
+  EXPECT_EQ(out[4], 1);
+  EXPECT_EQ(out[7], 4);
+  EXPECT_FALSE(k.Build(word, 2, 7, out));  // a short record is padded
+  EXPECT_EQ(out[2], ' ');
+}
+
+TEST(KeyBuilder, FieldNumberBeyondTheSchemaIsRefused) {
+  std::vector<FieldDef> fields = {{"a", CT_INT4, 4}};
+  EXPECT_THROW(KeyLayout::Compile(OneSegment(3, 4, SCHSEG), fields), cte::Fail);
+  std::vector<FieldDef> none;
+  EXPECT_THROW(KeyLayout::Compile(OneSegment(0, 4, SCHSEG), none), cte::Fail);
+}
+
+}  // namespace
