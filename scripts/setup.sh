@@ -2,7 +2,7 @@
 # Installs the Debian packages the build needs, if any is missing. Safe to run again.
 set -euo pipefail
 
-packages=(g++ cmake make pkg-config liblmdb-dev libgtest-dev libgmock-dev libbenchmark-dev)
+packages=(g++ cmake make pkg-config liblmdb-dev libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -145,7 +145,8 @@ class TCTConnection : public fw::TComponent {
   // ---- table files (TCTConnection.tables.cpp)
   /// Opens the data file `name` (exactly as named) and the indexes its IFIL names, in c-tree
   /// mode `mode`, as consecutive free file numbers; `fileNo` receives the data file's number.
-  /// Returns c-tree's result (12 missing, 408 without IFIL, 455 wrong password, ...).
+  /// Returns c-tree's result (12 missing, 408 without IFIL, 455 wrong password, ...), or 1136
+  /// when the files were made by a library of another alignment.
   int32_t OpenTableFiles(const std::string& name, int16_t mode, int16_t& fileNo);
   /// Deletes a table's data and index files (`BuildFullPath(dir, name)`, opened exclusively with
   /// their resources); returns c-tree's result (12 when the table is not there).

@@ -25,7 +25,8 @@ int32_t TCTConnection::OpenTableFiles(const std::string& name, int16_t mode, int
     if (result == 0) fileNo = candidate;
     if (result != FUSE_ERR) break;
   }
-  return result;
+  // A file made by a library of another packing cannot be read through this one.
+  return result == CT_EALIGN ? kCtAlignmentMismatch : result;
 }
 
 int32_t TCTConnection::DeleteTable(const std::string& dir, const std::string& name) {

@@ -38,6 +38,9 @@ DriverTest::DriverTest() : Conn(new TCTConnection(nullptr)) {}
 
 DriverTest::~DriverTest() {
   if (Conn) Conn->SetActive(false);
+  // The binding keeps one entry-point table for all variants: leave no variant marked loaded,
+  // so that the next test binds its own variant afresh.
+  for (size_t a = 0; a < CTDbIntf::kVariantCount; ++a) CTDbIntf::UnLoadCTreeDLL(static_cast<CTDbIntf::TLoadAlignment>(a));
 }
 
 void DriverTest::Activate() {

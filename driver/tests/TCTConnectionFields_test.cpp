@@ -301,12 +301,5 @@ TEST(FieldConversionTest, DayNumbersMatchTheFrameworkCalendarFromMarch1900) {
   EXPECT_EQ(CTDateToDateTime(last + 1), 0.0);
 }
 
-TEST(FieldConversionTest, BlankBuffers) {
-  EXPECT_TRUE(IsBlankBuffer("abc", 0, 'x'));
-  EXPECT_TRUE(IsBlankBuffer("abc", -4, 'x'));
-  EXPECT_TRUE(IsBlankBuffer("xxx", 3, 'x'));
-  EXPECT_FALSE(IsBlankBuffer("xxy", 3, 'x'));
-}
-
 }  // namespace
 }  // namespace Ctdb::testing

@@ -376,6 +376,16 @@ TEST_F(SchemaTest, CheckFileExistsAsksCTreeAndLeavesNothingBehind) {
   EXPECT_TRUE(Conn->CheckFileExists(Dir.File("no/such/dir/x.dat"))) << "any failure to create counts as existing";
 }
 
+TEST_F(SchemaTest, TablesOfAnotherAlignmentAreRefusedWith1136) {
+  const std::string path = MakeTable("bytes", {{"a", CT_INT4, 4}}, {});
+  Conn->SetActive(false);
+  Conn->SetLoadAlignment(CTDbIntf::laDWord);
+  Activate();
+  int16_t fileNo = -1;
+  EXPECT_EQ(Conn->OpenTableFiles(path, SHARED, fileNo), kCtAlignmentMismatch);
+  EXPECT_EQ(fileNo, -1);
+}
+
 // The definition records reach each engine variant in its own packing.
 class AlignmentSchemaTest : public DriverTest, public ::testing::WithParamInterface<CTDbIntf::TLoadAlignment> {};
 

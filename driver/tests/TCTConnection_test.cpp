@@ -157,6 +157,13 @@ TEST_F(ConnectionTest, DeactivationClosesTheOpenDatasetsLastOpenedFirst) {
   EXPECT_EQ(Conn->DataSetCount(), 0);
   EXPECT_FALSE(first.Active());
   EXPECT_FALSE(second.Active());
+
+  // Going away, the connection closes what is still open on it.
+  Activate();
+  first.Open();
+  Conn.reset();
+  EXPECT_FALSE(first.Active());
+  EXPECT_EQ(closed.back(), "first");
 }
 
 TEST_F(ConnectionTest, ASecondConnectionSharesTheOpenSession) {

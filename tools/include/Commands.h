@@ -1,0 +1,76 @@
+// The tool's subcommands, each a function over the table seam (tools layer).
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "ExitCode.h"
+#include "TableBackend.h"
+
+namespace ctt {
+
+/// Where a command writes: `Out` for its results, `Err` for progress, rejected rows and
+/// warnings. `ErrIsTerminal` decides whether a progress bar is drawn on `Err`.
+struct Console {
+  std::ostream& Out;
+  std::ostream& Err;
+  bool ErrIsTerminal = false;
+};
+
+struct CreateOptions {
+  std::vector<FieldSpec> Fields;
+  std::vector<IndexSpec> Indexes;
+};
+
+struct ImportOptions {
+  std::string File;                  ///< "-" reads standard input
+  char Separator = ',';
+  std::vector<FieldSpec> Fields;     ///< when not empty, the table is created (replaced) first
+  std::vector<IndexSpec> Indexes;    ///< indexes of the table created
+  std::uint64_t BatchSize = 10000;   ///< rows per transaction; 0: one transaction for all rows
+  std::uint64_t SkipRows = 0;        ///< data rows to pass over first (resuming an import)
+  bool StopOnError = false;          ///< the first rejected row rolls back its batch and stops
+};
+
+/// The part of an index an `export` or `list` reads.
+struct ReadOptions {
+  std::string Index;                 ///< empty: the table's first index
+  KeyValues From, To;                ///< range ends; empty: open
+  std::vector<std::string> Columns;  ///< fields to show, in this order; empty: all
+};
+
+struct ExportOptions {
+  ReadOptions Read;
+  std::string File;                  ///< "-" writes standard output
+  char Separator = ',';
+};
+
+struct ListOptions {
+  ReadOptions Read;
+  KeyValues Find;                    ///< when not empty, start at the nearest key
+  std::uint64_t Limit = 50;          ///< rows shown at most; 0: all
+  std::size_t MaxWidth = 40;         ///< widest column shown, in characters
+};
+
+/// Each command returns the exit code of its outcome and raises for failures that end it (the
+/// caller turns them into a message and an exit code with DescribeException). Contracts:
+/// - create: checks the definitions (at least one field, index fields exist), then creates.
+/// - drop: deletes the table's files.
+/// - add-index / drop-index: open the table exclusively; drop-index of an index the table does
+///   not have raises ToolError(kExitNotFound).
+/// - import: see ImportOptions; returns kExitRejected when any row was rejected.
+/// - export: writes the CSV to a temporary file beside `File` and renames it when complete, so
+///   the file appears whole or not at all.
+/// - list, info: print aligned tables on Out.
+ExitCode RunCreate(TableBackend& backend, const TableRef& table, const CreateOptions& options, Console& console);
+ExitCode RunDrop(TableBackend& backend, const TableRef& table, Console& console);
+ExitCode RunAddIndex(TableBackend& backend, const TableRef& table, const IndexSpec& index, Console& console);
+ExitCode RunDropIndex(TableBackend& backend, const TableRef& table, const std::string& index, Console& console);
+ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOptions& options, Console& console);
+ExitCode RunExport(TableBackend& backend, const TableRef& table, const ExportOptions& options, Console& console);
+ExitCode RunList(TableBackend& backend, const TableRef& table, const ListOptions& options, Console& console);
+ExitCode RunInfo(TableBackend& backend, const TableRef& table, Console& console);
+
+}  // namespace ctt

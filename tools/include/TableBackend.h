@@ -1,0 +1,102 @@
+// The seam between the tool's commands and the table layer that does their storage work.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ConnectionOptions.h"
+#include "FieldSpec.h"
+#include "IndexSpec.h"
+
+namespace ctt {
+
+/// Which table a command works on: `Name` in directory `Directory` (empty: the current one),
+/// or, when `SuperFile` is not empty, member `Name` of that superfile (in `Directory`).
+struct TableRef {
+  std::string Directory;
+  std::string Name;
+  std::string SuperFile;
+
+  /// "dir/name" or "dir/host!name", for messages.
+  std::string Display() const;
+};
+
+/// What `info` shows of an open table.
+struct TableInfo {
+  std::vector<FieldSpec> Fields;
+  std::vector<IndexSpec> Indexes;
+  std::int64_t RecordCount = 0;
+  std::vector<std::string> Files;  ///< data file first, then the index file(s)
+};
+
+/// Values for the leading fields of an index key, as text (the way a field's text setter takes
+/// them). Fewer values than the index has fields give a partial key.
+using KeyValues = std::vector<std::string>;
+
+/// One open table. Every failure raises: storage errors as CTDbIntf::ECtreeException (through the
+/// package's CtError, so with the number and its message), bad values as the framework's
+/// exceptions. A failed call leaves the table open and its records as they were.
+class TableCursor {
+ public:
+  virtual ~TableCursor() = default;
+
+  /// The table's fields, indexes, record count and files.
+  virtual TableInfo Info() = 0;
+  /// Makes `name` the index records are read in (empty: the table's first index). Clears any
+  /// range. Raises for a name the table does not have.
+  virtual void UseIndex(const std::string& name) = 0;
+  /// Restricts reading to keys from `from` to `to`, both ends included; an empty KeyValues leaves
+  /// that end open. Positions before the first record of the range.
+  virtual void SetRange(const KeyValues& from, const KeyValues& to) = 0;
+  /// Positions before the first record (of the range, when one is set).
+  virtual void First() = 0;
+  /// Positions so that the next Read returns the first record whose key is equal to or after
+  /// `key` (the nearest key). Returns false when there is no such record.
+  virtual bool FindNearest(const KeyValues& key) = 0;
+  /// Reads the record at the position as one text per field (blank fields as empty texts) and
+  /// moves on. Returns false at the end (of the range).
+  virtual bool Read(std::vector<std::string>& values) = 0;
+
+  /// Adds a record: `values[i]` is the text for field i, nullopt leaves it blank. Raises when the
+  /// record is rejected (a duplicate key, a value that does not convert); nothing is added then.
+  virtual void Append(const std::vector<std::optional<std::string>>& values) = 0;
+
+  /// Batches of appends: work between StartTransaction and Commit becomes durable together,
+  /// Rollback undoes all of it.
+  virtual void StartTransaction() = 0;
+  virtual void Commit() = 0;
+  virtual void Rollback() = 0;
+
+  /// Adds an index to the table and builds its keys from the records present.
+  virtual void AddIndex(const IndexSpec& index) = 0;
+  /// Deletes the index `name`. Raises for a name the table does not have.
+  virtual void DeleteIndex(const std::string& name) = 0;
+};
+
+/// How a table is opened.
+enum class OpenMode { ReadOnly, ReadWrite, Exclusive };
+
+/// Creates, deletes and opens tables with the settings it was made with.
+class TableBackend {
+ public:
+  virtual ~TableBackend() = default;
+
+  /// Creates the table's files with these fields and indexes; an existing table of that name is
+  /// replaced.
+  virtual void CreateTable(const TableRef& table, const std::vector<FieldSpec>& fields,
+                           const std::vector<IndexSpec>& indexes) = 0;
+  /// Deletes the table's files. Raises (number 12) when the table does not exist.
+  virtual void DeleteTable(const TableRef& table) = 0;
+  /// Opens the table. Raises (number 12) when it does not exist.
+  virtual std::unique_ptr<TableCursor> Open(const TableRef& table, OpenMode mode) = 0;
+};
+
+/// The backend of this build, configured with `options`. Raises ToolError with kExitUnavailable
+/// when this build has no table layer to work through, UsageError for a form file without a
+/// connection component.
+std::unique_ptr<TableBackend> MakeTableBackend(const ConnectionOptions& options);
+
+}  // namespace ctt

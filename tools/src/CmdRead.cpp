@@ -1,0 +1,146 @@
+// The tool's reading subcommands: export (CSV) and list (aligned table) (tools layer).
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+
+#include "Commands.h"
+#include "CsvWriter.h"
+#include "StringUtils.h"
+#include "TablePrinter.h"
+#include "ToolError.h"
+
+namespace ctt {
+
+namespace {
+
+// The positions of the requested columns among the table's fields (all fields when none).
+std::vector<std::size_t> ResolveColumns(const std::vector<std::string>& columns, const TableInfo& info) {
+  std::vector<std::size_t> positions;
+  if (columns.empty()) {
+    for (std::size_t i = 0; i < info.Fields.size(); ++i) positions.push_back(i);
+    return positions;
+  }
+  for (const std::string& name : columns) {
+    std::size_t i = 0;
+    while (i < info.Fields.size() && !fw::SameText(info.Fields[i].Name, name)) ++i;
+    if (i == info.Fields.size()) {
+      std::string known;
+      for (const FieldSpec& f : info.Fields) known += (known.empty() ? "" : ", ") + f.Name;
+      throw UsageError("'" + name + "' is not a field of the table (fields: " + known + ")");
+    }
+    positions.push_back(i);
+  }
+  return positions;
+}
+
+// Opens the table on the chosen index and range, positioned before the first record to read.
+std::unique_ptr<TableCursor> OpenForReading(TableBackend& backend, const TableRef& table, const ReadOptions& read,
+                                            TableInfo& info) {
+  std::unique_ptr<TableCursor> cursor = backend.Open(table, OpenMode::ReadOnly);
+  info = cursor->Info();
+  if (!read.Index.empty()) {
+    bool known = false;
+    for (const IndexSpec& index : info.Indexes) known = known || fw::SameText(index.Name, read.Index);
+    if (!known) throw ToolError(kExitNotFound, "table " + table.Display() + " has no index '" + read.Index + "'");
+  }
+  cursor->UseIndex(read.Index);
+  if (!read.From.empty() || !read.To.empty()) cursor->SetRange(read.From, read.To);
+  cursor->First();
+  return cursor;
+}
+
+std::vector<std::string> Pick(const std::vector<std::string>& values, const std::vector<std::size_t>& positions) {
+  std::vector<std::string> row;
+  row.reserve(positions.size());
+  for (std::size_t p : positions) row.push_back(p < values.size() ? values[p] : std::string());
+  return row;
+}
+
+bool IsNumeric(fw::TFieldType type) {
+  switch (type) {
+    case fw::ftSmallint: case fw::ftInteger: case fw::ftWord: case fw::ftFloat:
+    case fw::ftCurrency: case fw::ftBCD: case fw::ftAutoInc: case fw::ftLargeint:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+ExitCode RunExport(TableBackend& backend, const TableRef& table, const ExportOptions& options, Console& console) {
+  TableInfo info;
+  std::unique_ptr<TableCursor> cursor = OpenForReading(backend, table, options.Read, info);
+  const std::vector<std::size_t> positions = ResolveColumns(options.Read.Columns, info);
+
+  const bool toStdout = options.File.empty() || options.File == "-";
+  const std::string temporary = options.File + ".partial";
+  std::ofstream file;
+  if (!toStdout) {
+    file.open(temporary, std::ios::binary | std::ios::trunc);
+    if (!file) throw ToolError(kExitFile, "cannot write " + temporary + ": " + std::strerror(errno));
+  }
+  std::ostream& out = toStdout ? console.Out : file;
+  std::uint64_t rows = 0;
+  try {
+    CsvWriter writer(out, options.Separator);
+    std::vector<std::string> header;
+    for (std::size_t p : positions) header.push_back(info.Fields[p].Name);
+    writer.WriteRow(header);
+    std::vector<std::string> values;
+    while (cursor->Read(values)) {
+      writer.WriteRow(Pick(values, positions));
+      ++rows;
+    }
+    out.flush();
+    if (!out) throw ToolError(kExitFile, "cannot write " + (toStdout ? std::string("standard output") : temporary));
+    if (!toStdout) {
+      file.close();
+      if (!file || std::rename(temporary.c_str(), options.File.c_str()) != 0)
+        throw ToolError(kExitFile, "cannot write " + options.File + ": " + std::strerror(errno));
+    }
+  } catch (...) {
+    if (!toStdout) {
+      file.close();
+      std::remove(temporary.c_str());
+    }
+    throw;
+  }
+  if (!toStdout) console.Err << "exported " << rows << (rows == 1 ? " row" : " rows") << " to " << options.File << '\n';
+  return kExitOk;
+}
+
+ExitCode RunList(TableBackend& backend, const TableRef& table, const ListOptions& options, Console& console) {
+  TableInfo info;
+  std::unique_ptr<TableCursor> cursor = OpenForReading(backend, table, options.Read, info);
+  const std::vector<std::size_t> positions = ResolveColumns(options.Read.Columns, info);
+
+  std::vector<std::string> headers;
+  std::vector<TablePrinter::Align> aligns;
+  for (std::size_t p : positions) {
+    headers.push_back(info.Fields[p].Name);
+    aligns.push_back(IsNumeric(info.Fields[p].DataType) ? TablePrinter::Right : TablePrinter::Left);
+  }
+  TablePrinter printer(headers, aligns, options.MaxWidth);
+  bool more = false;
+  if (options.Find.empty() || cursor->FindNearest(options.Find)) {
+    std::vector<std::string> values;
+    while (cursor->Read(values)) {
+      if (options.Limit > 0 && printer.RowCount() == options.Limit) {
+        more = true;
+        break;
+      }
+      printer.AddRow(Pick(values, positions));
+    }
+  }
+  printer.Print(console.Out);
+  if (more)
+    console.Out << "(more records follow; --limit " << options.Limit << " stopped the listing, --limit 0 shows all)\n";
+  else
+    console.Out << "(" << printer.RowCount() << (printer.RowCount() == 1 ? " record" : " records") << ")\n";
+  return kExitOk;
+}
+
+}  // namespace ctt

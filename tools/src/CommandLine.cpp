@@ -1,0 +1,221 @@
+// CommandLine: the tool's command line on CLI11, dispatched to the subcommands (tools layer).
+#include "CommandLine.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <limits>
+#include <sstream>
+
+#include "CsvReader.h"
+#include "ToolError.h"
+
+namespace ctt {
+
+namespace {
+
+constexpr const char* kDescription =
+    "ctt: creates c-tree tables, loads CSV into them, lists, exports and describes them.\n"
+    "Exit codes: 0 success, 1 internal error, 2 usage error, 3 file or CSV error, 4 storage error,\n"
+    "5 table or index not found, 6 import rows rejected, 7 not available in this build.";
+
+// Everything the command line sets; the parsers of definitions and keys run after CLI11.
+struct Parsed {
+  TableRef Table;
+  ConnectionOptions Connection;
+  std::string Alignment;
+  int MaxBuffers = 0, MaxFiles = 0, MaxSectors = 0, MaxIndexKey = 0;
+  bool NullKeys = false;
+  std::string UserName, Password, ServerName, DataDir, TempDir, DataExt, IndexExt, SuperFileExt;
+  std::vector<std::string> FieldTexts, IndexTexts, Columns;
+  std::string IndexText, IndexName, From, To, Find, File, Separator = ",";
+  ImportOptions Import;
+  ListOptions List;
+};
+
+KeyValues ParseKey(const std::string& text, const char* option) {
+  if (text.empty()) return {};
+  std::istringstream in(text);
+  CsvReader reader(in);
+  KeyValues values;
+  try {
+    reader.Next(values);
+  } catch (const CsvError& e) {
+    throw UsageError(std::string(option) + " '" + text + "': " + e.what());
+  }
+  return values;
+}
+
+char ParseSeparator(const std::string& text) {
+  if (text == "\\t" || text == "tab") return '\t';
+  if (text.size() != 1 || text[0] == '"' || text[0] == '\r' || text[0] == '\n')
+    throw UsageError("--separator takes one character other than a quote or a line end ('\\t' for a tab)");
+  return text[0];
+}
+
+void AddConnectionOptions(CLI::App& app, Parsed& p) {
+  const char* group = "Connection (override the form file)";
+  app.add_option("--dir,-d", p.Table.Directory, "Directory of the table's files")->group(group);
+  app.add_option("--superfile", p.Table.SuperFile, "The table is a member of this superfile")->group(group);
+  app.add_option("--form", p.Connection.FormFile, "Read the connection settings from this text form file")->group(group);
+  app.add_option("--form-component", p.Connection.FormComponent, "Name of the connection in the form file")->group(group);
+  app.add_option("--alignment", p.Alignment, "Library variant: byte, word, dword, bytemon, bytered, bytecli")->group(group);
+  app.add_option("--server", p.ServerName, "Server name (empty: the embedded engine)")->group(group);
+  app.add_option("--user", p.UserName, "User name")->group(group);
+  app.add_option("--password", p.Password, "Password")->group(group);
+  app.add_option("--data-dir", p.DataDir, "The connection's DataDir")->group(group);
+  app.add_option("--temp-dir", p.TempDir, "The connection's TempDir")->group(group);
+  app.add_option("--data-ext", p.DataExt, "Extension of data files")->group(group);
+  app.add_option("--index-ext", p.IndexExt, "Extension of index files")->group(group);
+  app.add_option("--superfile-ext", p.SuperFileExt, "Extension of superfiles")->group(group);
+  app.add_option("--max-files", p.MaxFiles, "Files open at most")->check(CLI::Range(1, 32767))->group(group);
+  app.add_option("--max-buffers", p.MaxBuffers, "Index and data buffers")->check(CLI::Range(1, 32767))->group(group);
+  app.add_option("--max-sectors", p.MaxSectors, "Node sectors")->check(CLI::Range(1, 32767))->group(group);
+  app.add_option("--max-index-key", p.MaxIndexKey, "Longest key")->check(CLI::Range(1, 65535))->group(group);
+  app.add_flag("--null-keys", p.NullKeys, "Leave blank keys out of the indexes")->group(group);
+}
+
+// Copies the connection settings given on the command line into the options.
+void CollectConnection(CLI::App& app, Parsed& p) {
+  ConnectionOptions& c = p.Connection;
+  auto given = [&app](const char* name) { return app.get_option(name)->count() > 0; };
+  if (given("--alignment")) c.Alignment = ParseAlignment(p.Alignment);
+  if (given("--server")) c.ServerName = p.ServerName;
+  if (given("--user")) c.UserName = p.UserName;
+  if (given("--password")) c.Password = p.Password;
+  if (given("--data-dir")) c.DataDir = p.DataDir;
+  if (given("--temp-dir")) c.TempDir = p.TempDir;
+  if (given("--data-ext")) c.DataExt = p.DataExt;
+  if (given("--index-ext")) c.IndexExt = p.IndexExt;
+  if (given("--superfile-ext")) c.SuperFileExt = p.SuperFileExt;
+  if (given("--max-files")) c.MaxFiles = static_cast<std::int16_t>(p.MaxFiles);
+  if (given("--max-buffers")) c.MaxBuffers = static_cast<std::int16_t>(p.MaxBuffers);
+  if (given("--max-sectors")) c.MaxSectors = static_cast<std::int16_t>(p.MaxSectors);
+  if (given("--max-index-key")) c.MaxIndexKey = p.MaxIndexKey;
+  if (given("--null-keys")) c.NullKeys = true;
+}
+
+CLI::App* AddCommand(CLI::App& app, const char* name, const char* what, Parsed& p) {
+  CLI::App* cmd = app.add_subcommand(name, what);
+  cmd->add_option("table", p.Table.Name, "The table's name")->required();
+  return cmd;
+}
+
+void AddReadOptions(CLI::App* cmd, Parsed& p) {
+  cmd->add_option("--index,-i", p.IndexName, "Read in the order of this index (default: the first)");
+  cmd->add_option("--from", p.From, "Start of the key range, values comma-separated as in CSV");
+  cmd->add_option("--to", p.To, "End of the key range (included)");
+  cmd->add_option("--columns,-c", p.Columns, "Fields to show, in this order")->delimiter(',');
+}
+
+ReadOptions CollectRead(const Parsed& p) {
+  ReadOptions read;
+  read.Index = p.IndexName;
+  read.From = ParseKey(p.From, "--from");
+  read.To = ParseKey(p.To, "--to");
+  read.Columns = p.Columns;
+  return read;
+}
+
+}  // namespace
+
+int RunTool(const std::vector<std::string>& args, Console& console, const BackendFactory& factory) {
+  CLI::App app(kDescription, "ctt");
+  app.require_subcommand(1);
+  app.fallthrough();
+  Parsed p;
+  AddConnectionOptions(app, p);
+
+  CLI::App* create = AddCommand(app, "create", "Create a table (an existing one is replaced)", p);
+  create->add_option("--field,-f", p.FieldTexts, "name:type[:size], several comma-separated")->required();
+  create->add_option("--index,-x", p.IndexTexts, "name:field[;field...][:unique,primary,desc,nocase]");
+
+  CLI::App* import = AddCommand(app, "import", "Load CSV rows (with a header row) into a table", p);
+  import->add_option("file", p.File, "CSV file, '-' for standard input")->required();
+  import->add_option("--field,-f", p.FieldTexts, "Create (replace) the table with these fields first");
+  import->add_option("--index,-x", p.IndexTexts, "Indexes of the table created with --field");
+  import->add_option("--batch-size", p.Import.BatchSize, "Rows per transaction (0: one for all)");
+  import->add_option("--skip-rows", p.Import.SkipRows, "Pass over this many data rows first (resuming)");
+  import->add_flag("--stop-on-error", p.Import.StopOnError, "Roll back the batch and stop at the first bad row");
+  import->add_option("--separator", p.Separator, "Field separator (default ',')");
+
+  CLI::App* exportCmd = AddCommand(app, "export", "Write a table's records as CSV", p);
+  exportCmd->add_option("file", p.File, "CSV file, '-' or nothing for standard output");
+  exportCmd->add_option("--separator", p.Separator, "Field separator (default ',')");
+  AddReadOptions(exportCmd, p);
+
+  CLI::App* list = AddCommand(app, "list", "Show records as an aligned table", p);
+  AddReadOptions(list, p);
+  list->add_option("--find", p.Find, "Start at the nearest key at or after these values");
+  list->add_option("--limit,-n", p.List.Limit, "Records shown at most (0: all)");
+  list->add_option("--width", p.List.MaxWidth, "Widest column in characters")->check(CLI::Range(4, 1000));
+
+  CLI::App* info = AddCommand(app, "info", "Show fields, indexes, record count and files", p);
+  CLI::App* addIndex = AddCommand(app, "add-index", "Add an index to a table", p);
+  addIndex->add_option("definition", p.IndexText, "name:field[;field...][:options]")->required();
+  CLI::App* dropIndex = AddCommand(app, "drop-index", "Delete an index of a table", p);
+  dropIndex->add_option("index", p.IndexName, "The index's name")->required();
+  CLI::App* drop = AddCommand(app, "drop", "Delete a table's files", p);
+
+  try {
+    std::vector<std::string> reversed(args.size() > 1 ? args.begin() + 1 : args.end(), args.end());
+    std::reverse(reversed.begin(), reversed.end());
+    app.parse(reversed);
+  } catch (const CLI::CallForHelp&) {
+    console.Out << app.help();
+    return kExitOk;
+  } catch (const CLI::ParseError& e) {
+    if (e.get_exit_code() == 0) {
+      console.Out << app.help();
+      return kExitOk;
+    }
+    console.Err << "ctt: " << e.what() << "\nRun 'ctt --help' or 'ctt <command> --help' for the options.\n";
+    return kExitUsage;
+  }
+
+  std::string name = "ctt";
+  try {
+    CLI::App* chosen = app.get_subcommands().front();
+    name = chosen->get_name();
+    CollectConnection(app, p);
+    if (p.Table.Name.empty()) throw UsageError("the table name is empty");
+    if (chosen == create) {
+      CreateOptions options{ParseFieldSpecs(p.FieldTexts), ParseIndexSpecs(p.IndexTexts)};
+      if (options.Fields.empty()) throw UsageError("a table needs at least one field (--field name:type[:size])");
+      for (const IndexSpec& index : options.Indexes) CheckIndexFields(index, options.Fields);
+      return RunCreate(*factory(p.Connection), p.Table, options, console);
+    }
+    if (chosen == import) {
+      ImportOptions options = p.Import;
+      options.File = p.File;
+      options.Separator = ParseSeparator(p.Separator);
+      options.Fields = ParseFieldSpecs(p.FieldTexts);
+      options.Indexes = ParseIndexSpecs(p.IndexTexts);
+      if (options.Fields.empty() && !options.Indexes.empty())
+        throw UsageError("--index on import needs --field: indexes are only defined for a table created here");
+      for (const IndexSpec& index : options.Indexes) CheckIndexFields(index, options.Fields);
+      return RunImport(*factory(p.Connection), p.Table, options, console);
+    }
+    if (chosen == exportCmd) {
+      ExportOptions options{CollectRead(p), p.File, ParseSeparator(p.Separator)};
+      return RunExport(*factory(p.Connection), p.Table, options, console);
+    }
+    if (chosen == list) {
+      ListOptions options = p.List;
+      options.Read = CollectRead(p);
+      options.Find = ParseKey(p.Find, "--find");
+      return RunList(*factory(p.Connection), p.Table, options, console);
+    }
+    if (chosen == info) return RunInfo(*factory(p.Connection), p.Table, console);
+    if (chosen == addIndex) return RunAddIndex(*factory(p.Connection), p.Table, ParseIndexSpec(p.IndexText), console);
+    if (chosen == dropIndex) return RunDropIndex(*factory(p.Connection), p.Table, p.IndexName, console);
+    if (chosen == drop) return RunDrop(*factory(p.Connection), p.Table, console);
+    throw ToolError(kExitInternal, "no handler for command '" + name + "'");
+  } catch (...) {
+    const ErrorReport report = DescribeException(std::current_exception());
+    console.Err << "ctt: " << name << ": " << report.Message << '\n';
+    return report.Code;
+  }
+}
+
+}  // namespace ctt

@@ -1,0 +1,147 @@
+// FieldSpec: the field-definition syntax of the tool's `create` command (tools layer).
+#include "FieldSpec.h"
+
+#include <array>
+#include <charconv>
+
+#include "StringUtils.h"
+#include "TextSplit.h"
+#include "ToolError.h"
+
+namespace ctt {
+
+namespace {
+
+enum SizeRule { srNone, srRequired, srOptional, srScale };
+
+struct TypeEntry {
+  const char* Name;
+  fw::TFieldType Type;
+  SizeRule Size;
+};
+
+// The first name of each type is the one the tool prints.
+constexpr std::array<TypeEntry, 19> kTypes{{
+    {"string", fw::ftString, srRequired},     {"smallint", fw::ftSmallint, srNone},
+    {"integer", fw::ftInteger, srNone},       {"int", fw::ftInteger, srNone},
+    {"word", fw::ftWord, srNone},             {"boolean", fw::ftBoolean, srNone},
+    {"bool", fw::ftBoolean, srNone},          {"float", fw::ftFloat, srNone},
+    {"currency", fw::ftCurrency, srNone},     {"bcd", fw::ftBCD, srScale},
+    {"date", fw::ftDate, srNone},             {"time", fw::ftTime, srNone},
+    {"datetime", fw::ftDateTime, srNone},     {"bytes", fw::ftBytes, srRequired},
+    {"varbytes", fw::ftVarBytes, srRequired}, {"autoinc", fw::ftAutoInc, srNone},
+    {"blob", fw::ftBlob, srOptional},         {"memo", fw::ftMemo, srOptional},
+    {"graphic", fw::ftGraphic, srOptional},
+}};
+
+constexpr int kMaxSize = 65535;
+constexpr int kMaxBcdDigits = 32;
+
+const TypeEntry* FindType(std::string_view name) {
+  for (const TypeEntry& e : kTypes)
+    if (fw::SameText(e.Name, name)) return &e;
+  return nullptr;
+}
+
+std::string KnownTypes() {
+  std::string out;
+  for (const TypeEntry& e : kTypes) {
+    if (!out.empty()) out += ", ";
+    out += e.Name;
+  }
+  return out;
+}
+
+bool ParseInt(std::string_view text, int& value) {
+  auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+  return ec == std::errc() && end == text.data() + text.size() && !text.empty();
+}
+
+}  // namespace
+
+FieldSpec ParseFieldSpec(std::string_view text) {
+  const std::string where = "field definition '" + std::string(text) + "': ";
+  std::vector<std::string_view> parts = Split(text, ':');
+  if (parts.size() < 2 || parts.size() > 3)
+    throw UsageError(where + "expected name:type or name:type:size");
+  FieldSpec spec;
+  spec.Name = std::string(Trim(parts[0]));
+  if (!IsIdentifier(spec.Name))
+    throw UsageError(where + "the name must start with a letter or '_' and hold only letters, digits and '_'");
+  const TypeEntry* type = FindType(Trim(parts[1]));
+  if (!type)
+    throw UsageError(where + "unknown type '" + std::string(Trim(parts[1])) + "' (known: " + KnownTypes() + ")");
+  spec.DataType = type->Type;
+  const bool hasSize = parts.size() == 3;
+  const std::string_view sizeText = hasSize ? Trim(parts[2]) : std::string_view();
+  switch (type->Size) {
+    case srNone:
+      if (hasSize) throw UsageError(where + "type " + type->Name + " takes no size");
+      break;
+    case srRequired:
+    case srOptional:
+      if (!hasSize) {
+        if (type->Size == srRequired) throw UsageError(where + "type " + type->Name + " needs a size (1 to 65535)");
+        break;
+      }
+      if (!ParseInt(sizeText, spec.Size) || spec.Size < 1 || spec.Size > kMaxSize)
+        throw UsageError(where + "the size must be a whole number from 1 to 65535");
+      break;
+    case srScale: {
+      if (!hasSize) break;
+      const std::size_t dot = sizeText.find('.');
+      const std::string_view scale = dot == std::string_view::npos ? sizeText : sizeText.substr(dot + 1);
+      if (!ParseInt(scale, spec.Size) || spec.Size < 0 || spec.Size > kMaxBcdDigits)
+        throw UsageError(where + "the scale must be a whole number from 0 to 32");
+      if (dot != std::string_view::npos) {
+        if (!ParseInt(sizeText.substr(0, dot), spec.Precision) || spec.Precision < 1 ||
+            spec.Precision > kMaxBcdDigits || spec.Precision < spec.Size)
+          throw UsageError(where + "the precision must be a whole number from the scale to 32");
+      }
+      break;
+    }
+  }
+  return spec;
+}
+
+std::vector<FieldSpec> ParseFieldSpecs(const std::vector<std::string>& texts) {
+  std::vector<FieldSpec> specs;
+  for (const std::string& text : texts) {
+    for (std::string_view one : Split(text, ',')) {
+      FieldSpec spec = ParseFieldSpec(Trim(one));
+      for (const FieldSpec& earlier : specs)
+        if (fw::SameText(earlier.Name, spec.Name))
+          throw UsageError("field '" + spec.Name + "' is defined twice");
+      specs.push_back(std::move(spec));
+    }
+  }
+  return specs;
+}
+
+std::string FieldTypeName(fw::TFieldType type) {
+  for (const TypeEntry& e : kTypes)
+    if (e.Type == type) return e.Name;
+  return "type#" + std::to_string(static_cast<int>(type));
+}
+
+std::optional<fw::TFieldType> FieldTypeFromName(std::string_view name) {
+  if (const TypeEntry* e = FindType(name)) return e->Type;
+  return std::nullopt;
+}
+
+std::string FormatFieldSpec(const FieldSpec& spec) {
+  std::string out = FieldTypeName(spec.DataType);
+  const TypeEntry* type = FindType(out);
+  const SizeRule rule = type ? type->Size : srOptional;
+  if (rule == srScale) {
+    if (spec.Precision > 0)
+      out += ":" + std::to_string(spec.Precision) + "." + std::to_string(spec.Size);
+    else if (spec.Size > 0)
+      out += ":" + std::to_string(spec.Size);
+  } else if (rule != srNone && spec.Size > 0) {
+    out += ":" + std::to_string(spec.Size);
+  }
+  return out;
+}
+
+}  // namespace ctt

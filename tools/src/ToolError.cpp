@@ -1,0 +1,68 @@
+// Failures turned into one readable line and an exit code (tools layer).
+#include "ToolError.h"
+
+#include <ios>
+
+#include "CsvReader.h"
+#include "CtMessages.h"
+#include "ECtreeException.h"
+#include "Exception.h"
+
+namespace ctt {
+
+namespace {
+constexpr std::int32_t kFileNotFound = 12;
+}  // namespace
+
+const char* ExitCodeName(int code) {
+  switch (code) {
+    case kExitOk: return "success";
+    case kExitInternal: return "internal error";
+    case kExitUsage: return "usage error";
+    case kExitFile: return "file or CSV error";
+    case kExitStorage: return "storage error";
+    case kExitNotFound: return "table not found";
+    case kExitRejected: return "rows rejected";
+    case kExitUnavailable: return "not available";
+    default: return "unknown";
+  }
+}
+
+std::string DescribeErrorNumber(std::int32_t code) {
+  const auto text = CTDbIntf::CtMessage(CTDbIntf::kMessageBase + code);
+  std::string out = text && !text->empty() ? std::string(*text) : std::string("storage error");
+  return out + " (error " + std::to_string(code) + ")";
+}
+
+ErrorReport DescribeException(std::exception_ptr error) {
+  try {
+    std::rethrow_exception(error);
+  } catch (const CTDbIntf::ECtreeException& e) {
+    // CtError appends "\n\rCtree Error #n"; the number is shown in the tool's own way instead.
+    std::string message = e.Message();
+    const std::size_t suffix = message.find("\n\rCtree Error #");
+    if (suffix != std::string::npos) message.erase(suffix);
+    const ExitCode code = e.ErrorCode == kFileNotFound ? kExitNotFound : kExitStorage;
+    if (message.empty() && e.ErrorCode != 0) return {DescribeErrorNumber(e.ErrorCode), code};
+    if (e.ErrorCode != 0) message += " (error " + std::to_string(e.ErrorCode) + ")";
+    return {message, code};
+  } catch (const ToolError& e) {
+    return {e.what(), e.Code};
+  } catch (const CsvError& e) {
+    return {e.what(), kExitFile};
+  } catch (const std::ios_base::failure& e) {
+    return {e.what(), kExitFile};
+  } catch (const fw::EConvertError& e) {
+    return {e.Message(), kExitUsage};
+  } catch (const fw::EVariantError& e) {
+    return {e.Message(), kExitUsage};
+  } catch (const fw::Exception& e) {
+    return {e.Message(), kExitStorage};
+  } catch (const std::exception& e) {
+    return {e.what(), kExitInternal};
+  } catch (...) {
+    return {"unknown failure", kExitInternal};
+  }
+}
+
+}  // namespace ctt
