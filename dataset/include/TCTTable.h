@@ -207,6 +207,12 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
  private:
   static TCTRecordBuffer* RecBuf(fw::TRecordBuffer Buffer) { return reinterpret_cast<TCTRecordBuffer*>(Buffer); }
   Ctdb::TCTConnection& Conn() const;
+  /// The connection's open mode: 1 shared unless Exclusive, plus 8 when ReadOnly.
+  int32_t OpenFlags() const;
+  /// Activates the connection and opens a cursor on the table for definitions only.
+  void OpenTemporaryCursor(std::unique_ptr<Ctdb::TCTCursorDesc>& Cursor);
+  /// Fills FieldDefs from the cursor's field descriptors.
+  void LoadFieldDefs(Ctdb::TCTCursorDesc* Cursor);
   void ClearKeyBuffers();
   void EnterKeyMode(TRangeFlag Flag, std::unique_ptr<TCTRecordBuffer>& Buffer);
   void AssignKeyValues(const std::vector<fw::Variant>& Values);

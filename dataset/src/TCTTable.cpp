@@ -118,8 +118,7 @@ void TCTTable::InternalOpen() {
   Ctdb::TCTConnection& conn = *Connection();
   conn.SetActive(true);
 
-  const int32_t flags = (FExclusive ? 0 : kOpenShared) | (FReadOnly ? kOpenReadOnly : 0);
-  const int32_t opened = conn.OpenCursor(FCursor, FTableName, FDatabase, flags);
+  const int32_t opened = conn.OpenCursor(FCursor, FTableName, FDatabase, OpenFlags());
   if (opened == kAlignmentMismatch) CTDbIntf::CtErrorFmt(kAlignmentMismatch, {fw::Variant(FTableName)});
   CTDbIntf::CtError(opened);
 
@@ -171,23 +170,35 @@ void TCTTable::InternalClose() {
   FMovedBookmarks.clear();
 }
 
+int32_t TCTTable::OpenFlags() const { return (FExclusive ? 0 : kOpenShared) | (FReadOnly ? kOpenReadOnly : 0); }
+
+void TCTTable::OpenTemporaryCursor(std::unique_ptr<Ctdb::TCTCursorDesc>& Cursor) {
+  if (FTableName.empty()) CTDbIntf::CtError(kNoTableName);
+  Conn().SetActive(true);
+  CTDbIntf::CtError(Conn().OpenCursor(Cursor, FTableName, FDatabase, OpenFlags()));
+}
+
 void TCTTable::InternalInitFieldDefs() {
   // Field definitions may be asked for while the table is closed (FieldDefs.Update): read them
   // through a cursor opened only for that.
-  std::unique_ptr<Ctdb::TCTCursorDesc> temporary;
-  Ctdb::TCTCursorDesc* cursor = FCursor.get();
-  if (cursor == nullptr) {
-    if (FTableName.empty()) CTDbIntf::CtError(kNoTableName);
-    Conn().SetActive(true);
-    const int32_t flags = (FExclusive ? 0 : kOpenShared) | (FReadOnly ? kOpenReadOnly : 0);
-    CTDbIntf::CtError(Conn().OpenCursor(temporary, FTableName, FDatabase, flags));
-    cursor = temporary.get();
+  if (FCursor != nullptr) {
+    LoadFieldDefs(FCursor.get());
+    return;
   }
-  Ctdb::TFieldDescList descs;
-  const int32_t read = Conn().GetFieldDescs(cursor, &descs);
-  if (temporary != nullptr) static_cast<void>(Conn().CloseCursor(temporary));
-  CTDbIntf::CtError(read);
+  std::unique_ptr<Ctdb::TCTCursorDesc> temporary;
+  OpenTemporaryCursor(temporary);
+  try {
+    LoadFieldDefs(temporary.get());
+  } catch (...) {
+    static_cast<void>(Conn().CloseCursor(temporary));
+    throw;
+  }
+  static_cast<void>(Conn().CloseCursor(temporary));
+}
 
+void TCTTable::LoadFieldDefs(Ctdb::TCTCursorDesc* Cursor) {
+  Ctdb::TFieldDescList descs;
+  CTDbIntf::CtError(Conn().GetFieldDescs(Cursor, &descs));
   fw::TFieldDefs* defs = FieldDefs();
   defs->Clear();
   for (const Ctdb::CTFldDesc& desc : descs) {

@@ -139,13 +139,12 @@ void TCTTable::UpdateIndexDefs() {
   std::unique_ptr<Ctdb::TCTCursorDesc> temporary;
   Ctdb::TCTCursorDesc* cursor = FCursor.get();
   if (FOpenFlag == Ctdb::ofClosed || cursor == nullptr) {
-    Conn().SetActive(true);
-    const int32_t flags = FExclusive ? 0 : 1;
-    CTDbIntf::CtError(Conn().OpenCursor(temporary, FTableName, FDatabase, flags));
+    OpenTemporaryCursor(temporary);
     cursor = temporary.get();
   }
   try {
-    if (FieldDefs()->Count() == 0) FieldDefs()->Update();
+    if (temporary != nullptr) CTDbIntf::CtError(Conn().InitIndexes(cursor));
+    if (FieldDefs()->Count() == 0) LoadFieldDefs(cursor);
     FIndexDefs->Clear();
     for (int i = 0; i < cursor->GetIndexCount(); ++i) {
       const Ctdb::CTIdxDesc desc = cursor->GetIndexes(i);
