@@ -57,6 +57,7 @@ constexpr TMessage kMessages[] = {
     {30812, "Malformed condition expression"},
     {30813, "No such ISAM context"},
     {30814, "A resource of that type and number already exists"},
+    {30815, "No transaction or lock set for this call, one already begun, or no such save point"},
 
     {31101, "Beginning of the table"},
     {31102, "End of the table"},

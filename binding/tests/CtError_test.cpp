@@ -99,7 +99,8 @@ TEST(CtErrorTest, EveryNumberTheEngineReturnsHasAMessage) {
       FUSE_ERR,   FINT_ERR,     FMOD_ERR,     ICUR_ERR,    INOT_ERR,   IINT_ERR,    NSRV_ERR,
       VBSZ_ERR,   DTMO_ERR,     NCON_ERR,     RNOT_ERR,    NSUP_ERR,   BPWD_ERR,    CT_EALIGN,
       CT_EBADDEF, CT_EDAMAGED,  CT_EDISKFULL, CT_EKEYLEN,  CT_EBADARG, CT_ENOTOPEN, CT_ENOTIDX,
-      CT_ENOTDAT, CT_EREADONLY, CT_EIO,       CT_EBADCOND, CT_ENOCTX,  CT_ERESDUP};
+      CT_ENOTDAT, CT_EREADONLY, CT_EIO,       CT_EBADCOND, CT_ENOCTX,  CT_ERESDUP,
+      CT_ETRAN};
   for (std::int32_t code : engineNumbers) {
     const auto text = CtMessage(kMessageBase + code);
     ASSERT_TRUE(text.has_value()) << code;

@@ -55,9 +55,9 @@ typedef LONG *pLONG;
 #define PREIMG 0x0010     /* transaction pre-images (accepted, no effect in this engine) */
 #define TRNLOG 0x0030     /* transaction logging: commits are flushed to disk */
 #define WRITETHRU 0x0040  /* every commit is flushed to disk */
-#define CHECKLOCK 0x0080  /* writes require a lock (enforced once record locks exist) */
+#define CHECKLOCK 0x0080  /* rewrites and deletes require this handle's write lock (DLOK_ERR) */
 #define SUPERFILE 0x0200  /* the file is a superfile host */
-#define CHECKREAD 0x0400  /* reads require a lock (enforced once record locks exist) */
+#define CHECKREAD 0x0400  /* accepted; reads never require a lock in this engine */
 
 /* ---- key segment modes (ISEG.segmode) ---------------------------------------------------- */
 #define REGSEG 0     /* bytes as stored */
@@ -166,6 +166,7 @@ typedef LONG *pLONG;
 #define CT_EBADCOND 812  /* malformed condition expression */
 #define CT_ENOCTX 813    /* no such context */
 #define CT_ERESDUP 814   /* a resource with that type and number already exists */
+#define CT_ETRAN 815     /* no transaction / lock set for the call, one already begun, or no such save point */
 
 /* ---- definition records, one block per packing ------------------------------------------- *
  * ISEG: one key segment. soffset is a byte offset in the record (modes 0-3, 6, 7) or a 0-based

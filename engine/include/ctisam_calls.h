@@ -80,14 +80,16 @@ CTISAM_API COUNT PUTFIL(COUNT filno, COUNT mode);
 CTISAM_API COUNT CREDAT(COUNT filno, pTEXT name, UCOUNT reclen, UCOUNT xtdsiz, COUNT filmod);
 CTISAM_API COUNT CREDATX(COUNT filno, pTEXT name, UCOUNT reclen, UCOUNT xtdsiz, COUNT filmod,
                          LONG permmask, pTEXT group, pTEXT password);
-/* Opens one data or index file (named exactly) as filno (an index file's members as filno+1..).
- * FNOP_ERR when missing or held exclusively; BPWD_ERR for a wrong password; CT_EALIGN when made
- * by another packing; CT_EDAMAGED for a foreign or damaged file; FCRP_ERR when inconsistent. */
+/* Opens one data file (named exactly) as filno, without its indexes. FNOP_ERR when missing or
+ * held exclusively; BPWD_ERR for a wrong password; CT_EALIGN when made by another packing;
+ * CT_EDAMAGED for a foreign or damaged file; NSUP_ERR for an index file on its own (next
+ * engine issue). */
 CTISAM_API COUNT OPNFIL(COUNT filno, pTEXT name, COUNT filmod);
 CTISAM_API COUNT OPNFILX(COUNT filno, pTEXT name, COUNT filmod, pTEXT password);
-/* Closes one file (mode ignored). */
+/* Closes one file (mode ignored); closing a data file also closes its open indexes. */
 CTISAM_API COUNT CLSFIL(COUNT filno, COUNT mode);
-/* Deletes a file that is open EXCLUSIVE, closing it. FMOD_ERR when it is open shared. */
+/* Deletes a data file that is open EXCLUSIVE, with the index files of its set, closing them.
+ * FMOD_ERR when it is open shared; NSUP_ERR for an index number (next engine issue). */
 CTISAM_API COUNT DELFIL(COUNT filno);
 /* Index files and members created one by one (next engine issue). */
 CTISAM_API COUNT CREIDX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup,
@@ -121,7 +123,9 @@ CTISAM_API COUNT OPNIFIL(pIFIL ifil);
 CTISAM_API COUNT OPNIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, pTEXT password);
 CTISAM_API COUNT CLIFIL(pIFIL ifil);
 CTISAM_API COUNT DELIFIL(pIFIL ifil);
-/* Replaces the stored IFIL of the open data file tfilno (dfilno when tfilno < 0). */
+/* Replaces the stored IFIL of the open data file tfilno (dfilno when tfilno < 0). The index
+ * count must stay the same (NSUP_ERR otherwise, until the next engine issue); CT_EBADDEF for a
+ * malformed ifil. The index files and open numbers are unchanged. */
 CTISAM_API COUNT PUTIFIL(pIFIL ifil);
 CTISAM_API COUNT PUTIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, pTEXT password);
 /* Returns the size of the stored IFIL image; with buf (len bytes) copies it: an IFIL followed
@@ -285,15 +289,48 @@ CTISAM_API COUNT CHGICON(COUNT contextid);
 /* Closes a context; when it was active, the one active before it is active again. */
 CTISAM_API COUNT CLSICON(COUNT contextid);
 
-/* ---- lock sets, record locks, transactions (next engine issue) ---------------------------- */
+/* ---- lock sets, record locks, transactions ------------------------------------------------ *
+ * A record lock belongs to the file number (handle) that took it and holds against every other
+ * handle of this process and every other process; a process that dies holds none. A record
+ * another owner has locked cannot be locked (DLOK2_ERR), rewritten or deleted (DLOK2_ERR); with
+ * CHECKLOCK a rewrite or delete also needs this handle's write lock (DLOK_ERR). Waiting modes
+ * (ENABLE_BLK) wait up to the session's time-out (CTISAM_LOCK_TIMEOUT_MS in the environment
+ * when the session starts, default 5000 ms) and then give DTMO_ERR.
+ * Inside a lock set or a transaction the writes of each file go to one storage transaction
+ * committed when the set or transaction ends: other users see them together, a process that
+ * dies inside leaves none of them, and the session reads its own writes meanwhile. A failing
+ * call inside still writes nothing. */
+/* ENABLE / ENABLE_BLK start a lock set: records read (record navigation, REDIREC, RRDREC,
+ * REDVREC) or added afterwards are write-locked (READREC: read-locked; a rewrite or delete
+ * still takes a write lock). A lock refused by a read gives DLOK2_ERR or DTMO_ERR and leaves
+ * the positions as they were. FREE commits the set's writes and releases the locks the set took
+ * (locks taken with LOKREC stay); RESET does the same and starts a new set in the same mode;
+ * SUSPEND stops taking locks, RESTORE resumes (CT_ETRAN outside a set). Inside a transaction
+ * FREE and RESET only stop taking locks: writes and locks stay until the transaction ends.
+ * A commit failure (CT_EDISKFULL, CT_EIO) discards the set's writes. CT_EBADARG for other modes. */
 CTISAM_API COUNT LKISAM(COUNT mode);
+/* Locks (ENABLE, ENABLE_BLK: write; READREC: read) or frees (FREE) the record at pos of datno.
+ * DLOK2_ERR / DTMO_ERR when refused; FREE of a lock this handle does not hold gives DLOK_ERR.
+ * The lock lasts until freed, until the file is closed or until the session ends. */
 CTISAM_API COUNT LOKREC(COUNT datno, COUNT mode, LONG pos);
+/* Begins a transaction over every file of the session; mode's low bits ENABLE, ENABLE_BLK or
+ * READREC also start a lock set. Returns a transaction number > 0, or 0 with CT_ETRAN when one
+ * is active (CT_EBADARG for another mode). */
 CTISAM_API LONG TRANBEG(COUNT mode);
+/* Commits the transaction (CT_ETRAN without one). mode FREE also ends the lock set and
+ * releases its locks; any other mode keeps the lock set going. Files commit one after the
+ * other: a failure of one (CT_EDISKFULL, CT_EIO) discards it and those after it. */
 CTISAM_API COUNT TRANEND(COUNT mode);
+/* Discards every write of the transaction, ends its lock set and releases its locks (CT_ETRAN
+ * without one). Current records may then name records that no longer exist. */
 CTISAM_API COUNT TRANABT(void);
 CTISAM_API COUNT TRANABTX(COUNT mode);
+/* Makes a save point; returns its number (1, 2, ...), or the negated error (CT_ETRAN). */
 CTISAM_API COUNT TRANSAV(void);
+/* Discards the writes made since save point savpnt, which stays usable; later save points are
+ * gone. CT_ETRAN without a transaction or for an unknown save point. */
 CTISAM_API COUNT TRANRST(COUNT savpnt);
+/* Clears the transaction: the same as TRANABT. */
 CTISAM_API COUNT TRANCLR(void);
 
 /* ---- sets and batches (next engine issue) ------------------------------------------------- */

@@ -41,6 +41,9 @@ class DataStore {
   static std::shared_ptr<DataStore> Open(const std::string& path, const char* password);
 
   Env& env() { return *env_; }
+  const std::shared_ptr<Env>& EnvPtr() const { return env_; }
+  // The lock key of the record at pos (see LockTable).
+  uint64_t LockKey(uint32_t pos) const { return (uint64_t{member_} << 32) | pos; }
   const FileHeader& header() const { return hdr_; }
   const FileDef& def() const { return def_; }
   bool HasIfil() const { return hasIfil_; }
@@ -79,6 +82,7 @@ class DataStore {
 
   std::shared_ptr<Env> env_;
   std::string path_;
+  uint32_t member_ = 0;  // superfile member id, 0 for a file of its own
   FileHeader hdr_{};
   FileDef def_;
   bool hasIfil_ = false;

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "LockTable.h"
 #include "ctisam.h"
 
 namespace cte {
@@ -14,7 +15,9 @@ namespace {
 
 // Small at first: the map doubles whenever a write finds it full (Env::Grow).
 constexpr size_t kInitialMap = size_t{8} << 20;
-constexpr unsigned kMaxDbs = 128;
+constexpr unsigned kMaxDbs = 512;
+// Room a held transaction (lock set, transaction) may fill before it gives CT_EDISKFULL.
+constexpr size_t kHeldRoom = size_t{256} << 20;
 
 struct FileId {
   dev_t dev;
@@ -64,6 +67,7 @@ std::shared_ptr<Env> Env::Acquire(const std::string& path, bool create) {
   MDB_env* raw = nullptr;
   Check(mdb_env_create(&raw));
   std::shared_ptr<Env> env(new Env(raw));
+  env->path_ = path;
   mdb_env_set_maxdbs(raw, kMaxDbs);
   size_t map = kInitialMap;
   while (map < static_cast<size_t>(st.st_size) * 2) map *= 2;
@@ -88,8 +92,66 @@ std::shared_ptr<Env> Env::Acquire(const std::string& path, bool create) {
 }
 
 Env::~Env() {
+  while (!held_.empty()) AbortTop();
   DropSnapshot();
+  locks_.reset();
   mdb_env_close(env_);
+}
+
+LockTable& Env::Locks() {
+  if (!locks_) locks_ = std::make_unique<LockTable>(path_ + "-lock");
+  return *locks_;
+}
+
+// The map cannot grow while a held transaction is open, so it gets its room before the first.
+void Env::Reserve(size_t room) {
+  MDB_envinfo info{};
+  MDB_stat st{};
+  mdb_env_info(env_, &info);
+  mdb_env_stat(env_, &st);
+  size_t used = (info.me_last_pgno + 1) * st.ms_psize;
+  if (info.me_mapsize >= used + room) return;
+  size_t map = info.me_mapsize;
+  while (map < used + room) map *= 2;
+  if (rtxnLive_) {
+    mdb_txn_reset(rtxn_);
+    rtxnLive_ = false;
+  }
+  Check(mdb_env_set_mapsize(env_, map));
+}
+
+void Env::Hold() {
+  MDB_txn* parent = held_.empty() ? nullptr : held_.back();
+  if (!parent) Reserve(kHeldRoom);
+  MDB_txn* txn = parent ? nullptr : BeginWrite();
+  if (parent) Check(mdb_txn_begin(env_, parent, 0, &txn));
+  held_.push_back(txn);
+  ++epoch_;
+  ++gen_;
+}
+
+void Env::CommitTop(bool durable) {
+  MDB_txn* txn = held_.back();
+  held_.pop_back();
+  ++epoch_;
+  ++gen_;
+  int rc = mdb_txn_commit(txn);
+  if (rc != 0) {
+    dbis_.clear();
+    ThrowLmdb(rc);
+  }
+  if (held_.empty() && durable) Check(mdb_env_sync(env_, 1));
+}
+
+void Env::AbortTop() {
+  MDB_txn* txn = held_.back();
+  held_.pop_back();
+  ++epoch_;
+  ++gen_;
+  mdb_txn_abort(txn);
+  // Handles opened inside the aborted transaction are closed by LMDB; names still open are
+  // found again by mdb_dbi_open.
+  dbis_.clear();
 }
 
 void Env::DropSnapshot() {
@@ -100,6 +162,7 @@ void Env::DropSnapshot() {
 }
 
 MDB_txn* Env::Snapshot() {
+  if (!held_.empty()) return held_.back();
   if (rtxnLive_) {
     MDB_envinfo info{};
     mdb_env_info(env_, &info);
@@ -136,6 +199,11 @@ MDB_dbi Env::Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned fl
 }
 
 MDB_txn* Env::BeginWrite() {
+  if (!held_.empty()) {
+    MDB_txn* txn = nullptr;
+    Check(mdb_txn_begin(env_, held_.back(), 0, &txn));
+    return txn;
+  }
   for (int attempt = 0;; ++attempt) {
     MDB_txn* txn = nullptr;
     int rc = mdb_txn_begin(env_, nullptr, 0, &txn);
@@ -153,11 +221,30 @@ MDB_txn* Env::BeginWrite() {
 }
 
 void Env::Commit(MDB_txn* txn, bool durable) {
+  if (!held_.empty()) {
+    ++gen_;
+    int rc = mdb_txn_commit(txn);
+    if (rc != 0) {
+      dbis_.clear();
+      ThrowLmdb(rc);
+    }
+    return;
+  }
   Check(mdb_txn_commit(txn));
   if (durable) Check(mdb_env_sync(env_, 1));
 }
 
+void Env::Abort(MDB_txn* txn) {
+  mdb_txn_abort(txn);
+  if (!held_.empty()) {
+    ++gen_;
+    dbis_.clear();
+  }
+}
+
 void Env::Grow() {
+  // The map cannot be resized while this process has a write transaction open.
+  if (!held_.empty()) Throw(CT_EDISKFULL);
   if (rtxnLive_) {
     mdb_txn_reset(rtxn_);
     rtxnLive_ = false;
@@ -169,11 +256,25 @@ void Env::Grow() {
 
 Cursor::~Cursor() {
   if (c_) mdb_cursor_close(c_);
+  if (w_ && wenv_->Holding() && wenv_->Epoch() == wepoch_) mdb_cursor_close(w_);
 }
 
 MDB_cursor* Cursor::Get(Env& env, MDB_dbi dbi, bool& fresh) {
   MDB_txn* txn = env.Snapshot();
   fresh = false;
+  if (env.Holding()) {
+    if (!w_ || wenv_ != &env || wepoch_ != env.Epoch()) {
+      w_ = nullptr;
+      Check(mdb_cursor_open(txn, dbi, &w_));
+      wenv_ = &env;
+      wepoch_ = env.Epoch();
+      wgen_ = 0;
+    }
+    // A write in the same transaction may have moved the cursor's page: re-seek.
+    fresh = wgen_ != env.Gen();
+    wgen_ = env.Gen();
+    return w_;
+  }
   if (c_ && gen_ == env.Gen()) return c_;
   if (c_) {
     Check(mdb_cursor_renew(txn, c_));

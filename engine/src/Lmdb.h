@@ -7,8 +7,10 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "Fail.h"
+#include "LockTable.h"
 
 namespace cte {
 
@@ -34,16 +36,41 @@ class Env {
   uint64_t Gen() const { return gen_; }
   // Opens (or creates, inside txn) the named database; handles are cached by name.
   MDB_dbi Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned flags = 0);
-  // Begins a write transaction (retrying a map resize done by another process).
+  // Begins a write transaction (retrying a map resize done by another process); while
+  // holding, a transaction nested in the innermost held one, so that a failing call can be
+  // undone alone.
   MDB_txn* BeginWrite();
-  // Commits txn; flushes to disk when durable is set. Throws Fail on failure (txn is gone).
+  // Commits txn; flushes to disk when durable is set and txn is not nested. Throws Fail on
+  // failure (txn is gone).
   void Commit(MDB_txn* txn, bool durable);
+  // Aborts txn begun by BeginWrite.
+  void Abort(MDB_txn* txn);
+
+  // Held transactions: a stack whose base is the write transaction of a lock set or
+  // transaction and whose upper levels are save points. Hold pushes a new level (nested when
+  // one exists); CommitTop/AbortTop end the innermost. Epoch() changes with every push and pop,
+  // so that write cursors opened on an ended level are never touched again.
+  bool Holding() const { return !held_.empty(); }
+  size_t HeldDepth() const { return held_.size(); }
+  void Hold();
+  void CommitTop(bool durable);
+  void AbortTop();
+  uint64_t Epoch() const { return epoch_; }
+
+  // The record lock table of this file (created on first use).
+  LockTable& Locks();
   // Doubles the map after MDB_MAP_FULL; no transaction of this process may be active.
   void Grow();
  private:
   explicit Env(MDB_env* env) : env_(env) {}
+  // Grows the map so that at least room bytes are free (no transaction may be active).
+  void Reserve(size_t room);
   void DropSnapshot();
   MDB_env* env_;
+  std::string path_;
+  std::vector<MDB_txn*> held_;
+  uint64_t epoch_ = 1;
+  std::unique_ptr<LockTable> locks_;
   MDB_txn* rtxn_ = nullptr;
   bool rtxnLive_ = false;
   uint64_t gen_ = 1;
@@ -51,7 +78,9 @@ class Env {
 };
 
 // A read cursor bound to an Env's snapshot generation; re-bound (and marked unpositioned) when
-// the snapshot changes.
+// the snapshot changes. While the Env holds a write transaction the cursor is one opened on
+// that transaction (LMDB frees such cursors when their transaction ends, so a cursor of an
+// earlier epoch is dropped, never closed).
 class Cursor {
  public:
   Cursor() = default;
@@ -65,6 +94,9 @@ class Cursor {
  private:
   MDB_cursor* c_ = nullptr;
   uint64_t gen_ = 0;
+  MDB_cursor* w_ = nullptr;
+  Env* wenv_ = nullptr;
+  uint64_t wepoch_ = 0, wgen_ = 0;
 };
 
 // Advisory whole-file lock that carries the EXCLUSIVE/SHARED open mode across processes and
@@ -86,7 +118,7 @@ class WriteTxn {
  public:
   explicit WriteTxn(Env& env) : env_(env), txn_(env.BeginWrite()) {}
   ~WriteTxn() {
-    if (txn_) mdb_txn_abort(txn_);
+    if (txn_) env_.Abort(txn_);
   }
   WriteTxn(const WriteTxn&) = delete;
   WriteTxn& operator=(const WriteTxn&) = delete;

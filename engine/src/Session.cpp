@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 namespace cte {
@@ -36,13 +37,30 @@ void Session::Init(int fils, const char* servname) {
   files_.clear();
   files_.resize(fils);
   contexts_.clear();
+  const char* timeout = std::getenv("CTISAM_LOCK_TIMEOUT_MS");
+  lockTimeoutMs_ = timeout && std::atoi(timeout) > 0 ? std::atoi(timeout) : 5000;
   active_ = true;
 }
 
+// Ends the session: the writes of an open lock set are committed, those of an open transaction
+// discarded; every lock is released with the files.
 void Session::Close() {
+  int failure = 0;
+  try {
+    EndHeld(!tranActive_);
+  } catch (const Fail& e) {
+    failure = e.code;
+  }
+  tranActive_ = false;
+  lockMode_ = FREE;
+  suspended_ = false;
+  ReleaseSetLocks();
   contexts_.clear();
+  for (auto& f : files_)
+    if (f) ReleaseLocksOf(*f);
   files_.clear();
   active_ = false;
+  if (failure) Throw(failure);
 }
 
 void Session::SetError(int code, int sys) {
@@ -158,6 +176,7 @@ void Session::DropContexts(int datno) {
 
 void Session::Release(int filno) {
   DropContexts(filno);
+  ReleaseLocksOf(*files_[filno]);
   files_[filno].reset();
 }
 

@@ -75,6 +75,7 @@ void Session::OpenFile(int filno, const char* name, int filmod, const char* pass
   h->password = password ? password : "";
   h->keynos.assign(h->store->IndexCount(), -1);
   h->base = std::make_unique<Position>(h->store->IndexCount());
+  h->self = no;
   files_[no] = std::move(h);
 }
 
@@ -171,10 +172,12 @@ int Session::OpenIfil(int filno, const std::string& path, int filmod, const char
     k->idxEnv = idxFiles[def.idx[i].file].first;
     k->idxLock = idxFiles[def.idx[i].file].second;
     k->datno = no;
+    k->self = static_cast<int16_t>(no + 1 + i);
     k->ordinal = i;
     h->keynos.push_back(static_cast<int16_t>(no + 1 + i));
     files_[no + 1 + i] = std::move(k);
   }
+  h->self = no;
   files_[no] = std::move(h);
   return no;
 }

@@ -2,6 +2,7 @@
 // and the core operations the exported calls forward to.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -40,6 +41,7 @@ struct Position {
 
 // An open file number: a data file, or one index (member) of a data file's set.
 struct Handle {
+  int16_t self = -1;  // this handle's file number: the owner of its record locks
   bool isIndex = false;
   std::string name;  // as given to the open
   std::string path;
@@ -57,6 +59,22 @@ struct Handle {
   std::vector<int> stack;
 };
 
+// A saved current key, put back when a step has to be undone (a lock refused).
+struct KeyMark {
+  explicit KeyMark(const KeyPos& kp) : pos(kp.pos), valid(kp.valid) {
+    std::copy(kp.key, kp.key + CT_MAXKEYLEN, key);
+  }
+  void Restore(KeyPos& kp) const {
+    std::copy(key, key + CT_MAXKEYLEN, kp.key);
+    kp.pos = pos;
+    kp.valid = valid;
+    kp.at = false;
+  }
+  uint8_t key[CT_MAXKEYLEN];
+  uint32_t pos;
+  bool valid;
+};
+
 enum NavOp { kFirst, kNext, kPrev, kLast, kEq, kGte, kGt, kLte, kLt };
 
 class Session {
@@ -68,6 +86,9 @@ class Session {
   void SetError(int code, int sysio);
   int16_t isamErr = 0, userErr = 0, sysio = 0;
   int AvlFilNum(int n) const;
+  // Longest wait of ENABLE_BLK for a lock (CTISAM_LOCK_TIMEOUT_MS when the session starts,
+  // otherwise 5000 ms).
+  int LockTimeoutMs() const { return lockTimeoutMs_; }
   void TmpName(char* buf, long len) const;
   void GetNam(int filno, char* buf, long len);
   long GetFil(int filno, int mode);
@@ -127,6 +148,15 @@ class Session {
   void ChangeContext(int id);
   void CloseContext(int id);
 
+  // Session.locks.cpp: lock sets, record locks, transactions.
+  void LockSet(int mode);
+  void LockRecord(int datno, int mode, uint32_t pos);
+  long TranBegin(int mode);
+  void TranEnd(int mode);
+  void TranAbort();
+  int TranSave();
+  void TranRestore(int savepoint);
+
  private:
   struct Context {
     int16_t datno;
@@ -140,6 +170,26 @@ class Session {
   int16_t Claim(int filno, int count);
   void Release(int filno);
   void DropContexts(int datno);
+  // True while writes go to held transactions (lock set or transaction active).
+  bool HoldingMode() const { return lockMode_ != FREE || tranActive_; }
+  // True while reads take locks (a lock set active and not suspended).
+  bool Locking() const { return lockMode_ != FREE && !suspended_; }
+  // Makes sure the file's environment has a held transaction (writes of the set go there).
+  void Join(Handle& h);
+  // Commits (or aborts) every held transaction; the first commit failure is thrown after all
+  // have ended.
+  void EndHeld(bool commit);
+  void ReleaseSetLocks();
+  void ReleaseLocksOf(Handle& h);
+  // Takes the lock the active lock set asks for (a write lock when forChange) on record pos of
+  // data file h; nothing outside a set or while it is suspended. DLOK2_ERR, or DTMO_ERR after
+  // waiting (ENABLE_BLK).
+  void AutoLock(Handle& h, uint32_t pos, bool forChange);
+  // Takes a lock, waiting up to the time-out when wait is set. DLOK2_ERR / DTMO_ERR.
+  void TakeLock(Handle& h, uint32_t pos, bool write, bool wait, bool setLock);
+  // Before a rewrite or delete of pos: DLOK2_ERR when another owner holds a lock on it,
+  // DLOK_ERR when the file requires locks (CHECKLOCK) and this handle holds none.
+  void CheckChange(Handle& h, uint32_t pos);
   // Runs f(txn) in one write transaction on the store and commits it, growing the map and
   // retrying when it is full. Later lock sets will hold one transaction across calls here.
   template <typename F>
@@ -166,6 +216,24 @@ class Session {
                 const uint8_t* target);
 
   bool active_ = false;
+  struct HeldEnv {
+    std::shared_ptr<Env> env;
+    int joinLevel = 0;  // save points that existed when the environment joined
+    bool durable = false;
+  };
+  struct SetLock {
+    std::shared_ptr<Env> env;
+    uint64_t key;
+    int16_t owner;
+  };
+  std::vector<HeldEnv> held_;
+  std::vector<SetLock> setLocks_;
+  int lockMode_ = FREE;
+  bool suspended_ = false;
+  bool tranActive_ = false;
+  int savepoints_ = 0;
+  long tranNo_ = 0;
+  int lockTimeoutMs_ = 5000;
   std::vector<std::unique_ptr<Handle>> files_;
   std::map<int, Context> contexts_;
   std::vector<uint8_t> scratch_;
@@ -177,6 +245,7 @@ Session& TheSession();
 template <typename F>
 void Session::Write(Handle& h, F&& f) {
   DataStore& s = *h.store;
+  if (HoldingMode()) Join(h);
   for (int attempt = 0;; ++attempt) {
     try {
       WriteTxn w(s.env());
@@ -184,7 +253,7 @@ void Session::Write(Handle& h, F&& f) {
       w.Commit(s.Durable(h.mode));
       return;
     } catch (const Fail& e) {
-      if (e.code != CT_EDISKFULL || e.sysio != 0 || attempt >= 8) throw;
+      if (e.code != CT_EDISKFULL || e.sysio != 0 || attempt >= 8 || s.env().Holding()) throw;
     }
     s.env().Grow();
   }

@@ -114,6 +114,7 @@ void Session::AddRec(int datno, void* rec, long len) {
     s.WriteCounters(txn, c);
   });
   if (serial) std::memcpy(rec, r, n);
+  AutoLock(h, pos, true);
   Position& p = Pos(h);
   p.cur = pos;
   p.recAt = false;
@@ -141,6 +142,7 @@ void Session::Rewrite(int datno, const void* rec, long len) {
   uint8_t* newKeys = oldKeys + nidx * CT_MAXKEYLEN;
   const uint32_t pos = p.cur;
   const uint8_t* r = static_cast<const uint8_t*>(rec);
+  CheckChange(h, pos);
   Write(h, [&](MDB_txn* txn) {
     MDB_val k = PosKey(pos), old{};
     int rc = mdb_get(txn, s.RecDbi(), &k, &old);
@@ -180,6 +182,7 @@ void Session::DeleteRec(int datno) {
   scratch_.resize(nidx * CT_MAXKEYLEN);
   uint8_t* keys = scratch_.data();
   const uint32_t pos = p.cur;
+  CheckChange(h, pos);
   Write(h, [&](MDB_txn* txn) {
     MDB_val k = PosKey(pos), old{};
     int rc = mdb_get(txn, s.RecDbi(), &k, &old);
@@ -211,6 +214,7 @@ long Session::ReadCur(int datno, void* buf, long bufsiz, bool fixed) {
   DataStore& s = *h.store;
   Position& p = Pos(h);
   if (!p.cur) Throw(ICUR_ERR);
+  if (buf) AutoLock(h, p.cur, false);
   s.env().Snapshot();
   if (p.curGen != s.env().Gen()) {
     if (!Fetch(s, p.cur, p.curVal)) Throw(ICUR_ERR);
@@ -225,6 +229,7 @@ long Session::ReadAt(int datno, uint32_t pos, void* buf, long bufsiz, bool fixed
   Handle& h = Data(datno);
   DataStore& s = *h.store;
   MDB_val v{};
+  if (makeCurrent && Fetch(s, pos, v)) AutoLock(h, pos, false);
   if (!Fetch(s, pos, v)) Throw(INOT_ERR);
   long len = 0;
   CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
@@ -314,6 +319,15 @@ long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long 
     }
     Check(rc);
     p.recAt = false;  // until the record is current, the cursor is not where p says
+    if (Locking()) {
+      uint32_t found = PosOf(k);
+      AutoLock(f, found, false);
+      if (!Fetch(s, found, v)) Throw(INOT_ERR);
+      CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
+      MakeCurrent(f, p, found, v, -1);
+      p.curGen = s.env().Gen();
+      return len;
+    }
     CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
     MakeCurrent(f, p, PosOf(k), v, -1);
     p.curGen = s.env().Gen();
@@ -326,21 +340,24 @@ long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long 
   const IndexDef& ix = s.def().idx[f.ordinal];
   KeyPos& kp = op == kNext || op == kPrev ? EnsureKey(h, p, f.ordinal) : *p.keys[f.ordinal];
   if (op >= kEq && !target) Throw(CT_EBADARG);
-  // The key position is restored when its record cannot be read, so a failure moves nothing.
-  uint8_t savedKey[CT_MAXKEYLEN];
-  std::memcpy(savedKey, kp.key, ix.keylen);
-  const uint32_t savedPos = kp.pos;
-  const bool savedValid = kp.valid;
+  // The key position is restored when its record cannot be read or locked, so a failure moves
+  // nothing.
+  KeyMark mark(kp);
   uint32_t pos = Step(s.env(), s.KeyDbi(f.ordinal), kp, ix.keylen, ix.keylen - (ix.dup ? 4 : 0), op,
                       static_cast<const uint8_t*>(target));
   if (!pos) Throw(INOT_ERR);
+  if (Locking()) {
+    try {
+      AutoLock(h, pos, false);
+    } catch (...) {
+      mark.Restore(kp);
+      throw;
+    }
+  }
   MDB_val v{};
   if (!Fetch(s, pos, v)) {
-    std::memcpy(kp.key, savedKey, ix.keylen);
-    kp.pos = savedPos;
-    kp.valid = savedValid;
-    kp.at = false;
-    Throw(CT_EDAMAGED);
+    mark.Restore(kp);
+    Throw(Locking() ? INOT_ERR : CT_EDAMAGED);
   }
   CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
   MakeCurrent(h, p, pos, v, static_cast<int>(f.ordinal));

@@ -161,7 +161,8 @@ CTISAM_API COUNT UPDRES(COUNT datno, pVOID resptr, LONG len) {
 CTISAM_API COUNT DELRES(COUNT datno, pVOID resptr) {
   return Run([&](Session& s) { s.DelRes(datno, resptr); });
 }
-CTISAM_API COUNT ENARES(COUNT datno) { return Run([&](Session& s) { s.GetFil(datno, FILTYP); }); }
+// Resources are always enabled: ENARES only checks that datno is an open data file.
+CTISAM_API COUNT ENARES(COUNT datno) { return Run([&](Session& s) { s.DatEnt(datno); }); }
 CTISAM_API pVOID GETRES(COUNT datno, pVOID resptr, pVOID bufptr, LONG bufsiz, COUNT) {
   return RunValue<pVOID>([&](Session& s) -> pVOID {
     s.GetRes(datno, resptr, bufptr, bufsiz);
@@ -378,19 +379,24 @@ CTISAM_API COUNT OPNICON(COUNT datno, COUNT contextid, COUNT) {
 CTISAM_API COUNT CHGICON(COUNT contextid) { return Run([&](Session& s) { s.ChangeContext(contextid); }); }
 CTISAM_API COUNT CLSICON(COUNT contextid) { return Run([&](Session& s) { s.CloseContext(contextid); }); }
 
-/* ---- lock sets, record locks, transactions (next engine issue) ---- */
-CTISAM_API COUNT LKISAM(COUNT) { return NotSupported(); }
-CTISAM_API COUNT LOKREC(COUNT, COUNT, LONG) { return NotSupported(); }
-CTISAM_API LONG TRANBEG(COUNT) {
-  NotSupported();
-  return 0;
+/* ---- lock sets, record locks, transactions ---- */
+CTISAM_API COUNT LKISAM(COUNT mode) { return Run([&](Session& s) { s.LockSet(mode); }); }
+CTISAM_API COUNT LOKREC(COUNT datno, COUNT mode, LONG pos) {
+  return Run([&](Session& s) { s.LockRecord(datno, mode, Pos(pos)); });
 }
-CTISAM_API COUNT TRANEND(COUNT) { return NotSupported(); }
-CTISAM_API COUNT TRANABT(void) { return NotSupported(); }
-CTISAM_API COUNT TRANABTX(COUNT) { return NotSupported(); }
-CTISAM_API COUNT TRANSAV(void) { return NotSupported(); }
-CTISAM_API COUNT TRANRST(COUNT) { return NotSupported(); }
-CTISAM_API COUNT TRANCLR(void) { return NotSupported(); }
+CTISAM_API LONG TRANBEG(COUNT mode) {
+  return RunValue<LONG>([&](Session& s) { return static_cast<LONG>(s.TranBegin(mode)); });
+}
+CTISAM_API COUNT TRANEND(COUNT mode) { return Run([&](Session& s) { s.TranEnd(mode); }); }
+CTISAM_API COUNT TRANABT(void) { return Run([](Session& s) { s.TranAbort(); }); }
+CTISAM_API COUNT TRANABTX(COUNT) { return TRANABT(); }
+CTISAM_API COUNT TRANSAV(void) {
+  COUNT sp = 0;
+  COUNT rc = Run([&](Session& s) { sp = static_cast<COUNT>(s.TranSave()); });
+  return rc ? static_cast<COUNT>(-rc) : sp;
+}
+CTISAM_API COUNT TRANRST(COUNT savpnt) { return Run([&](Session& s) { s.TranRestore(savpnt); }); }
+CTISAM_API COUNT TRANCLR(void) { return TRANABT(); }
 
 /* ---- sets and batches (next engine issue) ---- */
 CTISAM_API COUNT FRSSET(COUNT, pVOID, pVOID, COUNT) { return NotSupported(); }

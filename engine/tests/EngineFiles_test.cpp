@@ -164,7 +164,7 @@ TEST_F(EngineFiles, BadNumbersAndBuffersGiveErrorsNotCrashes) {
   EXPECT_EQ(api.REDREC(dat, 0, &c), CT_EBADARG);
   EXPECT_EQ(api.TMPNAME(nullptr, 0), CT_EBADARG);
   EXPECT_EQ(api.PUTDODA(dat, nullptr, 2), CT_EBADARG);
-  EXPECT_EQ(api.LKISAM(ENABLE), NSUP_ERR);
+  EXPECT_EQ(api.LKISAM(99), CT_EBADARG);
   EXPECT_EQ(api.DATENT(dat), 0);
   EXPECT_EQ(api.OPNFIL(50, (pTEXT) "missing.dat", SHARED), FNOP_ERR);
   EXPECT_EQ(api.OPNRFIL(50, (pTEXT) "customers.dat", 0x8000), FMOD_ERR);

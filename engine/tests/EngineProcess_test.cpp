@@ -5,6 +5,8 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
+#include <functional>
+
 #include "EngineFixture.h"
 
 namespace {
@@ -91,6 +93,94 @@ TEST_F(EngineProcess, KilledWriterLosesNothingItWasToldWasWritten) {
   ASSERT_EQ(api.CLRFIL(dat), 0);
   pid = Spawn([](EngineApi& e) { return e.OPNRFIL(0, (pTEXT) "customers.dat", EXCLUSIVE); });
   EXPECT_EQ(Wait(pid), 0);
+}
+
+// Reads the record with this id through index keyno into c (0 or the error).
+COUNT Find(EngineApi& api, COUNT keyno, int id, Customer& c) {
+  Customer k = MakeCustomer(id, "", "");
+  uint8_t key[4];
+  api.frmkey(keyno, (pTEXT) &k, (pTEXT) key, 0, 0);
+  return api.EQLREC(keyno, key, &c);
+}
+
+TEST_F(EngineProcess, ContendingLockSetsLoseNoUpdate) {
+  COUNT dat = CreateCustomers();
+  ASSERT_EQ(Add(dat, 1, "counter", "C", 0), 0);
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  constexpr int kRounds = 150;
+  auto worker = [](EngineApi& e) {
+    if (e.OPNRFIL(0, (pTEXT) "customers.dat", SHARED) != 0) return 1;
+    for (int i = 0; i < kRounds; ++i) {
+      if (e.LKISAM(ENABLE_BLK) != 0) return 2;
+      Customer c{};
+      if (Find(e, 1, 1, c) != 0) return 3;
+      c.balance += 1;
+      if (e.RWTREC(0, &c) != 0) return 4;
+      if (e.LKISAM(FREE) != 0) return 5;
+    }
+    return 0;
+  };
+  pid_t a = Spawn(worker), b = Spawn(worker);
+  EXPECT_EQ(Wait(a), 0);
+  EXPECT_EQ(Wait(b), 0);
+  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+  Customer c{};
+  ASSERT_EQ(Find(api, 1, 1, c), 0);
+  EXPECT_EQ(c.balance, 2 * kRounds);
+}
+
+// A child that opens the customers table, runs start, adds 50 records, locks the first record,
+// reports on the pipe and waits to be killed.
+void KillInside(EngineApi& api, const std::function<int(EngineApi&)>& start) {
+  int fds[2];
+  ASSERT_EQ(pipe(fds), 0);
+  pid_t pid = Spawn([&](EngineApi& e) {
+    if (e.OPNRFIL(0, (pTEXT) "customers.dat", SHARED) != 0) return 1;
+    if (start(e) != 0) return 2;
+    for (int id = 100; id < 150; ++id) {
+      Customer r = MakeCustomer(id, "doomed", "D");
+      if (e.ADDREC(0, &r) != 0) return 3;
+    }
+    Customer first{};
+    if (e.FRSREC(0, &first) != 0) return 4;
+    if (e.LOKREC(0, ENABLE, e.GETCURP(0)) != 0) return 5;
+    char ok = 1;
+    if (write(fds[1], &ok, 1) != 1) return 6;
+    pause();
+    return 0;
+  });
+  close(fds[1]);
+  char ok = 0;
+  ASSERT_EQ(read(fds[0], &ok, 1), 1);
+  close(fds[0]);
+  Customer c{};
+  ASSERT_EQ(api.FRSREC(0, &c), 0);
+  LONG pos = api.GETCURP(0);
+  EXPECT_EQ(api.LOKREC(0, ENABLE, pos), DLOK2_ERR);  // held by the live child
+  kill(pid, SIGKILL);
+  EXPECT_EQ(Wait(pid), 100 + SIGKILL);
+  EXPECT_EQ(api.LOKREC(0, ENABLE, pos), 0);  // a dead process holds no lock
+  EXPECT_EQ(api.DATENT(0), 1);
+  EXPECT_EQ(api.IDXENT(1), 1);
+  Customer after = MakeCustomer(2, "after", "A");
+  EXPECT_EQ(api.ADDREC(0, &after), 0);  // the storage is writable again
+  EXPECT_EQ(api.DATENT(0), 2);
+}
+
+TEST_F(EngineProcess, KilledInsideTransactionLeavesNothing) {
+  COUNT dat = CreateCustomers();
+  ASSERT_EQ(Add(dat, 1, "kept", "K"), 0);
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+  KillInside(api, [](EngineApi& e) { return e.TRANBEG(ENABLE) > 0 ? 0 : 1; });
+}
+
+TEST_F(EngineProcess, KilledInsideLockSetLeavesNothing) {
+  COUNT dat = CreateCustomers();
+  ASSERT_EQ(Add(dat, 1, "kept", "K"), 0);
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+  KillInside(api, [](EngineApi& e) { return e.LKISAM(ENABLE); });
 }
 
 TEST_F(EngineProcess, ReaderFollowsAFileAnotherProcessGrew) {

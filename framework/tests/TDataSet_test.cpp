@@ -457,5 +457,66 @@ TEST_F(DataSetTest, UnidirectionalDatasetRefusesBackwardMoves) {
   EXPECT_TRUE(Table->GetBookmark().empty());
 }
 
+TEST_F(DataSetTest, ClosingWhileEditingDiscardsWithoutCancelEvents) {
+  Fill(2);
+  Table->Edit();
+  Table->FieldByName("Name")->SetAsString("lost");
+  LogEvents();
+  Table->Close();
+  EXPECT_EQ(TakeEvents(), (Strings{"BeforeClose", "AfterClose"}));
+  EXPECT_FALSE(Table->Modified());
+  Table->Open();
+  EXPECT_EQ(Table->FieldByName("Name")->AsString(), "N1");
+}
+
+TEST_F(DataSetTest, DestroyingAFieldClosesItsDataset) {
+  Fill(2);
+  Table->Close();
+  auto* id = new TIntegerField(Table.get());
+  id->SetFieldName("ID");
+  id->SetDataSet(Table.get());
+  auto* name = new TStringField(Table.get());
+  name->SetFieldName("Name");
+  name->SetDataSet(Table.get());
+  Table->Open();
+  name->Free();
+  EXPECT_FALSE(Table->Active());
+  EXPECT_EQ(Table->FieldCount(), 1);
+  Table->Open();
+  EXPECT_EQ(id->AsInteger(), 1);
+  EXPECT_THROW(id->SetFieldKind(fkCalculated), EDatabaseError);  // only while closed
+  auto* other = new TIntegerField(Table.get());
+  other->SetFieldName("id");
+  EXPECT_THROW(other->SetDataSet(Table.get()), EDatabaseError);  // open, and a duplicate name
+  EXPECT_EQ(other->DataSet(), nullptr);
+}
+
+TEST_F(DataSetTest, BlockReadKeepsLinksUninformedUntilItEnds) {
+  Fill(4);
+  TRecordingLink& link = Attach(1);
+  Table->SetBlockReadSize(10);
+  EXPECT_EQ(Table->State(), dsBlockRead);
+  Table->Next();
+  Table->Next();
+  EXPECT_EQ(Id(), 3);
+  EXPECT_TRUE(link.Log.empty());
+  Table->SetBlockReadSize(0);
+  EXPECT_EQ(Table->State(), dsBrowse);
+  EXPECT_TRUE(link.Log.empty());  // the links never saw the dataset leave dsBrowse
+  Table->Close();
+  EXPECT_THROW(Table->SetBlockReadSize(5), EDatabaseError);
+}
+
+TEST(ExtractFieldNameTest, WalksASemicolonListTrimmingNames) {
+  const std::string fields = " A ;B;;C ";
+  int pos = 1;
+  std::vector<std::string> names;
+  while (pos <= static_cast<int>(fields.size())) names.push_back(ExtractFieldName(fields, pos));
+  EXPECT_EQ(names, (Strings{"A", "B", "", "C"}));
+  pos = 1;
+  EXPECT_EQ(ExtractFieldName("", pos), "");
+  EXPECT_EQ(pos, 1);
+}
+
 }  // namespace
 }  // namespace fwtest

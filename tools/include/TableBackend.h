@@ -94,9 +94,9 @@ class TableBackend {
   virtual std::unique_ptr<TableCursor> Open(const TableRef& table, OpenMode mode) = 0;
 };
 
-/// The backend of this build, configured with `options`. Raises ToolError with kExitUnavailable
-/// when this build has no table layer to work through, UsageError for a form file without a
-/// connection component.
+/// The backend of this build, working through a connection configured by ConnectionSetup from
+/// `options` (whose errors it raises). Raises ToolError with kExitUnavailable when this build has
+/// no table layer to work through.
 std::unique_ptr<TableBackend> MakeTableBackend(const ConnectionOptions& options);
 
 }  // namespace ctt

@@ -41,7 +41,9 @@ KeyValues ParseKey(const std::string& text, const char* option) {
   try {
     reader.Next(values);
   } catch (const CsvError& e) {
-    throw UsageError(std::string(option) + " '" + text + "': " + e.what());
+    // The reader's message starts with "line 1: ", which says nothing about an option's value.
+    const std::string what = e.what();
+    throw UsageError(std::string(option) + " '" + text + "': " + what.substr(what.find(": ") + 2));
   }
   return values;
 }

@@ -42,6 +42,7 @@ TEST_F(CommandLineTest, HelpAndUsageErrors) {
   EXPECT_EQ(Run({"list", "t", "--limit", "many"}), kExitUsage);
   EXPECT_EQ(Run({"create", "t"}), kExitUsage) << "--field is required";
   EXPECT_EQ(Run({"list", "t", "--from", "a,\"b"}), kExitUsage);
+  EXPECT_EQ(err.str(), "ctt: list: --from 'a,\"b': quoted field 2 is not terminated (its closing quote is missing)\n");
   EXPECT_EQ(Run({"export", "t", "--separator", "ab"}), kExitUsage);
   EXPECT_EQ(Run({"--max-files", "0", "info", "t"}), kExitUsage);
   EXPECT_EQ(Run({"--alignment", "nibble", "info", "t"}), kExitUsage);
@@ -98,6 +99,9 @@ TEST(CommandLineBuild, CommandsNeedingTheTableLayerAnswerNotAvailable) {
   EXPECT_NE(err.str().find("ctt: info: "), std::string::npos);
   EXPECT_EQ(RunTool({"ctt", "create", "t", "-f", "x:nope"}, console, MakeTableBackend), kExitUsage)
       << "the command line is checked before the table layer is asked";
+  err.str("");
+  EXPECT_EQ(RunTool({"ctt", "--form", "/nonexistent/ctt.dfm", "info", "t"}, console, MakeTableBackend), kExitFile);
+  EXPECT_EQ(err.str().rfind("ctt: info: form file /nonexistent/ctt.dfm: ", 0), 0u) << err.str();
 }
 
 }  // namespace

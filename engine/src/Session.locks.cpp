@@ -1,0 +1,214 @@
+// Session.locks: lock sets (LKISAM), record locks (LOKREC), held write transactions and the
+// transaction calls built on them.
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
+#include "LockTable.h"
+#include "Session.h"
+
+namespace cte {
+
+void Session::Join(Handle& h) {
+  Env& env = h.store->env();
+  for (HeldEnv& he : held_) {
+    if (he.env.get() == &env) {
+      he.durable = he.durable || h.store->Durable(h.mode);
+      return;
+    }
+  }
+  env.Hold();
+  held_.push_back(HeldEnv{h.store->EnvPtr(), savepoints_, h.store->Durable(h.mode)});
+}
+
+void Session::EndHeld(bool commit) {
+  std::vector<HeldEnv> held = std::move(held_);
+  held_.clear();
+  savepoints_ = 0;
+  int failure = 0, sys = 0;
+  for (HeldEnv& he : held) {
+    Env& env = *he.env;
+    if (commit && !failure) {
+      try {
+        while (env.HeldDepth() > 1) env.CommitTop(false);
+        env.CommitTop(he.durable);
+        continue;
+      } catch (const Fail& e) {
+        failure = e.code;
+        sys = e.sysio;
+      }
+    }
+    while (env.Holding()) env.AbortTop();
+  }
+  // Definitions cached by the stores may have changed inside what was aborted.
+  if (!commit || failure) {
+    for (auto& f : files_)
+      if (f && !f->isIndex) f->store->Reload();
+  }
+  if (failure) Throw(failure, sys);
+}
+
+void Session::ReleaseSetLocks() {
+  for (SetLock& l : setLocks_) l.env->Locks().Release(l.key, l.owner);
+  setLocks_.clear();
+}
+
+void Session::ReleaseLocksOf(Handle& h) {
+  if (h.isIndex || !h.store) return;
+  Env& env = h.store->env();
+  env.Locks().ReleaseOwner(h.self);
+  std::erase_if(setLocks_, [&](const SetLock& l) { return l.owner == h.self && l.env.get() == &env; });
+}
+
+void Session::TakeLock(Handle& h, uint32_t pos, bool write, bool wait, bool setLock) {
+  LockTable& locks = h.store->env().Locks();
+  const uint64_t key = h.store->LockKey(pos);
+  if (locks.HeldBy(key, h.self, write)) return;
+  bool had = locks.HeldBy(key, h.self, false);
+  auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(lockTimeoutMs_);
+  auto pause = std::chrono::milliseconds(1);
+  while (!locks.Acquire(key, h.self, write)) {
+    if (!wait) Throw(DLOK2_ERR);
+    if (std::chrono::steady_clock::now() >= deadline) Throw(DTMO_ERR);
+    std::this_thread::sleep_for(pause);
+    pause = std::min(pause * 2, std::chrono::milliseconds(20));
+  }
+  if (setLock && !had) setLocks_.push_back(SetLock{h.store->EnvPtr(), key, h.self});
+}
+
+void Session::AutoLock(Handle& h, uint32_t pos, bool forChange) {
+  if (lockMode_ == FREE || suspended_) return;
+  TakeLock(h, pos, forChange || lockMode_ != READREC, lockMode_ == ENABLE_BLK, true);
+}
+
+void Session::CheckChange(Handle& h, uint32_t pos) {
+  LockTable& locks = h.store->env().Locks();
+  const uint64_t key = h.store->LockKey(pos);
+  if (lockMode_ != FREE && !suspended_)
+    AutoLock(h, pos, true);
+  else if (locks.HeldByOther(key, h.self))
+    Throw(DLOK2_ERR);
+  if (((h.mode | h.store->header().filmod) & CHECKLOCK) && !locks.HeldBy(key, h.self, true)) Throw(DLOK_ERR);
+}
+
+void Session::LockSet(int mode) {
+  switch (mode) {
+    case ENABLE:
+    case ENABLE_BLK:
+    case READREC:
+      lockMode_ = mode;
+      suspended_ = false;
+      return;
+    case SUSPEND:
+    case RESTORE:
+      if (lockMode_ == FREE) Throw(CT_ETRAN);
+      suspended_ = mode == SUSPEND;
+      return;
+    case FREE:
+    case RESET: {
+      // Inside a transaction the locks and the writes stay until it ends.
+      if (tranActive_) {
+        if (mode == FREE) lockMode_ = FREE;
+        return;
+      }
+      int keep = mode == RESET ? lockMode_ : FREE;
+      lockMode_ = FREE;
+      suspended_ = false;
+      try {
+        EndHeld(true);
+      } catch (...) {
+        ReleaseSetLocks();
+        throw;
+      }
+      ReleaseSetLocks();
+      lockMode_ = keep;
+      return;
+    }
+    default: Throw(CT_EBADARG);
+  }
+}
+
+void Session::LockRecord(int datno, int mode, uint32_t pos) {
+  Handle& h = Data(datno);
+  switch (mode) {
+    case FREE: {
+      LockTable& locks = h.store->env().Locks();
+      const uint64_t key = h.store->LockKey(pos);
+      if (!locks.HeldBy(key, h.self, false)) Throw(DLOK_ERR);
+      locks.Release(key, h.self);
+      std::erase_if(setLocks_, [&](const SetLock& l) { return l.owner == h.self && l.key == key && l.env.get() == &h.store->env(); });
+      return;
+    }
+    case ENABLE: TakeLock(h, pos, true, false, false); return;
+    case ENABLE_BLK: TakeLock(h, pos, true, true, false); return;
+    case READREC: TakeLock(h, pos, false, false, false); return;
+    default: Throw(CT_EBADARG);
+  }
+}
+
+long Session::TranBegin(int mode) {
+  if (tranActive_) Throw(CT_ETRAN);
+  int lock = mode & 7;
+  if (lock != 0 && lock != ENABLE && lock != ENABLE_BLK && lock != READREC) Throw(CT_EBADARG);
+  tranActive_ = true;
+  savepoints_ = 0;
+  if (lock) {
+    lockMode_ = lock;
+    suspended_ = false;
+  }
+  return ++tranNo_;
+}
+
+void Session::TranEnd(int mode) {
+  if (!tranActive_) Throw(CT_ETRAN);
+  tranActive_ = false;
+  try {
+    EndHeld(true);
+  } catch (...) {
+    lockMode_ = FREE;
+    ReleaseSetLocks();
+    throw;
+  }
+  if (mode == FREE) {
+    lockMode_ = FREE;
+    ReleaseSetLocks();
+  }
+}
+
+void Session::TranAbort() {
+  if (!tranActive_) Throw(CT_ETRAN);
+  tranActive_ = false;
+  lockMode_ = FREE;
+  suspended_ = false;
+  EndHeld(false);
+  ReleaseSetLocks();
+}
+
+int Session::TranSave() {
+  if (!tranActive_) Throw(CT_ETRAN);
+  ++savepoints_;
+  for (HeldEnv& he : held_) he.env->Hold();
+  return savepoints_;
+}
+
+void Session::TranRestore(int savepoint) {
+  if (!tranActive_ || savepoint < 1 || savepoint > savepoints_) Throw(CT_ETRAN);
+  for (auto it = held_.begin(); it != held_.end();) {
+    Env& env = *it->env;
+    if (it->joinLevel >= savepoint) {
+      while (env.Holding()) env.AbortTop();
+      it = held_.erase(it);
+      continue;
+    }
+    size_t depth = 1 + static_cast<size_t>(savepoint - it->joinLevel);
+    while (env.HeldDepth() >= depth) env.AbortTop();
+    env.Hold();
+    ++it;
+  }
+  savepoints_ = savepoint;
+  for (auto& f : files_)
+    if (f && !f->isIndex) f->store->Reload();
+}
+
+}  // namespace cte
