@@ -218,6 +218,5 @@ CTISAM_API COUNT RBLIFIL(pIFIL) { return NotSupported(); }
 CTISAM_API COUNT RBLIFILX(pIFIL, pTEXT, pTEXT, LONG, pTEXT, pTEXT) { return NotSupported(); }
 CTISAM_API COUNT CMPIFIL(pIFIL) { return NotSupported(); }
 CTISAM_API COUNT CMPIFILX(pIFIL, pTEXT, pTEXT, LONG, pTEXT, pTEXT) { return NotSupported(); }
-CTISAM_API COUNT BATSET(COUNT, pKEYREQ, pVOID, LONG, COUNT) { return NotSupported(); }
 
 }  // extern "C"
