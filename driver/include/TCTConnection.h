@@ -28,12 +28,19 @@ class TCTCustomRecordBuffer;
 /// The connection: holds the session settings, opens and closes the c-tree ISAM session, keeps
 /// the datasets open on it and is the storage driver for them. Storage methods return 0 or an
 /// error number (47 inactive, 1113 nil cursor, c-tree's own numbers, ...) and never throw;
-/// only the guarded setters and activation raise.
+/// only the guarded setters, activation and GetField on a buffer without a record raise.
 class TCTConnection : public fw::TComponent {
  public:
   // ---- published properties (defaults as listed)
   bool Active() const { return FActive; }  ///< False.
-  /// Opens (true) or closes (false) the session; see SetActive's contract below.
+  /// While the component is read from a form only remembers `value` (applied in Loaded).
+  /// Otherwise nothing happens when `value` equals Active. True loads the Alignment variant and
+  /// starts the ISAM session (INTISAMX with MaxBuffers, MaxFiles, MaxSectors, MaxBuffers, user
+  /// profile 592, or 529 with a server, UserName, Password, ServerName); 125, a session the
+  /// variant already has, is accepted and shared. Raises ECtreeException when the library cannot
+  /// be loaded or the session refused (the connection stays inactive). False closes every
+  /// registered dataset, last registered first, ends the session (CLISAM, its result ignored)
+  /// and unloads the variant.
   void SetActive(bool value);
   CTDbIntf::TLoadAlignment Alignment() const { return FAlignment; }  ///< laByte.
   /// Library variant; raises ECtreeException (ErrorCode 0) while active.
@@ -80,6 +87,7 @@ class TCTConnection : public fw::TComponent {
 
   // ---- datasets open on this connection (not owned)
   int DataSetCount() const { return static_cast<int>(FDataSets.size()); }
+  /// Dataset `index` (0-based, in registration order); std::out_of_range outside the list.
   fw::TDataSet* DataSets(int index) const { return FDataSets.at(static_cast<size_t>(index)); }
   /// Registers an open dataset (once); it is closed when the connection deactivates.
   void AddDataSet(fw::TDataSet* dataSet);
@@ -323,7 +331,7 @@ class TCTConnection : public fw::TComponent {
   void Loaded() override;
   /// Opens the ISAM session (INTISAMX); raises through CtError for results other than 0, 125.
   virtual void InitDatabase();
-  /// Closes the session file (when any) and the session; returns CLISAM's result.
+  /// Closes the session (CLISAM, which closes every file still open); returns its result.
   virtual int32_t CloseDatabase();
 
  private:
@@ -350,7 +358,6 @@ class TCTConnection : public fw::TComponent {
   std::string FIndexExt;
   std::string FSuperFileExt;
   std::vector<fw::TDataSet*> FDataSets;
-  int16_t FSessionFileNo = -1;
 };
 
 }  // namespace Ctdb

@@ -260,7 +260,11 @@ TEST_F(DefinitionTest, AddedIndexIsFilledAndWalked) {
   if (added == NSUP_ERR) GTEST_SKIP() << "the engine has no incremental indexes yet";
   ASSERT_EQ(added, 0);
   EXPECT_EQ(Cursor->IndexCount, 2);
-  UseIndex("ByName");
+  // Switched to directly: InitIndexes rebuilds the list from the table's IFIL alone.
+  CTIdxDesc use;
+  use.Name = "ByName";
+  use.IndexId = -1;
+  ASSERT_EQ(Conn->SwitchToIndex(Cursor.get(), &use, false), 0);
   EXPECT_EQ(Walk(true), (std::vector<int32_t>{2, 3, 1}));
   CTIdxDesc victim = byName;
   ASSERT_EQ(Conn->DeleteIndex(Cursor.get(), &victim), 0);

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 
@@ -167,17 +168,35 @@ void DataStore::Load(MDB_txn* txn) {
 void DataStore::Reload() {
   MDB_txn* txn = env_->Snapshot();
   Load(txn);
-  // Key databases for indexes another process added since are opened on first use.
-  if (keys_.size() < def_.idx.size()) WithShortRead(*env_, [&](MDB_txn* t) { OpenKeyDbs(t, false); });
+  // Key databases of indexes added or removed since are looked up again by name.
+  if (env_->Holding())
+    OpenKeyDbs(env_->Snapshot(), false);
+  else
+    WithShortRead(*env_, [&](MDB_txn* t) { OpenKeyDbs(t, false); });
 }
 
 void DataStore::OpenKeyDbs(MDB_txn* txn, bool create) {
   keys_.clear();
-  for (size_t i = 0; i < def_.idx.size(); ++i) {
-    std::string name = "k";
-    name += std::to_string(i);
-    keys_.push_back(env_->Dbi(txn, name, create));
+  for (IndexDef& ix : def_.idx) {
+    if (ix.keydb < 0) ix.keydb = NextKeyDb(def_);
+    keys_.push_back(env_->Dbi(txn, "k" + std::to_string(ix.keydb), create));
   }
+  conds_.clear();
+  conds_.resize(def_.idx.size());
+}
+
+int16_t DataStore::NextKeyDb(const FileDef& def) {
+  int16_t next = 0;
+  for (const IndexDef& ix : def.idx) next = std::max<int16_t>(next, static_cast<int16_t>(ix.keydb + 1));
+  return next;
+}
+
+bool DataStore::Accepts(size_t ordinal, const uint8_t* rec, size_t n) {
+  const IndexDef& ix = def_.idx[ordinal];
+  if (ix.cond.empty()) return true;
+  if (conds_.size() < def_.idx.size()) conds_.resize(def_.idx.size());
+  if (!conds_[ordinal]) conds_[ordinal] = Condition::Parse(ix.cond, fields_);
+  return conds_[ordinal]->Accepts(rec, n);
 }
 
 bool DataStore::Durable(int openMode) const {
@@ -192,7 +211,10 @@ const KeyLayout& DataStore::Layout(size_t ordinal) {
   return *layouts_[ordinal];
 }
 
-void DataStore::PutDef(MDB_txn* txn, const FileDef& def) {
+void DataStore::PutDef(MDB_txn* txn, const FileDef& given) {
+  FileDef def = given;
+  for (IndexDef& ix : def.idx)
+    if (ix.keydb < 0) ix.keydb = NextKeyDb(def);
   PutMeta(txn, meta_, "ifil", Serialize(def));
   def_ = def;
   hasIfil_ = true;
@@ -205,6 +227,8 @@ void DataStore::PutFields(MDB_txn* txn, const std::vector<FieldDef>& fields) {
   PutMeta(txn, meta_, "doda", Serialize(fields));
   fields_ = fields;
   hasFields_ = true;
+  conds_.clear();
+  conds_.resize(def_.idx.size());
   layouts_.clear();
   layouts_.resize(def_.idx.size());
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Condition.h"
 #include "KeyBuilder.h"
 #include "Lmdb.h"
 #include "Schema.h"
@@ -55,6 +56,10 @@ class DataStore {
   // Key layout of the index with that ordinal in the stored definition.
   const KeyLayout& Layout(size_t ordinal);
   size_t IndexCount() const { return def_.idx.size(); }
+  // The first key database number no index of def uses.
+  static int16_t NextKeyDb(const FileDef& def);
+  // False when index ordinal has a condition the record (n bytes) does not satisfy.
+  bool Accepts(size_t ordinal, const uint8_t* rec, size_t n);
 
   MDB_dbi RecDbi() const { return rec_; }
   MDB_dbi KeyDbi(size_t ordinal) const { return keys_[ordinal]; }
@@ -89,6 +94,7 @@ class DataStore {
   std::vector<FieldDef> fields_;
   bool hasFields_ = false;
   std::vector<std::unique_ptr<KeyLayout>> layouts_;
+  std::vector<std::shared_ptr<const Condition>> conds_;
   MDB_dbi meta_ = 0, rec_ = 0, res_ = 0;
   std::vector<MDB_dbi> keys_;
 };

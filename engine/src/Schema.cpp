@@ -11,6 +11,8 @@ namespace cte {
 namespace {
 
 constexpr uint32_t kDefVersion = 1;
+// Definition images of version 2 add, per index, the condition, key database and temporary flag.
+constexpr uint32_t kIfilVersion = 2;
 
 class Writer {
  public:
@@ -97,7 +99,7 @@ void Validate(const FileDef& def) {
 
 std::string Serialize(const FileDef& def) {
   Writer w;
-  w.U32(kDefVersion);
+  w.U32(kIfilVersion);
   w.Str(def.name);
   for (int16_t v : {def.dfilno, def.reclen, def.dxtdsiz, def.dfilmod, def.ixtdsiz, def.ifilmod,
                     def.tfilno})
@@ -117,13 +119,17 @@ std::string Serialize(const FileDef& def) {
       w.U16(static_cast<uint16_t>(s.length));
       w.U16(static_cast<uint16_t>(s.mode));
     }
+    w.Str(ix.cond);
+    w.U16(static_cast<uint16_t>(ix.keydb));
+    w.U16(static_cast<uint16_t>(ix.temp));
   }
   return w.Take();
 }
 
 FileDef ParseFileDef(const std::string& image) {
   Reader r(image);
-  if (r.U32() != kDefVersion) Throw(CT_EDAMAGED);
+  const uint32_t version = r.U32();
+  if (version != kDefVersion && version != kIfilVersion) Throw(CT_EDAMAGED);
   FileDef d;
   d.name = r.Str();
   d.dfilno = r.S16();
@@ -155,7 +161,14 @@ FileDef ParseFileDef(const std::string& image) {
       s.length = r.S16();
       s.mode = r.S16();
     }
+    if (version == kIfilVersion) {
+      ix.cond = r.Str();
+      ix.keydb = r.S16();
+      ix.temp = r.S16();
+    }
   }
+  for (size_t i = 0; i < d.idx.size(); ++i)
+    if (d.idx[i].keydb < 0) d.idx[i].keydb = static_cast<int16_t>(i);
   r.End();
   return d;
 }

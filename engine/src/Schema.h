@@ -24,6 +24,9 @@ struct IndexDef {
   std::string name;      // ridxnam
   std::string fileName;  // aidxnam as given (empty: the set's shared index file)
   std::string file;      // name of the index file beside the data file, assigned at creation
+  std::string cond;      // condition expression (empty: every record has a key)
+  int16_t keydb = -1;    // number of the key database ("k<keydb>"), assigned when stored
+  int16_t temp = 0;      // 1 while the index is temporary (TMPIIDXX until PRMIIDX)
 };
 
 struct FileDef {

@@ -155,7 +155,13 @@ int Session::OpenIfil(int filno, const std::string& path, int filmod, const char
   std::map<std::string, std::pair<std::shared_ptr<Env>, std::shared_ptr<FileLock>>> idxFiles;
   for (const std::string& f : IndexFiles(def)) {
     auto lock = std::make_shared<FileLock>(dir + f, exclusive);
-    idxFiles[f] = {IndexFile::Open(dir + f), lock};
+    // The data file is sound but its index file is not: the set must be rebuilt (RBLIFIL).
+    try {
+      idxFiles[f] = {IndexFile::Open(dir + f), lock};
+    } catch (const Fail& e) {
+      if (e.code == CT_EDAMAGED) Throw(FCRP_ERR);
+      throw;
+    }
   }
   h->name = path;
   h->path = path;

@@ -148,6 +148,18 @@ class Session {
   void ChangeContext(int id);
   void CloseContext(int id);
 
+  // Session.indexes.cpp: conditions, indexes added to an open file, rebuild and compaction.
+  // UPDCIDX: sets (or with an empty expr removes) the condition of keyno and rebuilds the index.
+  void UpdateCondition(int keyno, const char* expr);
+  std::string GetCondition(int keyno);
+  // TMPIIDXX: adds the indexes of `added` to open data file datno as file numbers firstKeyno..
+  // (-1: the engine picks), fills them from the records; returns the first number.
+  int AddIndexes(int datno, int firstKeyno, FileDef added, const char* idxext, bool temp);
+  // PRMIIDX: the temporary indexes of datno become permanent.
+  void MakePermanent(int datno);
+  // RBLIFIL / CMPIFIL on a closed set.
+  void Rebuild(const FileDef& def, const char* dataext, const char* idxext, const char* password, bool compact);
+
   // Session.locks.cpp: lock sets, record locks, transactions.
   void LockSet(int mode);
   void LockRecord(int datno, int mode, uint32_t pos);
@@ -170,6 +182,11 @@ class Session {
   int16_t Claim(int filno, int count);
   void Release(int filno);
   void DropContexts(int datno);
+  // Empties the key database of index ordinal and adds the key of every record (inside txn).
+  void FillIndex(DataStore& s, MDB_txn* txn, size_t ordinal);
+  // Marks index ordinal's current keys unknown in every context of data handle `data` (and
+  // gives its positions room for indexes added since).
+  void ForgetKeys(Handle& data, size_t ordinal);
   // True while writes go to held transactions (lock set or transaction active).
   bool HoldingMode() const { return lockMode_ != FREE || tranActive_; }
   // True while reads take locks (a lock set active and not suspended).

@@ -107,7 +107,7 @@ void Session::AddRec(int datno, void* rec, long len) {
     for (size_t i = 0; i < nidx; ++i) {
       const KeyLayout& k = s.Layout(i);
       uint8_t* key = keys + i * CT_MAXKEYLEN;
-      if (!k.Build(r, n, pos, key)) PutKey(txn, s.KeyDbi(i), key, k.KeyLen(), pos);
+      if (!k.Build(r, n, pos, key) && s.Accepts(i, r, n)) PutKey(txn, s.KeyDbi(i), key, k.KeyLen(), pos);
     }
     MDB_val k = PosKey(pos), v{n, r};
     Check(mdb_put(txn, s.RecDbi(), &k, &v, MDB_APPEND));
@@ -152,8 +152,9 @@ void Session::Rewrite(int datno, const void* rec, long len) {
       const KeyLayout& layout = s.Layout(i);
       uint8_t* ok = oldKeys + i * CT_MAXKEYLEN;
       uint8_t* nk = newKeys + i * CT_MAXKEYLEN;
-      bool oldNull = layout.Build(static_cast<const uint8_t*>(old.mv_data), old.mv_size, pos, ok);
-      bool newNull = layout.Build(r, n, pos, nk);
+      const uint8_t* o = static_cast<const uint8_t*>(old.mv_data);
+      bool oldNull = layout.Build(o, old.mv_size, pos, ok) || !s.Accepts(i, o, old.mv_size);
+      bool newNull = layout.Build(r, n, pos, nk) || !s.Accepts(i, r, n);
       if (oldNull == newNull && std::memcmp(ok, nk, layout.KeyLen()) == 0) continue;
       if (!oldNull) DelKey(txn, s.KeyDbi(i), ok, layout.KeyLen());
       if (!newNull) PutKey(txn, s.KeyDbi(i), nk, layout.KeyLen(), pos);
@@ -191,7 +192,8 @@ void Session::DeleteRec(int datno) {
     for (size_t i = 0; i < nidx; ++i) {
       const KeyLayout& layout = s.Layout(i);
       uint8_t* key = keys + i * CT_MAXKEYLEN;
-      if (!layout.Build(static_cast<const uint8_t*>(old.mv_data), old.mv_size, pos, key))
+      const uint8_t* o = static_cast<const uint8_t*>(old.mv_data);
+      if (!layout.Build(o, old.mv_size, pos, key) && s.Accepts(i, o, old.mv_size))
         DelKey(txn, s.KeyDbi(i), key, layout.KeyLen());
     }
     Check(mdb_del(txn, s.RecDbi(), &k, nullptr));

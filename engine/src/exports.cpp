@@ -361,14 +361,18 @@ CTISAM_API LONG SERIALNUM(COUNT datno) {
 CTISAM_API COUNT GETALTSEQ(COUNT, pCOUNT) { return NotSupported(); }
 CTISAM_API COUNT SETALTSEQ(COUNT, pCOUNT) { return NotSupported(); }
 CTISAM_API COUNT SETVARBYTS(COUNT, pUTEXT) { return NotSupported(); }
-// No index has a condition until conditional indexes exist: 0 with NCON_ERR.
-CTISAM_API LONG GETCIDX(COUNT keyno, LONG, pVOID) {
-  return RunValue<LONG>([&](Session& s) -> LONG {
-    s.IdxEnt(keyno);
-    Throw(NCON_ERR);
+CTISAM_API LONG GETCIDX(COUNT keyno, LONG len, pVOID buf) {
+  return RunValue<LONG>([&](Session& s) {
+    std::string cond = s.GetCondition(keyno);
+    const LONG need = static_cast<LONG>(cond.size() + 1);
+    if (buf) {
+      if (len < need) Throw(CT_EBADARG);
+      std::memcpy(buf, cond.c_str(), cond.size() + 1);
+    }
+    return need;
   });
 }
-CTISAM_API COUNT UPDCIDX(COUNT, pTEXT) { return NotSupported(); }
+CTISAM_API COUNT UPDCIDX(COUNT keyno, pTEXT expr) { return Run([&](Session& s) { s.UpdateCondition(keyno, expr); }); }
 
 /* ---- contexts ---- */
 CTISAM_API COUNT OPNICON(COUNT datno, COUNT contextid, COUNT) {

@@ -210,14 +210,27 @@ CTISAM_API COUNT PUTDODA(COUNT datno, pDATOBJ doda, UCOUNT count) {
   });
 }
 
-/* Incremental indexes, maps, rebuild, compaction, batches (next engine issue). */
-CTISAM_API COUNT TMPIIDXX(pIFIL, LONG, pTEXT, pTEXT) { return NotSupported(); }
-CTISAM_API COUNT PRMIIDX(pIFIL) { return NotSupported(); }
+CTISAM_API COUNT TMPIIDXX(pIFIL ifil, LONG, pTEXT, pTEXT) {
+  return Run([&](Session& s) {
+    FileDef d = FromIfil(ifil);
+    ifil->tfilno = static_cast<COUNT>(s.AddIndexes(ifil->dfilno, ifil->tfilno, d, nullptr, true));
+  });
+}
+CTISAM_API COUNT PRMIIDX(pIFIL ifil) {
+  return Run([&](Session& s) {
+    if (!ifil) Throw(CT_EBADARG);
+    s.MakePermanent(ifil->dfilno);
+  });
+}
 CTISAM_API COUNT setimap(COUNT, pIFIL, COUNT, COUNT) { return NotSupported(); }
-CTISAM_API COUNT RBLIFIL(pIFIL) { return NotSupported(); }
-CTISAM_API COUNT RBLIFILX(pIFIL, pTEXT, pTEXT, LONG, pTEXT, pTEXT) { return NotSupported(); }
-CTISAM_API COUNT CMPIFIL(pIFIL) { return NotSupported(); }
-CTISAM_API COUNT CMPIFILX(pIFIL, pTEXT, pTEXT, LONG, pTEXT, pTEXT) { return NotSupported(); }
+CTISAM_API COUNT RBLIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, LONG, pTEXT, pTEXT password) {
+  return Run([&](Session& s) { s.Rebuild(FromIfil(ifil), dataext, indexext, password, false); });
+}
+CTISAM_API COUNT RBLIFIL(pIFIL ifil) { return RBLIFILX(ifil, nullptr, nullptr, 0, nullptr, nullptr); }
+CTISAM_API COUNT CMPIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, LONG, pTEXT, pTEXT password) {
+  return Run([&](Session& s) { s.Rebuild(FromIfil(ifil), dataext, indexext, password, true); });
+}
+CTISAM_API COUNT CMPIFIL(pIFIL ifil) { return CMPIFILX(ifil, nullptr, nullptr, 0, nullptr, nullptr); }
 CTISAM_API COUNT BATSET(COUNT, pKEYREQ, pVOID, LONG, COUNT) { return NotSupported(); }
 
 }  // extern "C"

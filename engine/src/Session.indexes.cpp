@@ -1,0 +1,223 @@
+// Session.indexes: index conditions, indexes added to an open file, rebuilding and compacting.
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "Session.h"
+
+namespace cte {
+
+namespace {
+
+std::string DirOf(const std::string& path) {
+  size_t slash = path.rfind('/');
+  return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+}
+
+std::string BaseOf(const std::string& path) {
+  size_t slash = path.rfind('/');
+  return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+// The index files of a definition, in the order they are first used.
+std::vector<std::string> FilesOf(const FileDef& d) {
+  std::vector<std::string> files;
+  for (const IndexDef& ix : d.idx)
+    if (std::find(files.begin(), files.end(), ix.file) == files.end()) files.push_back(ix.file);
+  return files;
+}
+
+}  // namespace
+
+void Session::FillIndex(DataStore& s, MDB_txn* txn, size_t ordinal) {
+  const MDB_dbi dbi = s.KeyDbi(ordinal);
+  Check(mdb_drop(txn, dbi, 0));
+  const KeyLayout& layout = s.Layout(ordinal);
+  uint8_t key[CT_MAXKEYLEN];
+  MDB_cursor* c = nullptr;
+  Check(mdb_cursor_open(txn, s.RecDbi(), &c));
+  MDB_val k{}, v{};
+  int rc = mdb_cursor_get(c, &k, &v, MDB_FIRST);
+  try {
+    for (; rc == 0; rc = mdb_cursor_get(c, &k, &v, MDB_NEXT)) {
+      uint32_t pos;
+      std::memcpy(&pos, k.mv_data, sizeof pos);
+      const uint8_t* r = static_cast<const uint8_t*>(v.mv_data);
+      if (layout.Build(r, v.mv_size, pos, key) || !s.Accepts(ordinal, r, v.mv_size)) continue;
+      MDB_val kk{static_cast<size_t>(layout.KeyLen()), key}, pv{sizeof pos, &pos};
+      int put = mdb_put(txn, dbi, &kk, &pv, MDB_NOOVERWRITE);
+      if (put == MDB_KEYEXIST) Throw(KDUP_ERR);
+      Check(put);
+    }
+    if (rc != MDB_NOTFOUND) Check(rc);
+  } catch (...) {
+    mdb_cursor_close(c);
+    throw;
+  }
+  mdb_cursor_close(c);
+}
+
+void Session::UpdateCondition(int keyno, const char* expr) {
+  Handle& f = Index(keyno);
+  Handle& h = *files_[f.datno];
+  CheckWritable(h);
+  DataStore& s = *h.store;
+  std::string text = expr ? expr : "";
+  if (!text.empty()) Condition::Parse(text, s.fields());
+  FileDef def = s.def();
+  def.idx[f.ordinal].cond = text;
+  const size_t ordinal = f.ordinal;
+  WriteDefinition(h, [&](MDB_txn* txn) {
+    s.PutDef(txn, def);
+    FillIndex(s, txn, ordinal);
+  });
+  for (auto& p : files_)
+    if (p && !p->isIndex && p->store.get() == &s) ForgetKeys(*p, ordinal);
+}
+
+std::string Session::GetCondition(int keyno) {
+  Handle& f = Index(keyno);
+  const std::string& cond = f.store->def().idx[f.ordinal].cond;
+  if (cond.empty()) Throw(NCON_ERR);
+  return cond;
+}
+
+void Session::ForgetKeys(Handle& data, size_t ordinal) {
+  auto forget = [&](Position& p) {
+    while (p.keys.size() < data.store->IndexCount()) p.keys.push_back(std::make_unique<KeyPos>());
+    if (ordinal < p.keys.size()) p.keys[ordinal]->valid = p.keys[ordinal]->at = false;
+  };
+  forget(*data.base);
+  for (auto& [id, ctx] : contexts_)
+    if (ctx.datno == data.self) forget(*ctx.pos);
+}
+
+int Session::AddIndexes(int datno, int firstKeyno, FileDef added, const char* idxext, bool temp) {
+  Handle& h = Data(datno);
+  CheckWritable(h);
+  DataStore& s = *h.store;
+  if (added.idx.empty()) Throw(CT_EBADDEF);
+  FileDef def = s.def();
+  if (!s.HasIfil()) {
+    def.name = added.name;
+    def.reclen = static_cast<int16_t>(s.RecLen());
+  }
+  added.reclen = static_cast<int16_t>(s.RecLen());
+  Validate(added);
+  const std::string ext = idxext && *idxext ? idxext : ".idx";
+  const std::string dir = DirOf(h.path);
+  for (IndexDef& ix : added.idx) {
+    ix.file = BaseOf((ix.fileName.empty() ? added.name : ix.fileName) + ext);
+    ix.keydb = -1;
+    ix.temp = temp ? 1 : 0;
+    for (const IndexDef& old : def.idx)
+      if (old.file == ix.file || (!ix.name.empty() && old.name == ix.name)) Throw(DCRAT_ERR);
+  }
+  for (const std::string& f : FilesOf(added))
+    if (FileSize(dir + f) >= 0) Throw(DCRAT_ERR);
+  const int count = static_cast<int>(added.idx.size());
+  const int16_t first = Claim(firstKeyno, count);
+  const size_t base = def.idx.size();
+  for (IndexDef& ix : added.idx) def.idx.push_back(ix);
+  std::vector<std::string> made;
+  std::map<std::string, std::shared_ptr<Env>> envs;
+  try {
+    for (const std::string& f : FilesOf(added)) {
+      std::vector<IndexDef> members;
+      for (const IndexDef& ix : added.idx)
+        if (ix.file == f) members.push_back(ix);
+      envs[f] = IndexFile::Create(dir + f, BaseOf(h.path), members);
+      made.push_back(dir + f);
+    }
+    WriteDefinition(h, [&](MDB_txn* txn) {
+      s.PutDef(txn, def);
+      for (size_t i = base; i < def.idx.size(); ++i) FillIndex(s, txn, i);
+    });
+  } catch (...) {
+    envs.clear();
+    for (const std::string& m : made) RemoveFile(m);
+    throw;
+  }
+  for (int i = 0; i < count; ++i) {
+    auto k = std::make_unique<Handle>();
+    k->isIndex = true;
+    k->name = dir + added.idx[i].file;
+    k->path = k->name;
+    k->mode = h.mode;
+    k->store = h.store;
+    k->idxEnv = envs[added.idx[i].file];
+    k->datno = h.self;
+    k->self = static_cast<int16_t>(first + i);
+    k->ordinal = base + i;
+    files_[first + i] = std::move(k);
+  }
+  for (auto& p : files_) {
+    if (!p || p->isIndex || p->store.get() != &s) continue;
+    p->keynos.resize(s.IndexCount(), -1);
+    ForgetKeys(*p, base);
+  }
+  for (int i = 0; i < count; ++i) h.keynos[base + i] = static_cast<int16_t>(first + i);
+  return first;
+}
+
+void Session::MakePermanent(int datno) {
+  Handle& h = Data(datno);
+  CheckWritable(h);
+  FileDef def = h.store->def();
+  bool any = false;
+  for (IndexDef& ix : def.idx) {
+    any = any || ix.temp;
+    ix.temp = 0;
+  }
+  if (!any) Throw(CT_ENOTIDX);
+  WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
+}
+
+void Session::Rebuild(const FileDef& given, const char* dataext, const char* idxext, const char* password,
+                      bool compact) {
+  const std::string path = given.name + (dataext ? dataext : ".dat");
+  const std::string ext = idxext && *idxext ? idxext : ".idx";
+  const std::string dir = DirOf(path);
+  {
+    FileLock lock(path, true);
+    std::shared_ptr<DataStore> s = DataStore::Open(path, password);
+    FileDef def = s->HasIfil() ? s->def() : given;
+    if (!s->HasIfil()) {
+      Validate(def);
+      for (IndexDef& ix : def.idx) ix.file = BaseOf((ix.fileName.empty() ? def.name : ix.fileName) + ext);
+    }
+    // Index files hold only definitions: they are made again from the data file's definition.
+    for (const std::string& f : FilesOf(def)) {
+      std::vector<IndexDef> members;
+      for (const IndexDef& ix : def.idx)
+        if (ix.file == f) members.push_back(ix);
+      try {
+        FileLock idxLock(dir + f, true);
+      } catch (const Fail&) {
+        if (FileSize(dir + f) >= 0) throw;
+      }
+      RemoveFile(dir + f);
+      IndexFile::Create(dir + f, BaseOf(path), members);
+    }
+    Env& env = s->env();
+    WriteTxn w(env);
+    s->PutDef(w.Get(), def);
+    for (size_t i = 0; i < def.idx.size(); ++i) FillIndex(*s, w.Get(), i);
+    w.Commit(true);
+    if (!compact) return;
+    // The compacting copy leaves out the free pages; it replaces the file while nobody has it
+    // open (the exclusive lock is still held).
+    const std::string tmp = path + ".cmp";
+    RemoveFile(tmp);
+    int rc = mdb_env_copy2(env.Raw(), tmp.c_str(), MDB_CP_COMPACT);
+    if (rc != 0) {
+      RemoveFile(tmp);
+      ThrowLmdb(rc);
+    }
+  }
+  if (::rename((path + ".cmp").c_str(), path.c_str()) != 0) Throw(CT_EIO, errno);
+  ::unlink((path + "-lock").c_str());
+}
+
+}  // namespace cte

@@ -1,0 +1,177 @@
+// EngineIndexes_test: index conditions, indexes added to an open table, rebuild and compaction.
+#include <fstream>
+
+#include "EngineFixture.h"
+
+namespace {
+
+class EngineIndexes : public EngineTest {
+ protected:
+  // The customers table with its schema and ids 1..n, balance 10 * id, cities cycling.
+  COUNT Filled(int n) {
+    COUNT dat = CreateCustomers();
+    DATOBJ doda[5] = {{(pTEXT) "id", nullptr, CT_INT4, 4, 0},
+                      {(pTEXT) "name", nullptr, CT_FSTRING, 30, 0},
+                      {(pTEXT) "city", nullptr, CT_FSTRING, 20, 0},
+                      {(pTEXT) "balance", nullptr, CT_DFLOAT, 8, 0},
+                      {(pTEXT) "date", nullptr, CT_INT4, 4, 0}};
+    EXPECT_EQ(api.PUTDODA(dat, doda, 5), 0);
+    const char* cities[] = {"Oslo", "Paris", "Rome"};
+    for (int id = 1; id <= n; ++id) EXPECT_EQ(Add(dat, id, ("n" + std::to_string(id)).c_str(), cities[id % 3], 10.0 * id), 0);
+    return dat;
+  }
+  COUNT Find(COUNT keyno, int id, Customer& c) {
+    Customer k = MakeCustomer(id, "", "");
+    uint8_t key[4];
+    api.frmkey(keyno, (pTEXT) &k, (pTEXT) key, 0, 0);
+    return api.EQLREC(keyno, key, &c);
+  }
+  std::string Condition(COUNT keyno) {
+    LONG n = api.GETCIDX(keyno, 0, nullptr);
+    if (n <= 0) return "<none>";
+    std::string text(n, '\0');
+    EXPECT_EQ(api.GETCIDX(keyno, n, text.data()), n);
+    return text.c_str();
+  }
+};
+
+TEST_F(EngineIndexes, ConditionDecidesWhichRecordsHaveKeysOnEveryWrite) {
+  COUNT dat = Filled(30);
+  EXPECT_EQ(Condition(dat + 2), "<none>");
+  EXPECT_EQ(LastError(), NCON_ERR);
+  ASSERT_EQ(api.UPDCIDX(dat + 2, (pTEXT) "balance > 100 && city <> 'Oslo'"), 0);
+  EXPECT_EQ(Condition(dat + 2), "balance > 100 && city <> 'Oslo'");
+  EXPECT_EQ(api.IDXENT(dat + 2), 13);  // ids 11..30 less the seven in Oslo
+  Customer c{};
+  ASSERT_EQ(api.FRSREC(dat + 2, &c), 0);
+  EXPECT_STREQ(c.city, "Paris");
+  EXPECT_GT(c.balance, 100);
+
+  ASSERT_EQ(Add(dat, 31, "new", "Rome", 500), 0);    // in
+  ASSERT_EQ(Add(dat, 32, "poor", "Rome", 5), 0);     // out
+  EXPECT_EQ(api.IDXENT(dat + 2), 14);
+  ASSERT_EQ(Find(dat + 1, 32, c), 0);
+  c.balance = 1000;
+  ASSERT_EQ(api.RWTREC(dat, &c), 0);                  // moves in
+  ASSERT_EQ(Find(dat + 1, 31, c), 0);
+  std::strcpy(c.city, "Oslo");
+  ASSERT_EQ(api.RWTREC(dat, &c), 0);                  // moves out
+  EXPECT_EQ(api.IDXENT(dat + 2), 14);
+  ASSERT_EQ(Find(dat + 1, 32, c), 0);
+  ASSERT_EQ(api.DELREC(dat), 0);
+  EXPECT_EQ(api.IDXENT(dat + 2), 13);
+
+  // The condition is stored with the file; an empty one gives every record its key again.
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  ASSERT_EQ(api.OPNRFIL(dat, (pTEXT) "customers.dat", SHARED), 0);
+  EXPECT_EQ(Condition(dat + 2), "balance > 100 && city <> 'Oslo'");
+  ASSERT_EQ(api.UPDCIDX(dat + 2, (pTEXT) ""), 0);
+  EXPECT_EQ(api.IDXENT(dat + 2), api.DATENT(dat));
+  EXPECT_EQ(Condition(dat + 2), "<none>");
+}
+
+TEST_F(EngineIndexes, ConditionArithmeticTextAndPrecedence) {
+  COUNT dat = Filled(12);
+  ASSERT_EQ(api.UPDCIDX(dat + 2, (pTEXT) "(id % 4 == 0 || name == 'n1') && !(balance / 10 >= 12)"), 0);
+  EXPECT_EQ(api.IDXENT(dat + 2), 3);  // ids 1, 4, 8
+  ASSERT_EQ(api.UPDCIDX(dat + 2, (pTEXT) "city + \"!\" = 'Rome!' && -id < -6"), 0);
+  EXPECT_EQ(api.IDXENT(dat + 2), 2);  // ids 8 and 11
+}
+
+TEST_F(EngineIndexes, MalformedConditionIsRefusedAndChangesNothing) {
+  COUNT dat = Filled(10);
+  ASSERT_EQ(api.UPDCIDX(dat + 2, (pTEXT) "id > 5"), 0);
+  for (const char* bad : {"id >", "nosuch > 1", "name + 1 > 2", "'text'", "id > 'a'", "(id > 1", "id > 1 )",
+                          "id >> 1", "city && id"})
+    EXPECT_EQ(api.UPDCIDX(dat + 2, (pTEXT) bad), CT_EBADCOND) << bad;
+  EXPECT_EQ(Condition(dat + 2), "id > 5");
+  EXPECT_EQ(api.IDXENT(dat + 2), 5);
+  EXPECT_EQ(api.UPDCIDX(dat, (pTEXT) "id > 1"), CT_ENOTIDX);
+}
+
+TEST_F(EngineIndexes, IndexAddedToOpenTableIsFilledMaintainedAndKept) {
+  COUNT dat = Filled(20);
+  ISEG seg[1] = {{4, 30, REGSEG}};
+  IIDX ix[1] = {{34, 0, 1, 0, 0, 1, seg, (pTEXT) "by_name", nullptr, nullptr, nullptr}};
+  IFIL add = {(pTEXT) "byname", dat, sizeof(Customer), 0, SHARED, 1, 0, SHARED, ix, nullptr, nullptr, -1};
+  ASSERT_EQ(api.TMPIIDXX(&add, 0, nullptr, nullptr), 0);
+  COUNT k = add.tfilno;
+  ASSERT_GT(k, dat + 2);
+  EXPECT_EQ(api.IDXENT(k), 20);
+  ASSERT_EQ(api.PRMIIDX(&add), 0);
+  ASSERT_EQ(Add(dat, 21, "aaa", "Rome"), 0);
+  EXPECT_EQ(api.IDXENT(k), 21);
+  Customer c{};
+  ASSERT_EQ(api.FRSREC(k, &c), 0);
+  EXPECT_STREQ(c.name, "aaa");
+
+  // Added twice: refused, nothing changes.
+  IFIL again = add;
+  again.tfilno = -1;
+  EXPECT_EQ(api.TMPIIDXX(&again, 0, nullptr, nullptr), DCRAT_ERR);
+  again.pfilnam = (pTEXT) "other";
+  EXPECT_EQ(api.TMPIIDXX(&again, 0, nullptr, nullptr), DCRAT_ERR);  // same index name
+  EXPECT_FALSE(std::filesystem::exists("other.idx"));
+  EXPECT_EQ(api.GETIFIL(dat, 0, nullptr) > 0, true);
+
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+  EXPECT_EQ(api.IDXENT(3), 21);
+  ASSERT_EQ(api.LSTREC(3, &c), 0);
+  EXPECT_STREQ(c.name, "n9");
+}
+
+TEST_F(EngineIndexes, UniqueClashWhileFillingLeavesTheTableAsItWas) {
+  COUNT dat = Filled(6);
+  ISEG seg[1] = {{34, 20, REGSEG}};
+  IIDX ix[1] = {{20, 0, 0, 0, 0, 1, seg, (pTEXT) "city_unique", nullptr, nullptr, nullptr}};
+  IFIL add = {(pTEXT) "cities", dat, sizeof(Customer), 0, SHARED, 1, 0, SHARED, ix, nullptr, nullptr, -1};
+  EXPECT_EQ(api.TMPIIDXX(&add, 0, nullptr, nullptr), KDUP_ERR);
+  EXPECT_FALSE(std::filesystem::exists("cities.idx"));
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+  EXPECT_EQ(api.GETFIL(3, FILTYP), -1);  // no third index
+}
+
+TEST_F(EngineIndexes, RebuildRepairsADamagedIndexFileAndLostKeys) {
+  COUNT dat = Filled(50);
+  uint8_t key[4];
+  for (int id = 1; id <= 10; ++id) {
+    Customer k = MakeCustomer(id, "", "");
+    api.frmkey(dat + 1, (pTEXT) &k, (pTEXT) key, 0, 0);
+    ASSERT_EQ(api.DELBLD(dat + 1, key), 0);
+  }
+  EXPECT_EQ(api.IDXENT(dat + 1), 40);
+  IFIL ifil = def_.ifil;
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  { std::ofstream("customers.idx", std::ios::trunc) << std::string(5000, 'x'); }
+  EXPECT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), FCRP_ERR);
+  ASSERT_EQ(api.RBLIFIL(&ifil), 0);
+  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+  EXPECT_EQ(api.IDXENT(1), 50);
+  EXPECT_EQ(api.IDXENT(2), 50);
+  Customer c{};
+  ASSERT_EQ(Find(1, 3, c), 0);
+  EXPECT_STREQ(c.name, "n3");
+  EXPECT_EQ(api.RBLIFIL(&ifil), FNOP_ERR);  // the set is open
+}
+
+TEST_F(EngineIndexes, CompactionReclaimsDeletedSpaceAndKeepsRecords) {
+  COUNT dat = Filled(3000);
+  Customer c{};
+  for (COUNT rc = api.FRSREC(dat, &c); rc == 0; rc = api.NXTREC(dat, &c))
+    if (c.id % 10) ASSERT_EQ(api.DELREC(dat), 0);
+  IFIL ifil = def_.ifil;
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  auto before = std::filesystem::file_size("customers.dat");
+  ASSERT_EQ(api.CMPIFIL(&ifil), 0);
+  EXPECT_LT(std::filesystem::file_size("customers.dat"), before);
+  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+  EXPECT_EQ(api.DATENT(0), 300);
+  EXPECT_EQ(api.IDXENT(2), 300);
+  ASSERT_EQ(Find(1, 2990, c), 0);
+  EXPECT_EQ(c.balance, 29900);
+  EXPECT_EQ(Add(0, 5000, "later", "Oslo"), 0);
+}
+
+}  // namespace
