@@ -28,12 +28,19 @@ class TCTCustomRecordBuffer;
 /// The connection: holds the session settings, opens and closes the c-tree ISAM session, keeps
 /// the datasets open on it and is the storage driver for them. Storage methods return 0 or an
 /// error number (47 inactive, 1113 nil cursor, c-tree's own numbers, ...) and never throw;
-/// only the guarded setters and activation raise.
+/// only the guarded setters, activation and GetField on a buffer without a record raise.
 class TCTConnection : public fw::TComponent {
  public:
   // ---- published properties (defaults as listed)
   bool Active() const { return FActive; }  ///< False.
-  /// Opens (true) or closes (false) the session; see SetActive's contract below.
+  /// While the component is read from a form only remembers `value` (applied in Loaded).
+  /// Otherwise nothing happens when `value` equals Active. True loads the Alignment variant and
+  /// starts the ISAM session (INTISAMX with MaxBuffers, MaxFiles, MaxSectors, MaxBuffers, user
+  /// profile 592, or 529 with a server, UserName, Password, ServerName); 125, a session the
+  /// variant already has, is accepted and shared. Raises ECtreeException when the library cannot
+  /// be loaded or the session refused (the connection stays inactive). False closes every
+  /// registered dataset, last registered first, ends the session (CLISAM, its result ignored)
+  /// and unloads the variant.
   void SetActive(bool value);
   CTDbIntf::TLoadAlignment Alignment() const { return FAlignment; }  ///< laByte.
   /// Library variant; raises ECtreeException (ErrorCode 0) while active.
@@ -80,6 +87,7 @@ class TCTConnection : public fw::TComponent {
 
   // ---- datasets open on this connection (not owned)
   int DataSetCount() const { return static_cast<int>(FDataSets.size()); }
+  /// Dataset `index` (0-based, in registration order); std::out_of_range outside the list.
   fw::TDataSet* DataSets(int index) const { return FDataSets.at(static_cast<size_t>(index)); }
   /// Registers an open dataset (once); it is closed when the connection deactivates.
   void AddDataSet(fw::TDataSet* dataSet);
@@ -183,172 +191,147 @@ class TCTConnection : public fw::TComponent {
   /// 47, 1113, 1125, 1112 as GetField (also when the buffer holds no record).
   int32_t SetField(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, const void* src);
 
-  // ==== driver part two: cursors, records, table and index definition, blobs ====
-  // Every method below returns 0 or an error number and never throws: 47 inactive connection,
-  // 1113 nil cursor, 101 no record (end, start, outside the range, key not found), otherwise the
-  // numbers listed with it or c-tree's own.
+  // ==== storage driver: cursors, records, table and index definition, blobs ====
+  // Each returns 0 or a number and never throws: 47 inactive, 1113 nil cursor, 101 no record
+  // (end, start, outside the range, key not found), the numbers named below, or c-tree's own.
 
-  /// The index-key hook (not published; a table installs it for its OnIndexRecord): asked by
-  /// AddIndexKey, AppendRecord, CheckRecord and RebuildIndex whether a record belongs in an index
-  /// that the package maintains itself (`Maintained` word 0). Empty: such indexes get no keys on
-  /// append and modify.
+  /// The index-key hook (a table installs it for OnIndexRecord): asked whether a record belongs
+  /// in an index the package maintains itself (`Maintained` 0). Empty: such indexes get no keys
+  /// on append and modify.
   TCTIndexKeyEvent OnIndexKey;
 
   // ---- cursors and navigation (TCTConnection.cursor.cpp)
-  /// Opens table `tableName` (host "!" member for a superfile member) in directory `database`
-  /// with c-tree mode `openFlags` (1 shared, 8 read only): the data file and every index its IFIL
-  /// names, its IFIL, fields and properties. `cursor` receives the new cursor (position cpNone,
-  /// physical order); it is left empty on failure, when nothing stays open. 1136 when the file
-  /// was made by a library of another alignment; c-tree's numbers (12 missing, 455 password, ...).
+  /// Opens `tableName` (host!member for a superfile member) in `database` with c-tree mode
+  /// `openFlags` (1 shared, 8 read only): data file, indexes, IFIL, fields, properties; position
+  /// cpNone, physical order. On failure `cursor` stays empty and nothing stays open; 1136 for a
+  /// file of another alignment, 12 missing, 455 password.
   int32_t OpenCursor(std::unique_ptr<TCTCursorDesc>& cursor, const std::string& tableName,
                      const std::string& database, int32_t openFlags);
-  /// Closes the cursor's files (index files opened with OpenIndex, the schema file, the data file
-  /// with its indexes), frees the cursor and empties `cursor`. 47, 1113 for an empty `cursor`.
+  /// Closes OpenIndex's index files, the schema file and the table, frees and empties `cursor`.
   int32_t CloseCursor(std::unique_ptr<TCTCursorDesc>& cursor);
-  /// `key` becomes a zero-filled buffer of the current index's key length, which is returned
-  /// (0 for a nil cursor).
+  /// `key` becomes zeros of the current index's key length, which is returned (0: nil cursor).
   int32_t AllocateKey(TCTCursorDesc* cursor, std::vector<uint8_t>& key);
-  /// Builds the current index's key of the buffer's record (with a 0 position suffix on an index
-  /// allowing duplicates) into `key`, sized to the key length. 47, 1113, 1137 in physical order,
-  /// 100 when the buffer holds no record, or c-tree's number.
+  /// The current index's key of the buffer's record (position suffix 0 on a duplicate index).
+  /// 1137 in physical order, 100 when the buffer holds no record.
   int32_t ExtractKey(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer, std::vector<uint8_t>& key);
-  /// Re-reads the current record into `buffer` (null: only checks) and stands the current index
-  /// on it again; with a write or read lock the record is locked first. 1102 at cpEof, 1101 at
-  /// cpBof, 101 when the record fell out of the range.
+  /// Re-reads the current record into `buffer` (may be null), locking it first for a write or
+  /// read lock, and stands the index on it. 1102 at cpEof, 1101 at cpBof, 101 outside the range.
   int32_t GetCurrentRecord(TCTCursorDesc* cursor, CTLockType lockType, TCTCustomRecordBuffer* buffer);
-  /// Moves to the next record in the current order within the range and reads it into `buffer`
-  /// (may be null) with its bookmark. From cpBof the first record; 101 at once from cpEof. On
-  /// success the position is cpNone and the sequence number grows by one; otherwise the position
-  /// is cpEof and the sequence number is the record count.
+  /// Next record in the current order within the range, read into `buffer` (may be null) with
+  /// its bookmark; from cpBof the first, from cpEof 101 at once. Success: cpNone and the sequence
+  /// number grows; failure: cpEof and the sequence number is the record count.
   int32_t GetNextRecord(TCTCursorDesc* cursor, CTLockType lockType, TCTCustomRecordBuffer* buffer);
-  /// The mirror of GetNextRecord: from cpEof the last record; 101 at once from cpBof; on failure
-  /// the position is cpBof and the sequence number -1.
+  /// The mirror of GetNextRecord; failure leaves cpBof and sequence number -1.
   int32_t GetPriorRecord(TCTCursorDesc* cursor, CTLockType lockType, TCTCustomRecordBuffer* buffer);
-  /// Position cpBof (and sequence number 0); nothing is read.
+  /// Position cpBof, sequence number 0; nothing is read.
   int32_t SetToBegin(TCTCursorDesc* cursor);
   /// Position cpEof; nothing is read.
   int32_t SetToEnd(TCTCursorDesc* cursor);
-  /// `bookmark` receives the current record's position; 100 without a current record.
+  /// The current record's position; 100 without a current record.
   int32_t GetBookMark(TCTCursorDesc* cursor, int32_t& bookmark);
-  /// Makes the record at `bookmark` current and stands the current index on it; 101 when it lies
-  /// outside the range (the position is then cpBof or cpEof), c-tree's number for a bad bookmark.
+  /// Makes the record at `bookmark` current with the index on it; 101 outside the range.
   int32_t SetToBookMark(TCTCursorDesc* cursor, int32_t bookmark);
-  /// Makes current the first record whose key equals the key of the buffer's record (on an index
-  /// allowing duplicates, the first record of that value). 101 when none or outside the range.
+  /// The first record whose key value equals the buffer's (first of its duplicates).
   int32_t GotoKey(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer);
-  /// The first record whose key follows the buffer's key (or equals it when `inclusive`).
+  /// The first record whose key follows the buffer's (or equals it when `inclusive`).
   int32_t GotoGTKey(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer, bool inclusive);
-  /// The last record whose key precedes the buffer's key (or equals it when `inclusive`).
+  /// The last record whose key precedes the buffer's (or equals it when `inclusive`).
   int32_t GotoLTKey(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer, bool inclusive);
-  /// Tests `length` bytes of `key` against the cursor's range and sets the position itself: cpBof
-  /// below the range, cpEof above it, cpNone inside (0); 101 outside. Each end is compared over
-  /// the shorter of the two lengths. Without a range the key is inside.
+  /// Tests `length` key bytes against the range, each end over the shorter length, and sets the
+  /// position itself (kept so): cpBof below, cpEof above (101), cpNone inside or without range.
   int32_t IsInRange(TCTCursorDesc* cursor, const void* key, int32_t length);
-  /// Finds the first key of the range (GTEKEY or GTKEY by the low end); `key` (sized to the key
-  /// length) receives it. Returns its record position, 0 when there is none.
+  /// First key of the range into `key`; returns its record position, 0 when none.
   int32_t GetGKey(TCTCursorDesc* cursor, std::vector<uint8_t>& key);
-  /// Finds the last key of the range (LTEKEY or LTKEY by the high end); as GetGKey.
+  /// Last key of the range into `key`; returns its record position, 0 when none.
   int32_t GetLKey(TCTCursorDesc* cursor, std::vector<uint8_t>& key);
-  /// `count` receives the exact number of records of the table, index or range; the current
-  /// record and index position are kept.
+  /// Exact record count of the table, index or range; the position is kept.
   int32_t GetRecordCount(TCTCursorDesc* cursor, int32_t& count);
-  /// `number` receives the 1-based place of the buffer's record (or the current key) in the index
-  /// or range; in physical order the cursor's sequence number.
+  /// 1-based place of the buffer's record (null: the current key) in the index or range; the
+  /// sequence number in physical order.
   int32_t GetAlmostRecordNumber(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer, int32_t& number);
-  /// `seqNo` receives the place of the current record in index order (the key count at cpEof);
-  /// 0 at cpBof and in physical order.
+  /// Place of the current record in index order (key count at cpEof; 0 at cpBof and in
+  /// physical order).
   int32_t GetSeqNo(TCTCursorDesc* cursor, int32_t& seqNo);
-  /// Locks (ENABLE 2, READREC 5) or frees (FREE 0) the current record of data file `dataFileNo`;
-  /// 100 without a current record, 42 when another user holds it.
+  /// Locks (2 write, 5 read) or frees (0) the current record of `dataFileNo`; 100 without one,
+  /// 42 when another user holds it.
   int32_t LockData(int16_t dataFileNo, int16_t mode);
   /// Write-locks the current record; `handle` receives its bookmark.
   int32_t LockRecord(TCTCursorDesc* cursor, int32_t& handle);
-  /// Frees the lock on the record at bookmark `handle`; the cursor's position is not moved.
+  /// Frees the lock on the record at `handle` without moving the cursor.
   int32_t UnlockRecord(TCTCursorDesc* cursor, int32_t handle);
 
-  // ---- record modification (TCTConnection.records.cpp); 1101 at cpBof, 1102 at cpEof
-  /// Adds the buffer's record (rebuilt with FillRecord) with its keys, inside one lock set. With
-  /// the index-key hook assigned, the keys of package-maintained indexes are added first. 2 on a
-  /// unique clash (nothing written), 1116 when the record cannot be rebuilt.
+  // ---- record modification (TCTConnection.records.cpp), each inside one lock set
+  /// Adds the buffer's record (FillRecord) with its keys; with the hook, keys of package indexes
+  /// too. 2 on a unique clash (nothing written), 1116 when the record cannot be rebuilt.
   int32_t AppendRecord(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer);
-  /// Rewrites the current record with `buffer` when the stored record still equals `oldBuffer`;
-  /// otherwise leaves record and keys alone and still returns 0 (kept so: callers rely on it).
-  /// `release` ends the lock set and returns that result. At cpBof/cpEof the position becomes
-  /// cpNone with 1101/1102.
+  /// Rewrites the current record with `buffer` when the stored one still equals `oldBuffer`;
+  /// otherwise (or on a clash) nothing changes and 0 is still returned (kept so). `release` ends
+  /// the lock set and returns that result. At cpBof/cpEof: cpNone and 1101/1102.
   int32_t ModifyRecord(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer, TCTCustomRecordBuffer* oldBuffer,
                        bool release);
-  /// Deletes the current record with its keys (package-maintained ones too); returns the result
-  /// of ending the lock set. At cpBof/cpEof the position becomes cpNone with 1101/1102.
+  /// Deletes the current record and its keys (package indexes too); returns the lock set's end
+  /// result (kept so). At cpBof/cpEof: cpNone and 1101/1102.
   int32_t RemoveRecord(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer);
-  /// 1135 when the stored current record differs from `oldBuffer`'s record. When equal and the
-  /// hook is assigned, moves the keys of package-maintained indexes from the stored record to
-  /// `newBuffer`'s record (null: `oldBuffer`'s).
+  /// 1135 when the stored record differs from `oldBuffer`'s; when equal, with the hook, moves
+  /// package index keys from the stored record to `newBuffer`'s (null: `oldBuffer`'s).
   int32_t CheckRecord(TCTCursorDesc* cursor, TCTCustomRecordBuffer* oldBuffer,
                       TCTCustomRecordBuffer* newBuffer = nullptr);
 
   // ---- table and index definition (TCTConnection.definition.cpp)
-  /// Creates a table from `desc`: `path` is a directory (empty: the current one) or a superfile
-  /// host (the table becomes its member host!name). With `overwrite` an existing table is
-  /// deleted first (its failure stops everything). Conditions of indexes are applied. A create
-  /// that fails leaves no files. 47, 1115 without fields, 1116, 1137 for an index naming no field or a
-  /// field out of range, 802 for a field whose type has no c-tree form, or c-tree's number.
+  /// Creates a table from `desc` in directory `path` (empty: current), or as member host!name
+  /// when `path` names a file; `overwrite` deletes an old one first. Index conditions are applied;
+  /// a failed create leaves no files. 1115 no fields, 1116, 1137 bad key field, 802 a field with
+  /// no c-tree form, 17 exists.
   int32_t CreateTable(const std::string& path, bool overwrite, CTTblDesc& desc);
-  /// Rebuilds the closed file set `ifil` in place (RBLIFIL). 47 or c-tree's number.
+  /// Rebuilds the closed file set `ifil` in place (RBLIFIL).
   int32_t RebuildTable(const IfilDefinition& ifil);
-  /// Asks the index-key hook whether the buffer's record belongs in `index` and, when it does,
-  /// adds its key for the current record. 0 also for a refused record. 1137 for a null index.
+  /// Asks the hook whether the buffer's record belongs in `index` and adds its key for the
+  /// current record if so (0 for a refusal too). 1137 null index.
   int32_t AddIndexKey(TCTCursorDesc* cursor, CTIdxDesc* index, TCTCustomRecordBuffer* buffer);
-  /// Removes the buffer's record's key from `index` at the current record; the hook is not asked.
-  /// 101 when the index holds no such key.
+  /// Removes the buffer's record's key from `index` at the current record; 101 when absent.
   int32_t DeleteIndexKey(TCTCursorDesc* cursor, CTIdxDesc* index, TCTCustomRecordBuffer* buffer);
-  /// Adds index `index` to the open table (built like CreateTable's, but each segment as long as
-  /// the field's GetMaxSize), fills its keys, stores it in the table's definition and enters it in
-  /// the cursor's list. 1137 for a null or fieldless descriptor.
+  /// Adds `index` (segments of GetMaxSize) to the open table, fills it and lists it; 1137 for a
+  /// null or fieldless descriptor.
   int32_t AddIndex(TCTCursorDesc* cursor, CTIdxDesc* index);
-  /// Opens the index file `fileName` (relative to the table's directory) for the open table and
-  /// enters it, described in `index` (filled), in the cursor's list; closed by CloseCursor.
+  /// Opens index file `fileName` (beside the table) for the table, lists it and fills `index`.
   int32_t OpenIndex(TCTCursorDesc* cursor, const std::string& fileName, CTIdxDesc* index);
-  /// Removes index `index` (by name or IndexId) from the table's definition and deletes its keys;
-  /// 1137 when the cursor has no such index.
+  /// Removes `index` (by name or IndexId) from the table; 1137 when the cursor has none such.
   int32_t DeleteIndex(TCTCursorDesc* cursor, CTIdxDesc* index);
-  /// Rebuilds every index of the table from its records (the table stays open), applies the
-  /// condition of `index` again and, with the hook assigned, offers each record to it for
-  /// `index`.
+  /// Rebuilds the table's indexes (the cursor stays open, at cpBof), applies the condition of
+  /// `index` again and, with the hook, offers it every record.
   int32_t RebuildIndex(TCTCursorDesc* cursor, CTIdxDesc* index);
-  /// Renames the open table's files to `newName` (a path; the index files follow) and closes
-  /// them; the cursor must be closed (CloseCursor) afterwards without touching c-tree.
+  /// Renames the table (exclusive) to `newName` (beside it when without path, keeping its
+  /// extension when without one) with its index files and closes it; CloseCursor still follows.
   int32_t RenameTable(TCTCursorDesc* cursor, const std::string& newName);
-  /// Creates a plain data file `fileName` of fixed record length `recordLength` in c-tree mode
-  /// `fileMode`, with the connection's password, and closes it. 17 when it exists.
+  /// Creates and closes a plain data file (fixed `recordLength`, c-tree `fileMode`); 17 exists.
   int32_t CreateFile(const std::string& fileName, int32_t recordLength, int16_t fileMode);
 
-  // ---- blobs (TCTConnection.blobs.cpp); 47, 1113, 1127 for a field that is not a blob
-  /// Loads blob field `fieldNo` (1-based) of the buffer's record into its stream, discarding what
-  /// the stream held. `isBlob` is set true before the blob check.
+  // ---- blobs (TCTConnection.blobs.cpp); 1127 for a field that is not a blob
+  /// Loads blob field `fieldNo` (1-based) of the buffer's record into its stream, discarding the
+  /// stream's content. `isBlob` is set true before the blob check.
   int32_t OpenBlob(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, bool& isBlob);
-  /// Reads up to `count` bytes at `position` of the blob's stream into `dest`; `bytesRead`
-  /// receives how many (0 beyond the end).
+  /// Reads up to `count` bytes at `position` of the stream; `bytesRead` (0 beyond the end).
   int32_t GetBlob(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, int32_t& bytesRead,
                   void* dest, int32_t count, int32_t position);
-  /// Writes `count` bytes from `src` at `position` of the blob's stream, which grows as needed.
+  /// Writes `count` bytes at `position` of the stream, which grows as needed.
   int32_t PutBlob(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, int32_t position,
                   int32_t count, const void* src);
-  /// `size` receives the size of the blob's stream.
   int32_t GetBlobSize(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, int32_t& size);
-  /// Sets the size of the blob's stream (growing it with zero bytes).
+  /// Sets the stream's size (growth is zero bytes).
   int32_t TruncateBlob(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, int32_t newSize);
-  /// Does nothing; the stream is written back when the record is posted. Returns 0.
+  /// Does nothing (streams are written back by FillRecord when the record is posted); 0.
   int32_t CloseBlob(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer);
-  /// OpenBlob for every blob field of the buffer's table, in field order; results are ignored.
+  /// OpenBlob for every blob field, in order; results ignored.
   int32_t OpenAllBlobs(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer);
-  // ==== end of driver part two ====
+  // ==== end of the storage driver block ====
+
 
  protected:
   // ---- descendants may override
   void Loaded() override;
   /// Opens the ISAM session (INTISAMX); raises through CtError for results other than 0, 125.
   virtual void InitDatabase();
-  /// Closes the session file (when any) and the session; returns CLISAM's result.
+  /// Closes the session (CLISAM, which closes every file still open); returns its result.
   virtual int32_t CloseDatabase();
 
  private:
@@ -375,7 +358,6 @@ class TCTConnection : public fw::TComponent {
   std::string FIndexExt;
   std::string FSuperFileExt;
   std::vector<fw::TDataSet*> FDataSets;
-  int16_t FSessionFileNo = -1;
 };
 
 }  // namespace Ctdb

@@ -1,6 +1,8 @@
 // TCTConnection cursors: opening, walking in physical and index order within ranges, counts,
 // bookmarks, key seeks, contexts and the numbers returned for bad input.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "TableFixture.h"
 
@@ -248,6 +250,63 @@ TEST_F(CursorTest, CurrentRecordAtTheEndsAndBadInput) {
   EXPECT_EQ(Conn->AllocateKey(nullptr, key), 0);
   // Physical order has no key to build.
   EXPECT_EQ(Conn->ExtractKey(Cursor.get(), buffer, key), kCtInvalidIndexDesc);
+}
+
+// Runs `body` in a child process with a connection of its own on another byte-packed library
+// variant (a separate engine instance, like another program); returns the child's exit status.
+template <typename Body>
+int InChild(const std::string& dir, Body body) {
+  const pid_t pid = fork();
+  if (pid == 0) {
+    int status = 90;
+    try {
+      fw::TComponentPtr<TCTConnection> conn(new TCTConnection(nullptr));
+      conn->SetLoadAlignment(CTDbIntf::laByteMon);
+      conn->SetActive(true);
+      std::unique_ptr<TCTCursorDesc> cursor;
+      if (conn->OpenCursor(cursor, "people.dat", dir, SHARED) == 0) status = body(*conn, cursor.get());
+      if (cursor) (void)conn->CloseCursor(cursor);
+      conn->SetActive(false);
+    } catch (...) {
+      status = 91;
+    }
+    _exit(status);
+  }
+  int status = 0;
+  waitpid(pid, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 100 + WTERMSIG(status);
+}
+
+// In the child: stands on the fifth record in physical order (id 7) and tries to lock it;
+// exits with LockRecord's result (0 or 42).
+int LockFifthRecord(TCTConnection& conn, TCTCursorDesc* cursor) {
+  TCTCustomRecordBuffer buffer(cursor);
+  if (conn.SetToBegin(cursor) != 0) return 92;
+  for (int i = 0; i < 5; ++i)
+    if (conn.GetNextRecord(cursor, dbiNOLOCK, &buffer) != 0) return 93;
+  int32_t handle = 0;
+  const int32_t r = conn.LockRecord(cursor, handle);
+  if (r == 0) (void)conn.UnlockRecord(cursor, handle);
+  return r;
+}
+
+TEST_F(CursorTest, RecordLocksHoldAgainstAnotherProcessAndUnlockingKeepsThePosition) {
+  TCTCustomRecordBuffer* buffer = NewBuffer();
+  ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
+  for (int i = 0; i < 5; ++i) ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  ASSERT_EQ(IdOf(*buffer), 7);
+  int32_t handle = 0;
+  const int32_t locked = Conn->LockRecord(Cursor.get(), handle);
+  if (locked == NSUP_ERR) GTEST_SKIP() << "the engine has no record locks yet";
+  ASSERT_EQ(locked, 0);
+  EXPECT_EQ(InChild(Dir.Path(), LockFifthRecord), DLOK2_ERR);
+  // Unlock from elsewhere in the table: the position stays where it is.
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  ASSERT_EQ(IdOf(*buffer), 2);
+  ASSERT_EQ(Conn->UnlockRecord(Cursor.get(), handle), 0);
+  EXPECT_EQ(InChild(Dir.Path(), LockFifthRecord), 0);
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  EXPECT_EQ(IdOf(*buffer), 8);
 }
 
 class OpenCursorTest : public TableTest {};

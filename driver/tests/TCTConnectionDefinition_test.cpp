@@ -200,6 +200,39 @@ TEST_F(DefinitionTest, DeleteTableAndCreateFile) {
   EXPECT_EQ(Conn->CreateFile(Dir.File("bad.dat"), 0, EXCLUSIVE), CT_EBADARG);
 }
 
+TEST_F(DefinitionTest, APathEndingInAFileNameMakesASuperfileMember) {
+  CTTblDesc desc = People();
+  const int32_t created = Conn->CreateTable(Dir.File("host.sup"), false, desc);
+  if (created == NSUP_ERR) GTEST_SKIP() << "the engine has no superfiles yet";
+  ASSERT_EQ(created, 0);
+  ASSERT_EQ(Conn->OpenCursor(Cursor, "host.sup!people", Dir.Path(), SHARED), 0);
+  CTCurProps props;
+  ASSERT_EQ(Conn->GetCursorProps(Cursor.get(), props), 0);
+  EXPECT_EQ(props.Name, "people");
+  AddRow(1, 10, "member");
+  UseIndex("Primary");
+  EXPECT_EQ(Walk(true), std::vector<int32_t>{1});
+  ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  ASSERT_EQ(Conn->DeleteTable(Dir.Path(), "host.sup!people"), 0);
+  EXPECT_EQ(Conn->OpenCursor(Cursor, "host.sup!people", Dir.Path(), SHARED), FNOP_ERR);
+}
+
+TEST_F(DefinitionTest, ConditionalIndexesHoldOnlyTheirRecords) {
+  CTTblDesc desc = People();
+  desc.Indexes[1].ExpressionIndex = kWordTrue;
+  desc.Indexes[1].Expression = "grp > 15";
+  const int32_t created = Conn->CreateTable(Dir.Path(), false, desc);
+  if (created == NSUP_ERR) GTEST_SKIP() << "the engine has no conditional indexes yet";
+  ASSERT_EQ(created, 0);
+  OpenPeople();
+  AddRow(1, 10, "a");
+  AddRow(2, 20, "b");
+  AddRow(3, 30, "c");
+  UseIndex("ByGroup");
+  EXPECT_EQ(Walk(true), (std::vector<int32_t>{3, 2}));
+  EXPECT_EQ(Cursor->Indexes[1].Condition, "grp > 15");
+}
+
 // Indexes added to an open table need the engine's incremental index calls.
 TEST_F(DefinitionTest, AddedIndexIsFilledAndWalked) {
   CTTblDesc desc = People();

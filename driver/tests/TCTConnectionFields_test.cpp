@@ -195,7 +195,7 @@ TEST_F(FieldTest, BcdCopiesTheTenBytesCTreeKeeps) {
 }
 
 TEST_F(FieldTest, CharactersAndRawBytes) {
-  Define({{"c", CT_CHARU, 1}, {"a", CT_ARRAY, 3}, {"b", CT_BOOL, 1}, {"x", CT_DFLOAT, 8}});
+  Define({{"c", CT_CHARU, 1}, {"a", CT_ARRAY, 3}, {"b", CT_BOOL, 1}});
   bool blank = false;
   ASSERT_EQ(Set(1, nullptr), 0);
   EXPECT_EQ(Get<char>(1, blank), '\0');
@@ -215,8 +215,6 @@ TEST_F(FieldTest, CharactersAndRawBytes) {
   EXPECT_EQ(Get<uint8_t>(3, blank), 0);
   EXPECT_FALSE(blank) << "booleans are never blank";
 
-  ASSERT_EQ(SetValue(4, 2.5e300), 0);
-  EXPECT_EQ(Get<double>(4, blank), 2.5e300);
 
   Conn->SetEmptyChar('*');
   ASSERT_EQ(Set(1, nullptr), 0);

@@ -292,17 +292,11 @@ TEST_F(SchemaTest, MissingResourcesGive408) {
 TEST_F(SchemaTest, NilCursorOutOfRangeOrdinalsAndInactiveConnectionGiveNumbers) {
   CTIdxDesc desc;
   CTCurProps props;
-  TFieldDescList list;
   EXPECT_EQ(Conn->LoadIFIL(nullptr), kCtInvalidCursor);
   EXPECT_EQ(Conn->ReadFieldsDescriptions(nullptr), kCtInvalidCursor);
   EXPECT_EQ(Conn->InitIndexes(nullptr), kCtInvalidCursor);
-  EXPECT_EQ(Conn->GetIndexDesc(nullptr, 0, desc), kCtInvalidCursor);
-  EXPECT_EQ(Conn->GetFieldDescs(nullptr, &list), kCtInvalidCursor);
-  EXPECT_EQ(Conn->GetCursorProps(nullptr, props), kCtInvalidCursor);
   EXPECT_EQ(Conn->SwitchToIndex(nullptr, &desc, false), kCtInvalidCursor);
-  EXPECT_EQ(Conn->OpenSchemaFile(nullptr), kCtInvalidCursor);
   EXPECT_EQ(Conn->SetContext(nullptr), kCtInvalidCursor);
-  EXPECT_EQ(Conn->RestoreContext(nullptr), kCtInvalidCursor);
 
   auto cursor = OpenTable(MakeTable("range", {{"a", CT_INT4, 4}}, {{{{0, 4, INTSEG}}, false, std::nullopt}}));
   ASSERT_TRUE(cursor);
@@ -314,8 +308,6 @@ TEST_F(SchemaTest, NilCursorOutOfRangeOrdinalsAndInactiveConnectionGiveNumbers) 
   TCTCursorDesc detached("x", 1, 1, SHARED, Conn.get());
   Conn->SetActive(false);
   EXPECT_EQ(Conn->LoadIFIL(&detached), kCtNotActive);
-  EXPECT_EQ(Conn->ReadFieldsDescriptions(&detached), kCtNotActive);
-  EXPECT_EQ(Conn->GetIndexDesc(&detached, 0, desc), kCtNotActive);
   EXPECT_EQ(Conn->GetCursorProps(&detached, props), kCtNotActive);
 }
 

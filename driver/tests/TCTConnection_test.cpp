@@ -71,25 +71,6 @@ class TStandInTable : public fw::TDataSet {
 
 using ConnectionTest = DriverTest;
 
-TEST_F(ConnectionTest, PublishedPropertiesInOrderWithTheirDefaults) {
-  std::vector<std::string> names;
-  for (const fw::TPropInfo* prop : TCTConnection::StaticClass().Properties()) names.push_back(prop->Name);
-  const std::vector<std::string> own(names.end() - 16, names.end());
-  EXPECT_EQ(own, (std::vector<std::string>{"Active", "Alignment", "NullKeys", "MaxBuffers", "MaxFiles", "MaxSectors",
-                                           "UserName", "Password", "ServerName", "DataDir", "TempDir", "EmptyChar",
-                                           "MaxIndexKey", "DataExt", "IndexExt", "SuperFileExt"}));
-  EXPECT_FALSE(Conn->Active());
-  EXPECT_EQ(Conn->Alignment(), CTDbIntf::laByte);
-  EXPECT_FALSE(Conn->NullKeys());
-  EXPECT_EQ(Conn->MaxBuffers(), 100);
-  EXPECT_EQ(Conn->MaxFiles(), 50);
-  EXPECT_EQ(Conn->MaxSectors(), 16);
-  EXPECT_EQ(Conn->EmptyChar(), '\0');
-  EXPECT_EQ(Conn->MaxIndexKey(), 32);
-  EXPECT_TRUE(Conn->DataExt().empty());
-  EXPECT_EQ(fw::GetClass("TCTConnection"), &TCTConnection::StaticClass());
-}
-
 TEST_F(ConnectionTest, AFormConfiguresTheConnectionAndActivatesItOnlyInLoaded) {
   fw::RegisterClass(TActiveProbe::StaticClass());
   fw::TComponentPtr<fw::TComponent> form(new fw::TComponent(nullptr));

@@ -120,6 +120,11 @@ using TRecordBuffer = char*;
 /// A bookmark: an owned copy of BookmarkSize bytes naming one record. Empty means "nil".
 using TBookmark = std::vector<std::byte>;
 
+/// The next name of a ";"-separated field list, trimmed of blanks. `Pos` is 1-based (start
+/// with 1) and is advanced past the name and its separator; the list is done when `Pos`
+/// exceeds its length.
+std::string ExtractFieldName(const std::string& Fields, int& Pos);
+
 /// Names of the TFieldType members by ordinal ("ftUnknown" .. "ftSingle").
 const std::vector<std::string>& FieldTypeNames();
 

@@ -1,6 +1,6 @@
 // TDataSet: the dataset base class, its states, buffer window and record-buffer protocol
 // (framework layer). Implementation: TDataSet.cpp (open/close, state, events),
-// TDataSet.buffers.cpp (window, navigation), TDataSet.editing.cpp, TDataSet.fields.cpp.
+// TDataSet.navigation.cpp (window, navigation, bookmarks), TDataSet.editing.cpp, TDataSet.fields.cpp.
 #pragma once
 
 #include <cstdint>

@@ -109,6 +109,9 @@ class TField : public TComponent {
   /// With LookupCache the (key, value) pairs are read once at binding (RefreshLookupList).
   bool LookupCache() const { return FLookupCache; }
   void SetLookupCache(bool Value) { FLookupCache = Value; }
+  /// Re-reads the lookup cache from every record of LookupDataSet (its position and scroll
+  /// state are restored; controls are disabled meanwhile).
+  void RefreshLookupList();
 
   // --- Values -----------------------------------------------------------------------------
   // Getters read the dataset's current buffer (see TDataSet::GetFieldData); setters write it
@@ -199,8 +202,6 @@ class TField : public TComponent {
   virtual int GetDefaultWidth() const { return 10; }
   /// Raises when the class cannot take `Value` as its Size. Base: only 0 is allowed.
   virtual void CheckSize(int Value) const;
-  /// Loads the lookup cache (LookupCache true); base reads every record of LookupDataSet.
-  virtual void RefreshLookupList();
 
   void ReadState(TReader& Reader) override;
   /// For the typed constructors.

@@ -28,6 +28,8 @@ class TStringField : public TField {
   void SetAsFloat(double Value) override;
   /// "T" or "F".
   void SetAsBoolean(bool Value) override;
+  /// DateTimeToStr text.
+  void SetAsDateTime(TDateTime Value) override;
 
  protected:
   /// The characters up to the terminator, never more than Size; "" when null.
@@ -38,6 +40,8 @@ class TStringField : public TField {
   double GetAsFloat() const override;
   /// True when the text starts with T or Y (any case).
   bool GetAsBoolean() const override;
+  /// StrToDateTime of the text (EConvertError when it is no date).
+  TDateTime GetAsDateTime() const override;
   Variant GetAsVariant() const override;
   void SetVarValue(const Variant& Value) override;
   int GetDefaultWidth() const override { return Size(); }

@@ -1,8 +1,11 @@
 // Dataset error helper and message formatting (framework layer).
 #include "DataSetTypes.h"
 
+#include <algorithm>
+
 #include "DataSetMessages.h"
 #include "Exception.h"
+#include "StringUtils.h"
 #include "TComponent.h"
 
 namespace fw {
@@ -11,6 +14,19 @@ void DatabaseError(const std::string& message, const TComponent* component) {
   if (component != nullptr && !component->Name().empty())
     throw EDatabaseError(component->Name() + ": " + message);
   throw EDatabaseError(message);
+}
+
+std::string ExtractFieldName(const std::string& Fields, int& Pos) {
+  const int length = static_cast<int>(Fields.size());
+  const int start = std::max(Pos, 1);
+  int i = start;
+  while (i <= length && Fields[static_cast<std::size_t>(i - 1)] != ';') ++i;
+  std::string name = start <= length ? Trim(std::string_view(Fields).substr(static_cast<std::size_t>(start - 1),
+                                                                           static_cast<std::size_t>(i - start)))
+                                     : std::string();
+  if (i <= length) ++i;
+  Pos = i;
+  return name;
 }
 
 const std::vector<std::string>& FieldTypeNames() {

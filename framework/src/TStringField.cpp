@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "DataSetMessages.h"
+#include "DateTime.h"
 #include "StringUtils.h"
 #include "TClassInfo.h"
 #include "TDataSet.h"
@@ -49,6 +50,8 @@ void TStringField::SetAsInteger(int32_t Value) { SetAsString(IntToStr(Value)); }
 void TStringField::SetAsLargeInt(int64_t Value) { SetAsString(IntToStr(Value)); }
 void TStringField::SetAsFloat(double Value) { SetAsString(FloatToStr(Value)); }
 void TStringField::SetAsBoolean(bool Value) { SetAsString(Value ? "T" : "F"); }
+void TStringField::SetAsDateTime(TDateTime Value) { SetAsString(DateTimeToStr(Value)); }
+TDateTime TStringField::GetAsDateTime() const { return StrToDateTime(Trim(GetAsString())); }
 
 Variant TStringField::GetAsVariant() const {
   if (IsNull()) return Null();

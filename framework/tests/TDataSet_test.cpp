@@ -457,5 +457,145 @@ TEST_F(DataSetTest, UnidirectionalDatasetRefusesBackwardMoves) {
   EXPECT_TRUE(Table->GetBookmark().empty());
 }
 
+TEST_F(DataSetTest, ClosingWhileEditingDiscardsWithoutCancelEvents) {
+  Fill(2);
+  Table->Edit();
+  Table->FieldByName("Name")->SetAsString("lost");
+  LogEvents();
+  Table->Close();
+  EXPECT_EQ(TakeEvents(), (Strings{"BeforeClose", "AfterClose"}));
+  EXPECT_FALSE(Table->Modified());
+  Table->Open();
+  EXPECT_EQ(Table->FieldByName("Name")->AsString(), "N1");
+}
+
+TEST_F(DataSetTest, DestroyingAFieldClosesItsDataset) {
+  Fill(2);
+  Table->Close();
+  auto* id = new TIntegerField(Table.get());
+  id->SetFieldName("ID");
+  id->SetDataSet(Table.get());
+  auto* name = new TStringField(Table.get());
+  name->SetFieldName("Name");
+  name->SetDataSet(Table.get());
+  Table->Open();
+  name->Free();
+  EXPECT_FALSE(Table->Active());
+  EXPECT_EQ(Table->FieldCount(), 1);
+  Table->Open();
+  EXPECT_EQ(id->AsInteger(), 1);
+  EXPECT_THROW(id->SetFieldKind(fkCalculated), EDatabaseError);  // only while closed
+  auto* other = new TIntegerField(Table.get());
+  other->SetFieldName("id");
+  EXPECT_THROW(other->SetDataSet(Table.get()), EDatabaseError);  // open, and a duplicate name
+  EXPECT_EQ(other->DataSet(), nullptr);
+}
+
+TEST_F(DataSetTest, BlockReadKeepsLinksUninformedUntilItEnds) {
+  Fill(4);
+  TRecordingLink& link = Attach(1);
+  Table->SetBlockReadSize(10);
+  EXPECT_EQ(Table->State(), dsBlockRead);
+  Table->Next();
+  Table->Next();
+  EXPECT_EQ(Id(), 3);
+  EXPECT_TRUE(link.Log.empty());
+  Table->SetBlockReadSize(0);
+  EXPECT_EQ(Table->State(), dsBrowse);
+  EXPECT_TRUE(link.Log.empty());  // the links never saw the dataset leave dsBrowse
+  Table->Close();
+  EXPECT_THROW(Table->SetBlockReadSize(5), EDatabaseError);
+}
+
+TEST(ExtractFieldNameTest, WalksASemicolonListTrimmingNames) {
+  const std::string fields = " A ;B;;C ";
+  int pos = 1;
+  std::vector<std::string> names;
+  while (pos <= static_cast<int>(fields.size())) names.push_back(ExtractFieldName(fields, pos));
+  EXPECT_EQ(names, (Strings{"A", "B", "", "C"}));
+  pos = 1;
+  EXPECT_EQ(ExtractFieldName("", pos), "");
+  EXPECT_EQ(pos, 1);
+}
+
+}  // namespace
+}  // namespace fwtest
+
+namespace fwtest {
+namespace {
+
+using namespace fw;
+
+/// Random navigation and edits against a plain list of IDs, with the window resized on the
+/// way: after every step the current record and every row the link shows must match the list.
+TEST_F(DataSetTest, WindowStaysConsistentWithTheRecordsUnderRandomOperations) {
+  Fill(6);
+  TRecordingLink& link = Attach(3);
+  std::vector<int> model = Range(1, 6);
+  int pos = 0;
+  int nextId = 100;
+  uint32_t seed = 12345;
+  auto random = [&seed](int n) {
+    seed = seed * 1103515245u + 12345u;
+    return static_cast<int>((seed >> 16) % static_cast<uint32_t>(n));
+  };
+  for (int step = 0; step < 600; ++step) {
+    const int op = random(9);
+    const int size = static_cast<int>(model.size());
+    if (op <= 2 && size > 0) {
+      const int distance = random(9) - 4;
+      Table->MoveBy(distance);
+      pos = std::clamp(pos + distance, 0, size - 1);
+    } else if (op == 3) {
+      Table->Insert();
+      Table->FieldByName("ID")->SetAsInteger(nextId);
+      Table->Post();
+      model.insert(model.begin() + (size == 0 ? 0 : pos), nextId++);
+    } else if (op == 4) {
+      Table->AppendRecord({Variant(nextId)});
+      model.push_back(nextId++);
+      pos = static_cast<int>(model.size()) - 1;
+    } else if (op == 5 && size > 0) {
+      Table->Delete();
+      model.erase(model.begin() + pos);
+      pos = std::min(pos, static_cast<int>(model.size()) - 1);
+      pos = std::max(pos, 0);
+    } else if (op == 6) {
+      link.SetBufferCount(1 + random(7));
+    } else if (op == 7 && size > 0) {
+      if (random(2) == 0) {
+        Table->First();
+        pos = 0;
+      } else {
+        Table->Last();
+        pos = size - 1;
+      }
+    } else if (op == 8 && size > 0) {
+      Table->Edit();
+      Table->FieldByName("Name")->SetAsString("e" + std::to_string(step));
+      if (random(2) == 0)
+        Table->Post();
+      else
+        Table->Cancel();
+    }
+    ASSERT_EQ(Table->IsEmpty(), model.empty()) << "step " << step;
+    if (model.empty()) continue;
+    ASSERT_EQ(Id(), model[static_cast<std::size_t>(pos)]) << "step " << step << " op " << op;
+    const int row = link.ActiveRecord();
+    ASSERT_GE(row, 0);
+    ASSERT_LT(row, link.BufferCount());
+    ASSERT_LE(link.RecordCount(), link.BufferCount());
+    for (int r = 0; r < link.RecordCount(); ++r) {
+      link.SetActiveRecord(r);
+      ASSERT_EQ(Id(), model[static_cast<std::size_t>(pos - row + r)])
+          << "step " << step << " op " << op << " row " << r << " first " << link.FirstRecord() << " linkbc "
+          << link.BufferCount() << " dsbc " << Table->BufferCount() << " window " << Table->WindowCount()
+          << " active " << row;
+    }
+    link.SetActiveRecord(row);
+  }
+  EXPECT_EQ(Walk(), model);
+}
+
 }  // namespace
 }  // namespace fwtest
