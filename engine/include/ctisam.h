@@ -84,6 +84,15 @@ typedef LONG *pLONG;
 #define SUSPEND 6
 #define RESTORE 7
 
+/* ---- batch modes (BATSET): one of BAT_GET, BAT_NXT, BAT_DEL, BAT_CAN; BAT_POS or BAT_KEY may be
+ * added to BAT_GET to choose what each entry of the buffer holds ----------------------------- */
+#define BAT_CAN 0x0001  /* cancel the active batch */
+#define BAT_NXT 0x0002  /* next chunk of the active batch */
+#define BAT_GET 0x0004  /* start a batch read and return its first chunk */
+#define BAT_DEL 0x0008  /* delete every record of the batch, in one storage transaction */
+#define BAT_POS 0x0010  /* entries: LONG position only */
+#define BAT_KEY 0x0020  /* entries: LONG position, then the key (ikeylen bytes) */
+
 /* ---- schema field type codes (DATOBJ.ftype) ---------------------------------------------- */
 #define CT_BOOL 8
 #define CT_CHAR 16
@@ -183,8 +192,11 @@ typedef LONG *pLONG;
  *   are kept as given.
  * DATOBJ: one schema field: fsymb the name, fadr unused (NULL), ftype a CT_ type code, flen the
  *   length in the record, fhrc unused (0).
- * KEYREQ: the batch request of BATSET: btotal, bavail receive the totals of the batch, breclen
- *   the length of the last record, siglen the significant key bytes, mode the batch mode. */
+ * KEYREQ: the batch request of BATSET. In: target, a key value of the index (ikeylen bytes, already
+ *   transformed) whose first siglen bytes (0 .. ikeylen) select the batch. Out: btotal, the
+ *   records selected when the batch started (records deleted, for BAT_DEL); bavail, those not
+ *   yet returned after this call; breclen, the bytes this call wrote into the buffer (with
+ *   VBSZ_ERR: the bytes the next entry needs). */
 #pragma pack(push, 1)
 typedef struct ISEG_P1 { COUNT soffset, slength, segmode; } ISEG_P1;
 typedef struct IIDX_P1 {
@@ -202,7 +214,7 @@ typedef struct IFIL_P1 {
   COUNT tfilno;
 } IFIL_P1;
 typedef struct DATOBJ_P1 { pTEXT fsymb; pVOID fadr; UCOUNT ftype; VRLEN flen; UCOUNT fhrc; } DATOBJ_P1;
-typedef struct KEYREQ_P1 { LONG btotal, bavail; VRLEN breclen; COUNT siglen, mode; } KEYREQ_P1;
+typedef struct KEYREQ_P1 { LONG btotal, bavail; VRLEN breclen; COUNT siglen; TEXT target[CT_MAXKEYLEN]; } KEYREQ_P1;
 #pragma pack(pop)
 
 #pragma pack(push, 2)
@@ -222,7 +234,7 @@ typedef struct IFIL_P2 {
   COUNT tfilno;
 } IFIL_P2;
 typedef struct DATOBJ_P2 { pTEXT fsymb; pVOID fadr; UCOUNT ftype; VRLEN flen; UCOUNT fhrc; } DATOBJ_P2;
-typedef struct KEYREQ_P2 { LONG btotal, bavail; VRLEN breclen; COUNT siglen, mode; } KEYREQ_P2;
+typedef struct KEYREQ_P2 { LONG btotal, bavail; VRLEN breclen; COUNT siglen; TEXT target[CT_MAXKEYLEN]; } KEYREQ_P2;
 #pragma pack(pop)
 
 #pragma pack(push, 4)
@@ -242,7 +254,7 @@ typedef struct IFIL_P4 {
   COUNT tfilno;
 } IFIL_P4;
 typedef struct DATOBJ_P4 { pTEXT fsymb; pVOID fadr; UCOUNT ftype; VRLEN flen; UCOUNT fhrc; } DATOBJ_P4;
-typedef struct KEYREQ_P4 { LONG btotal, bavail; VRLEN breclen; COUNT siglen, mode; } KEYREQ_P4;
+typedef struct KEYREQ_P4 { LONG btotal, bavail; VRLEN breclen; COUNT siglen; TEXT target[CT_MAXKEYLEN]; } KEYREQ_P4;
 #pragma pack(pop)
 
 #ifndef CTISAM_PACK

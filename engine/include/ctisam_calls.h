@@ -333,7 +333,20 @@ CTISAM_API COUNT TRANRST(COUNT savpnt);
 /* Clears the transaction: the same as TRANABT. */
 CTISAM_API COUNT TRANCLR(void);
 
-/* ---- sets and batches (next engine issue) ------------------------------------------------- */
+/* ---- sets and batches ------------------------------------------------------------------- *
+ * A set is the records of index keyno whose keys start with the first siglen bytes (0 .. ikeylen,
+ * else CT_EBADARG) of target, a key value already transformed (TFRMKEY). FRSSET / LSTSET start
+ * the active set and read its first / last record; NXTSET / PRVSET read the next / previous
+ * one; MIDSET starts the set from the current record's key in keyno and re-reads that record
+ * (ICUR_ERR without one). Each set keeps its own place, so other navigation between set calls
+ * does not move it; the record a set call reads becomes the current record (as EQLREC would,
+ * locking inside a lock set). INOT_ERR when the set is empty or its end is reached: the place,
+ * the current record and rec stay as they were. ICUR_ERR from NXTSET / PRVSET when the active
+ * set was not started on keyno (or its file was closed since). The V forms read variable-length
+ * records: *plen in = buffer size, out = record length (VBSZ_ERR when short).
+ * ALCSET(numset) replaces the sets by numset (>= 1) empty ones numbered 0 .. numset-1, set 0
+ * active; CHGSET makes another active (CT_EBADARG out of range); FRESET goes back to the one
+ * set every session starts with. */
 CTISAM_API COUNT FRSSET(COUNT keyno, pVOID target, pVOID rec, COUNT siglen);
 CTISAM_API COUNT NXTSET(COUNT keyno, pVOID rec);
 CTISAM_API COUNT PRVSET(COUNT keyno, pVOID rec);
@@ -347,6 +360,19 @@ CTISAM_API COUNT MIDVSET(COUNT keyno, pVOID rec, COUNT siglen, pLONG plen);
 CTISAM_API COUNT ALCSET(COUNT numset);
 CTISAM_API COUNT CHGSET(COUNT setno);
 CTISAM_API COUNT FRESET(void);
+/* Batches: BAT_GET selects the records whose keys in keyno start with request->target's first
+ * request->siglen bytes, as they are now, and writes the first chunk into buf (bufsiz bytes);
+ * BAT_NXT writes the next chunk. Entries follow one another without padding: a LONG position,
+ * then by default a VRLEN length and the record, with BAT_KEY the key (ikeylen bytes), with
+ * BAT_POS nothing more. The request receives btotal, bavail and breclen (see KEYREQ in
+ * ctisam.h), also on failure. INOT_ERR when nothing is selected or nothing remains; VBSZ_ERR
+ * when the next entry alone does not fit (breclen = its size; nothing is consumed); ICUR_ERR
+ * for BAT_NXT without an active batch on keyno. Records deleted after the selection are
+ * skipped. Batches read no locks and do not move the current record.
+ * BAT_DEL deletes every selected record with its keys in one storage transaction (btotal =
+ * records deleted; INOT_ERR when none); DLOK2_ERR, with nothing deleted, when another owner
+ * holds a lock on one. BAT_CAN forgets the active batch. CT_EBADARG for other modes.
+ * ALCBAT, CHGBAT, FREBAT number the batches as ALCSET, CHGSET, FRESET number the sets. */
 CTISAM_API COUNT BATSET(COUNT keyno, pKEYREQ request, pVOID buf, LONG bufsiz, COUNT mode);
 CTISAM_API COUNT ALCBAT(COUNT numbat);
 CTISAM_API COUNT CHGBAT(COUNT batno);

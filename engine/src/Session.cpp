@@ -37,6 +37,8 @@ void Session::Init(int fils, const char* servname) {
   files_.clear();
   files_.resize(fils);
   contexts_.clear();
+  FreeSets();
+  FreeBatches();
   const char* timeout = std::getenv("CTISAM_LOCK_TIMEOUT_MS");
   lockTimeoutMs_ = timeout && std::atoi(timeout) > 0 ? std::atoi(timeout) : 5000;
   active_ = true;

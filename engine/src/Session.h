@@ -77,6 +77,35 @@ struct KeyMark {
 
 enum NavOp { kFirst, kNext, kPrev, kLast, kEq, kGte, kGt, kLte, kLt };
 
+// A set (FRSSET .. MIDSET): the keys of one index starting with a prefix, and the key this set
+// stands on. Each set keeps its own position, so navigation between set calls does not move it.
+struct KeySet {
+  int16_t keyno = -1;
+  std::weak_ptr<DataStore> store;  // the file the set was made on (a reused number is refused)
+  int siglen = 0;
+  uint8_t prefix[CT_MAXKEYLEN];
+  uint8_t last[CT_MAXKEYLEN];
+};
+
+// A batch (BATSET): the positions (and keys) of the records selected when the batch started,
+// handed out in buffer-sized chunks.
+struct BatchState {
+  int16_t keyno = -1;
+  std::weak_ptr<DataStore> store;
+  int options = 0;
+  int keylen = 0;
+  std::vector<uint32_t> positions;
+  std::vector<uint8_t> keys;  // keylen bytes per position (BAT_KEY only)
+  size_t next = 0;
+};
+
+// BATSET's request in the engine's own form (the caller's KEYREQ depends on the packing).
+struct BatchRequest {
+  long total = 0, avail = 0, used = 0;
+  int siglen = 0;
+  const uint8_t* target = nullptr;
+};
+
 class Session {
  public:
   // Session.cpp: session, errors, file numbers, names.
@@ -159,6 +188,21 @@ class Session {
   void MakePermanent(int datno);
   // RBLIFIL / CMPIFIL on a closed set.
   void Rebuild(const FileDef& def, const char* dataext, const char* idxext, const char* password, bool compact);
+
+  // Session.sets.cpp: sets. op kFirst/kLast start the active set from target's first siglen
+  // bytes; kNext/kPrev move within it. Returns the record length; INOT_ERR at the set's ends.
+  long SetNav(int keyno, NavOp op, const void* target, int siglen, void* buf, long bufsiz, bool fixed);
+  // MIDSET: the active set becomes the one of the current record's key prefix, on that record.
+  long SetMid(int keyno, int siglen, void* buf, long bufsiz, bool fixed);
+  void AllocSets(int count);
+  void ChangeSet(int setno);
+  void FreeSets();
+
+  // Session.batches.cpp: BATSET on the active batch; ALCBAT, CHGBAT, FREBAT.
+  void Batch(int keyno, BatchRequest& req, void* buf, long bufsiz, int mode);
+  void AllocBatches(int count);
+  void ChangeBatch(int batno);
+  void FreeBatches();
 
   // Session.locks.cpp: lock sets, record locks, transactions.
   void LockSet(int mode);
@@ -254,6 +298,12 @@ class Session {
   std::vector<std::unique_ptr<Handle>> files_;
   std::map<int, Context> contexts_;
   std::vector<uint8_t> scratch_;
+  std::vector<KeySet> sets_ = std::vector<KeySet>(1);
+  size_t activeSet_ = 0;
+  std::vector<BatchState> batches_ = std::vector<BatchState>(1);
+  size_t activeBatch_ = 0;
+  void FillBatch(BatchState& b, BatchRequest& req, void* buf, long bufsiz);
+  void DeleteBatch(int keyno, BatchRequest& req);
 };
 
 // The process's one session.

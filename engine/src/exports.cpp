@@ -402,22 +402,4 @@ CTISAM_API COUNT TRANSAV(void) {
 CTISAM_API COUNT TRANRST(COUNT savpnt) { return Run([&](Session& s) { s.TranRestore(savpnt); }); }
 CTISAM_API COUNT TRANCLR(void) { return TRANABT(); }
 
-/* ---- sets and batches (next engine issue) ---- */
-CTISAM_API COUNT FRSSET(COUNT, pVOID, pVOID, COUNT) { return NotSupported(); }
-CTISAM_API COUNT NXTSET(COUNT, pVOID) { return NotSupported(); }
-CTISAM_API COUNT PRVSET(COUNT, pVOID) { return NotSupported(); }
-CTISAM_API COUNT LSTSET(COUNT, pVOID, pVOID, COUNT) { return NotSupported(); }
-CTISAM_API COUNT MIDSET(COUNT, pVOID, COUNT) { return NotSupported(); }
-CTISAM_API COUNT FRSVSET(COUNT, pVOID, pVOID, COUNT, pLONG) { return NotSupported(); }
-CTISAM_API COUNT NXTVSET(COUNT, pVOID, pLONG) { return NotSupported(); }
-CTISAM_API COUNT PRVVSET(COUNT, pVOID, pLONG) { return NotSupported(); }
-CTISAM_API COUNT LSTVSET(COUNT, pVOID, pVOID, COUNT, pLONG) { return NotSupported(); }
-CTISAM_API COUNT MIDVSET(COUNT, pVOID, COUNT, pLONG) { return NotSupported(); }
-CTISAM_API COUNT ALCSET(COUNT) { return NotSupported(); }
-CTISAM_API COUNT CHGSET(COUNT) { return NotSupported(); }
-CTISAM_API COUNT FRESET(void) { return NotSupported(); }
-CTISAM_API COUNT ALCBAT(COUNT) { return NotSupported(); }
-CTISAM_API COUNT CHGBAT(COUNT) { return NotSupported(); }
-CTISAM_API COUNT FREBAT(void) { return NotSupported(); }
-
 }  // extern "C"

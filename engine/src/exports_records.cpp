@@ -231,6 +231,5 @@ CTISAM_API COUNT CMPIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, LONG, pTEXT
   return Run([&](Session& s) { s.Rebuild(FromIfil(ifil), dataext, indexext, password, true); });
 }
 CTISAM_API COUNT CMPIFIL(pIFIL ifil) { return CMPIFILX(ifil, nullptr, nullptr, 0, nullptr, nullptr); }
-CTISAM_API COUNT BATSET(COUNT, pKEYREQ, pVOID, LONG, COUNT) { return NotSupported(); }
 
 }  // extern "C"
