@@ -39,6 +39,8 @@ class TDataSet : public TComponent {
   /// destructor cannot reach a descendant's InternalClose: every concrete descendant calls
   /// Close() first thing in its own destructor (under csDestroying no close events fire).
   ~TDataSet() override;
+  /// Publishes Active, AutoCalcFields, Filter and Filtered (in that order, ahead of a
+  /// descendant's own); not creatable.
   static const TClassInfo& StaticClass();
   const TClassInfo& ClassType() const override { return StaticClass(); }
   void Notification(TComponent* AComponent, TOperation Operation) override;

@@ -335,7 +335,6 @@ const TClassInfo& TDataSet::StaticClass() {
           .Property("AutoCalcFields", &TDataSet::AutoCalcFields, &TDataSet::SetAutoCalcFields, true)
           .Property("Filter", &TDataSet::Filter, &TDataSet::SetFilter, "")
           .Property("Filtered", &TDataSet::Filtered, &TDataSet::SetFiltered, false)
-          .Object("FieldDefs", &TDataSet::FieldDefs)
           .Build();
   return info;
 }
