@@ -15,6 +15,7 @@
 #include "IfilDefinition.h"
 #include "TCTConnection.h"
 #include "TCTCursorDesc.h"
+#include "TCTCustomDataSet.h"
 #include "TCTCustomRecordBuffer.h"
 #include "TCTFieldDesc.h"
 

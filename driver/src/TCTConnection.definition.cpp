@@ -85,10 +85,12 @@ int32_t TCTConnection::CreateTable(const std::string& path, bool overwrite, CTTb
   }
   std::string fullName = BuildFullPath(dir, tableName);
   fullName = fullName.c_str();
-  // The data extension follows BuildFullPath: the name's own, or DataExt appended as stored.
+  // The data extension is what BuildFullPath put at the end of the name: the member's or
+  // table's own extension, or DataExt appended as stored. The engine appends it to pfilnam.
   const std::string nameExt = fw::ExtractFileExt(fw::ExtractFileName(tableName.substr(tableName.find('!') + 1)));
-  const std::string ext = nameExt.empty() ? DataExt() : nameExt;
-  const std::string base = fullName.substr(0, fullName.size() - (nameExt.empty() ? DataExt().size() : nameExt.size()));
+  std::string ext = nameExt.empty() ? DataExt() : nameExt;
+  if (!fullName.ends_with(ext)) ext.clear();
+  const std::string base = fullName.substr(0, fullName.size() - ext.size());
 
   if (overwrite) {
     const int32_t deleted = DeleteTable(dir, tableName);

@@ -104,6 +104,18 @@ TEST_F(DefinitionTest, CreatedTableCarriesTheDefinitionRecordsAsBuilt) {
   EXPECT_EQ(Walk(true), (std::vector<int32_t>{3, 2, 1}));
 }
 
+TEST_F(DefinitionTest, DataFileNamesFollowThePathRules) {
+  Conn->SetDataExt(".dat");  // stored as "dat" and appended without a dot
+  CTTblDesc desc = People();
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  desc.Name = "other.tbl";
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  EXPECT_EQ(Files(), (std::vector<std::string>{"other.idx", "other.tbl", "people.idx", "peopledat"}));
+  OpenPeople();
+  ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  ASSERT_EQ(Conn->OpenCursor(Cursor, "other.tbl", Dir.Path(), SHARED), 0);
+}
+
 TEST_F(DefinitionTest, VariableFieldsAndTableFlagsSetTheFileMode) {
   CTTblDesc desc = People();
   desc.Fields.push_back(Field("notes", fldBLOB, fldst4STRING, 30000));

@@ -92,6 +92,7 @@ class DataStore {
   std::shared_ptr<Env> env_;
   std::string path_;
   uint32_t member_ = 0;  // superfile member id, 0 for a file of its own
+  std::string prefix_;   // prefix of the member's database names ("" for a file of its own)
   FileHeader hdr_{};
   FileDef def_;
   bool hasIfil_ = false;

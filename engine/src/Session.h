@@ -12,6 +12,7 @@
 #include "DataStore.h"
 #include "Lmdb.h"
 #include "Schema.h"
+#include "Superfile.h"
 #include "ctisam.h"
 
 namespace cte {
@@ -43,6 +44,9 @@ struct Position {
 struct Handle {
   int16_t self = -1;  // this handle's file number: the owner of its record locks
   bool isIndex = false;
+  bool isHost = false;             // a superfile host opened as such (GETMNAME)
+  std::shared_ptr<Env> hostEnv;    // host: its environment
+  size_t memberNext = 0;           // host: the next member GETMNAME gives
   std::string name;  // as given to the open
   std::string path;
   int mode = 0;
@@ -181,6 +185,9 @@ class Session {
   // UPDCIDX: sets (or with an empty expr removes) the condition of keyno and rebuilds the index.
   void UpdateCondition(int keyno, const char* expr);
   std::string GetCondition(int keyno);
+  // GETMNAME: the next member name of superfile host filno (first with mode 0); INOT_ERR after
+  // the last.
+  std::string NextMember(int filno, int mode);
   // TMPIIDXX: adds the indexes of `added` to open data file datno as file numbers firstKeyno..
   // (-1: the engine picks), fills them from the records; returns the first number.
   int AddIndexes(int datno, int firstKeyno, FileDef added, const char* idxext, bool temp);

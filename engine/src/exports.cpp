@@ -89,7 +89,14 @@ CTISAM_API COUNT TMPNAME(pVOID buf, LONG len) {
 CTISAM_API COUNT GETNAM(COUNT filno, pTEXT buf, LONG len, COUNT) {
   return Run([&](Session& s) { s.GetNam(filno, buf, len); });
 }
-CTISAM_API COUNT GETMNAME(COUNT, pTEXT, LONG, COUNT) { return NotSupported(); }
+CTISAM_API COUNT GETMNAME(COUNT filno, pTEXT buf, LONG len, COUNT mode) {
+  return Run([&](Session& s) {
+    Need(buf);
+    std::string name = s.NextMember(filno, mode);
+    if (len <= static_cast<LONG>(name.size())) Throw(CT_EBADARG);
+    std::memcpy(buf, name.c_str(), name.size() + 1);
+  });
+}
 CTISAM_API LONG GETFIL(COUNT filno, COUNT mode) {
   return RunValue<LONG>([&](Session& s) { return static_cast<LONG>(s.GetFil(filno, mode)); }, -1);
 }

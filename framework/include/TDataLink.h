@@ -90,8 +90,11 @@ class TDataLink {
   void UpdateState();
   void SetActive(bool Value);
   void SetEditing(bool Value);
-  /// Keeps FirstRecord so that the dataset's active record is among the link's rows.
+  /// Moves FirstRecord by `Shift`, then as little as needed to keep the dataset's active record
+  /// among the link's rows; returns that extra move.
   int AdjustFirstRecord(int Shift);
+  /// Keeps the link's rows inside the dataset's window and around its active record.
+  void UpdateRange();
 
   TDataSource* FDataSource = nullptr;
   bool FActive = false;

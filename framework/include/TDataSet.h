@@ -1,6 +1,6 @@
 // TDataSet: the dataset base class, its states, buffer window and record-buffer protocol
 // (framework layer). Implementation: TDataSet.cpp (open/close, state, events),
-// TDataSet.buffers.cpp (window, navigation), TDataSet.editing.cpp, TDataSet.fields.cpp.
+// TDataSet.navigation.cpp (window, navigation, bookmarks), TDataSet.editing.cpp, TDataSet.fields.cpp.
 #pragma once
 
 #include <cstdint>
@@ -39,6 +39,8 @@ class TDataSet : public TComponent {
   /// destructor cannot reach a descendant's InternalClose: every concrete descendant calls
   /// Close() first thing in its own destructor (under csDestroying no close events fire).
   ~TDataSet() override;
+  /// Publishes Active, AutoCalcFields, Filter and Filtered (in that order, ahead of a
+  /// descendant's own); not creatable.
   static const TClassInfo& StaticClass();
   const TClassInfo& ClassType() const override { return StaticClass(); }
   void Notification(TComponent* AComponent, TOperation Operation) override;

@@ -31,9 +31,18 @@ void TDataLink::SetBufferCount(int Value) {
   if (Value == FBufferCount) return;
   FBufferCount = Value;
   if (!FActive) return;
-  AdjustFirstRecord(0);
+  UpdateRange();
   DataSet()->UpdateBufferCount();
-  AdjustFirstRecord(0);
+  UpdateRange();
+}
+
+void TDataLink::UpdateRange() {
+  const TDataSet* dataSet = DataSet();
+  if (dataSet == nullptr) return;
+  const int active = dataSet->FActiveRecord;
+  const int low = std::max(active - FBufferCount + 1, 0);
+  const int high = std::min(std::max(dataSet->FBufferCount - FBufferCount, 0), active);
+  FFirstRecord = std::clamp(FFirstRecord, low, std::max(low, high));
 }
 
 void TDataLink::UpdateState() {
@@ -46,7 +55,7 @@ void TDataLink::SetActive(bool Value) {
   if (Value == FActive) return;
   FActive = Value;
   FFirstRecord = 0;
-  if (Value) AdjustFirstRecord(0);
+  if (Value) UpdateRange();
   ActiveChanged();
 }
 

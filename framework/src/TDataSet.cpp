@@ -78,7 +78,12 @@ void TDataSet::OpenCursorComplete() {
     if (!IsEmpty()) DoAfterScroll();
   } else {
     SetState(dsInactive);
-    CloseCursor();
+    try {
+      CloseCursor();
+    } catch (...) {
+      // Only reached while an open is failing: the open's own error is the one the caller
+      // must see, not a follow-up from tidying the half-open cursor.
+    }
   }
 }
 
@@ -330,7 +335,6 @@ const TClassInfo& TDataSet::StaticClass() {
           .Property("AutoCalcFields", &TDataSet::AutoCalcFields, &TDataSet::SetAutoCalcFields, true)
           .Property("Filter", &TDataSet::Filter, &TDataSet::SetFilter, "")
           .Property("Filtered", &TDataSet::Filtered, &TDataSet::SetFiltered, false)
-          .Object("FieldDefs", &TDataSet::FieldDefs)
           .Build();
   return info;
 }

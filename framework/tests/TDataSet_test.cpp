@@ -520,3 +520,82 @@ TEST(ExtractFieldNameTest, WalksASemicolonListTrimmingNames) {
 
 }  // namespace
 }  // namespace fwtest
+
+namespace fwtest {
+namespace {
+
+using namespace fw;
+
+/// Random navigation and edits against a plain list of IDs, with the window resized on the
+/// way: after every step the current record and every row the link shows must match the list.
+TEST_F(DataSetTest, WindowStaysConsistentWithTheRecordsUnderRandomOperations) {
+  Fill(6);
+  TRecordingLink& link = Attach(3);
+  std::vector<int> model = Range(1, 6);
+  int pos = 0;
+  int nextId = 100;
+  uint32_t seed = 12345;
+  auto random = [&seed](int n) {
+    seed = seed * 1103515245u + 12345u;
+    return static_cast<int>((seed >> 16) % static_cast<uint32_t>(n));
+  };
+  for (int step = 0; step < 600; ++step) {
+    const int op = random(9);
+    const int size = static_cast<int>(model.size());
+    if (op <= 2 && size > 0) {
+      const int distance = random(9) - 4;
+      Table->MoveBy(distance);
+      pos = std::clamp(pos + distance, 0, size - 1);
+    } else if (op == 3) {
+      Table->Insert();
+      Table->FieldByName("ID")->SetAsInteger(nextId);
+      Table->Post();
+      model.insert(model.begin() + (size == 0 ? 0 : pos), nextId++);
+    } else if (op == 4) {
+      Table->AppendRecord({Variant(nextId)});
+      model.push_back(nextId++);
+      pos = static_cast<int>(model.size()) - 1;
+    } else if (op == 5 && size > 0) {
+      Table->Delete();
+      model.erase(model.begin() + pos);
+      pos = std::min(pos, static_cast<int>(model.size()) - 1);
+      pos = std::max(pos, 0);
+    } else if (op == 6) {
+      link.SetBufferCount(1 + random(7));
+    } else if (op == 7 && size > 0) {
+      if (random(2) == 0) {
+        Table->First();
+        pos = 0;
+      } else {
+        Table->Last();
+        pos = size - 1;
+      }
+    } else if (op == 8 && size > 0) {
+      Table->Edit();
+      Table->FieldByName("Name")->SetAsString("e" + std::to_string(step));
+      if (random(2) == 0)
+        Table->Post();
+      else
+        Table->Cancel();
+    }
+    ASSERT_EQ(Table->IsEmpty(), model.empty()) << "step " << step;
+    if (model.empty()) continue;
+    ASSERT_EQ(Id(), model[static_cast<std::size_t>(pos)]) << "step " << step << " op " << op;
+    const int row = link.ActiveRecord();
+    ASSERT_GE(row, 0);
+    ASSERT_LT(row, link.BufferCount());
+    ASSERT_LE(link.RecordCount(), link.BufferCount());
+    for (int r = 0; r < link.RecordCount(); ++r) {
+      link.SetActiveRecord(r);
+      ASSERT_EQ(Id(), model[static_cast<std::size_t>(pos - row + r)])
+          << "step " << step << " op " << op << " row " << r << " first " << link.FirstRecord() << " linkbc "
+          << link.BufferCount() << " dsbc " << Table->BufferCount() << " window " << Table->WindowCount()
+          << " active " << row;
+    }
+    link.SetActiveRecord(row);
+  }
+  EXPECT_EQ(Walk(), model);
+}
+
+}  // namespace
+}  // namespace fwtest

@@ -6,6 +6,7 @@
 
 #include "DataSetFixture.h"
 #include "DateTime.h"
+#include "StringUtils.h"
 #include "TBinaryField.h"
 #include "TBooleanField.h"
 #include "TDateTimeField.h"
@@ -184,6 +185,31 @@ TEST_F(FieldTest, ValidateSeesTheNewValueAndCanRejectIt) {
   EXPECT_EQ(F("I")->AsInteger(), 5);
   EXPECT_EQ(Table->State(), dsInsert);
   EXPECT_EQ(log, (std::vector<std::string>{"validate 5", "change 5", "validate -5"}));
+}
+
+TEST_F(FieldTest, TextUsesDisplayAndEditFormats) {
+  auto* f = static_cast<TFloatField*>(F("F"));
+  f->SetAsFloat(3.5);
+  f->SetDisplayFormat("0.00");
+  EXPECT_EQ(f->DisplayText(), "3.50");
+  EXPECT_EQ(f->Text(), "3.50");  // the edit text falls back to the display format
+  f->SetEditFormat("0.0");
+  EXPECT_EQ(f->Text(), "3.5");
+  EXPECT_EQ(f->AsString(), "3.5");
+  F("I")->SetAsInteger(7);
+  F("I")->OnGetText = [](TField* field, std::string& text, bool display) {
+    text = (display ? "#" : "") + field->AsString();
+  };
+  EXPECT_EQ(F("I")->DisplayText(), "#7");
+  EXPECT_EQ(F("I")->Text(), "7");
+  F("I")->OnSetText = [](TField* field, const std::string& text) { field->SetAsInteger(StrToInt(text) * 2); };
+  F("I")->SetText("4");
+  EXPECT_EQ(F("I")->AsInteger(), 8);
+  F("D")->SetAsDateTime(EncodeDate(2000, 1, 31));
+  EXPECT_EQ(F("D")->DisplayText(), "2000-01-31");
+  static_cast<TDateTimeField*>(F("D"))->SetDisplayFormat("dd/mm/yyyy");
+  EXPECT_EQ(F("D")->DisplayText(), "31-01-2000");
+  EXPECT_TRUE(F("B")->DisplayText().empty());  // null
 }
 
 TEST_F(FieldTest, VariantsConvertOrRaiseDatabaseErrors) {

@@ -32,8 +32,8 @@ FieldSpec ParseFieldSpec(std::string_view text);
 /// checks that no name occurs twice (names compare case-insensitively). Raises UsageError.
 std::vector<FieldSpec> ParseFieldSpecs(const std::vector<std::string>& texts);
 
-/// The tool's name for a field type ("string", "integer", ...), or the framework's ordinal in
-/// the form "type#n" for a type the tool cannot create.
+/// The tool's name for a field type ("string", "integer", ...; also names a few types `create`
+/// does not offer, such as "largeint"), or "type#n" with the framework's ordinal for the rest.
 std::string FieldTypeName(fw::TFieldType type);
 
 /// The field type with the tool's name `name` (case-insensitive), or nullopt.

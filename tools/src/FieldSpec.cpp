@@ -3,6 +3,7 @@
 
 #include <array>
 #include <charconv>
+#include <utility>
 
 #include "StringUtils.h"
 #include "TextSplit.h"
@@ -32,6 +33,15 @@ constexpr std::array<TypeEntry, 19> kTypes{{
     {"varbytes", fw::ftVarBytes, srRequired}, {"autoinc", fw::ftAutoInc, srNone},
     {"blob", fw::ftBlob, srOptional},         {"memo", fw::ftMemo, srOptional},
     {"graphic", fw::ftGraphic, srOptional},
+}};
+
+// Types a table may have (made by another program) that `create` does not offer: named for
+// display only.
+constexpr std::array<std::pair<fw::TFieldType, const char*>, 10> kDisplayOnly{{
+    {fw::ftFixedChar, "fixedchar"}, {fw::ftWideString, "widestring"}, {fw::ftLargeint, "largeint"},
+    {fw::ftFMTBcd, "fmtbcd"}, {fw::ftFmtMemo, "fmtmemo"}, {fw::ftTypedBinary, "typedbinary"},
+    {fw::ftLongWord, "longword"}, {fw::ftShortint, "shortint"}, {fw::ftByte, "byte"},
+    {fw::ftTimeStamp, "timestamp"},
 }};
 
 constexpr int kMaxSize = 65535;
@@ -121,6 +131,8 @@ std::vector<FieldSpec> ParseFieldSpecs(const std::vector<std::string>& texts) {
 std::string FieldTypeName(fw::TFieldType type) {
   for (const TypeEntry& e : kTypes)
     if (e.Type == type) return e.Name;
+  for (const auto& [t, name] : kDisplayOnly)
+    if (t == type) return name;
   return "type#" + std::to_string(static_cast<int>(type));
 }
 

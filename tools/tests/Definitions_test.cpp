@@ -39,6 +39,8 @@ TEST(FieldSpec, FormatReadsBack) {
     EXPECT_EQ("a:" + FormatFieldSpec(spec), text);
   }
   EXPECT_EQ(FieldTypeName(fw::ftGuid), "type#35");
+  EXPECT_EQ(FieldTypeName(fw::ftLargeint), "largeint");
+  EXPECT_FALSE(FieldTypeFromName("largeint").has_value()) << "shown, but not offered by create";
 }
 
 TEST(FieldSpec, ErrorsNameTheDefinitionAndTheProblem) {

@@ -1,0 +1,256 @@
+// TCTTable: the dataset of one c-tree table, with its indexes, key seeks and ranges (dataset, unit CTTables).
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "CTIdxDesc.h"
+#include "CtdbTypes.h"
+#include "TCTCursorDesc.h"
+#include "TCTCustomDataSet.h"
+#include "TCTIndexDefs.h"
+#include "TCTRecordBuffer.h"
+#include "TStringList.h"
+#include "Variant.h"
+
+namespace CTTables {
+
+class TCTTable;
+
+/// What the range buffers mean. rfNone (no range) is the initial value.
+enum TRangeFlag : uint8_t { rfRangeStart, rfRangeEnd, rfMasterDetail, rfNone };
+
+/// OnIndexRecord(DataSet, IndexName, Accept): asked while keys of a package-maintained index are
+/// added or rebuilt whether the record (readable through the table's fields) belongs in the index.
+using TCTIndexRecordEvent =
+    std::function<void(Ctdb::TCTCustomDataSet* DataSet, const std::string& IndexName, bool& Accept)>;
+
+/// The dataset of one c-tree table. Open it with Connection and TableName set (Database is the
+/// directory given to the connection as it is). Every storage failure is raised as
+/// CTDbIntf::ECtreeException with the driver's number; framework misuse raises the framework's
+/// EDatabaseError. Implementation: TCTTable.cpp (life cycle, properties), TCTTable.records.cpp
+/// (record protocol, editing, bookmarks), TCTTable.indexes.cpp (indexes, keys, ranges).
+class TCTTable : public Ctdb::TCTCustomDataSet {
+ public:
+  explicit TCTTable(fw::TComponent* AOwner);
+  ~TCTTable() override;
+  static const fw::TClassInfo& StaticClass();
+  const fw::TClassInfo& ClassType() const override { return StaticClass(); }
+
+  // --- Published properties (inactive table required for the storage ones) ----------------
+  /// Table (file) name; "" by default. Raises EDatabaseError while open.
+  const std::string& TableName() const { return FTableName; }
+  void SetTableName(const std::string& Value);
+  /// Directory of the table, passed to the connection as it is. Raises while open.
+  const std::string& Database() const { return FDatabase; }
+  void SetDatabase(const std::string& Value);
+  /// Opens with 8 (read only) added to the open mode; field writes are then ignored silently.
+  bool ReadOnly() const { return FReadOnly; }
+  void SetReadOnly(bool Value);
+  /// Opens without the shared flag. An exclusive table takes no record locks when editing.
+  bool Exclusive() const { return FExclusive; }
+  void SetExclusive(bool Value);
+  /// Makes both ends of a user range and the GotoNearest comparison exclusive. Default false.
+  bool KeyExclusive() const { return FKeyExclusive; }
+  void SetKeyExclusive(bool Value) { FKeyExclusive = Value; }
+  bool IsSuperFile() const { return FIsSuperFile; }
+  void SetIsSuperFile(bool Value);
+  /// The current index's name. Setting it on an open table switches the cursor to that index
+  /// (an unknown name leaves the cursor's order alone and makes the name empty); on a closed
+  /// table it only records the name, looked up at open ("" selects the primary index).
+  std::string IndexName() const { return FIndexDesc.Name; }
+  void SetIndexName(const std::string& Value);
+  /// The ";"-separated key fields of the current index. Setting it selects the index whose key
+  /// fields are these (or start with them); EDatabaseError when no index matches.
+  std::string IndexFieldNames() const;
+  void SetIndexFieldNames(const std::string& Value);
+  const TCTIndexRecordEvent& OnIndexRecord() const { return FOnIndexRecord; }
+  /// Stores the handler and, outside loading and design, installs (or with an empty handler
+  /// removes) DoIndexKey as the connection's index-key hook, shared by every table on it.
+  void SetOnIndexRecord(const TCTIndexRecordEvent& Value);
+
+  // --- State ------------------------------------------------------------------------------
+  Ctdb::TOpenFlag OpenFlag() const { return FOpenFlag; }
+  Ctdb::TInsertType InsertType() const { return FInsertType; }
+  TRangeFlag RangeFlag() const { return FRangeFlag; }
+  /// The open table's cursor; null while closed.
+  Ctdb::TCTCursorDesc* Cursor() const { return FCursor.get(); }
+  TCTIndexDefs* IndexDefs() const { return FIndexDefs.get(); }
+  /// Names of the fields ever assigned in dsSetKey state; never emptied (its count is the number
+  /// of key fields a user range compares).
+  const fw::TStringList& KeyFieldNames() const { return *FKeyFieldNames; }
+
+  // --- Indexes ----------------------------------------------------------------------------
+  /// Refreshes IndexDefs and fills `List` with the non-empty index names in definition order.
+  void GetIndexNames(fw::TStrings& List);
+  /// Refills IndexDefs from the table's index descriptors (a closed table is opened briefly).
+  void UpdateIndexDefs() override;
+  /// Key fields of the current index; 0 without a cursor.
+  int GetIndexFieldCount() const;
+  /// The field at key position `Index` of the current index. Requires an open table; 1125 for a
+  /// position out of range, 1126 when the dataset has no field of that number.
+  fw::TField* GetIndexField(int Index) const;
+  /// Whether `Field` is a key field of the current index (false without a cursor).
+  bool GetIsIndexField(const fw::TField* Field) const;
+  /// Fills `Desc` from a descriptor: name (file-name part), key fields by name, expression,
+  /// flags and options (see the .cpp for the word-by-word rules).
+  void DecodeIndexDesc(const Ctdb::CTIdxDesc& Desc, std::string& Name, std::string& Fields, std::string& Expression,
+                       bool& Flag4, bool& Flag5, fw::TIndexOptions& Options) const;
+  /// The reverse: a zeroed descriptor with the name, -1/0 flag words, the expression (only with
+  /// ixExpression) and at most 256 key fields looked up in FieldDefs (unknown names raise the
+  /// framework's error).
+  void EncodeIndexDesc(Ctdb::CTIdxDesc& Desc, const std::string& Name, const std::string& Fields,
+                       const std::string& Expression, bool Flag4, bool Flag5, fw::TIndexOptions Options) const;
+
+  // --- Keys (open table; each starts with CheckBrowseMode) ---------------------------------
+  /// Enters dsSetKey on an empty key buffer; the range flag becomes rfNone.
+  void SetKey();
+  /// Raises 1121 unless the state is dsSetKey.
+  void CheckSetKeyMode() const;
+  /// Moves to the first record whose key matches the key buffer (on the key fields assigned
+  /// since SetKey); false when none or no key was set (the cursor stays where the search left it).
+  bool GotoKey();
+  /// Moves to the first record after (Greater) or the last before the key buffer's key, the
+  /// key itself included unless KeyExclusive; false when none.
+  bool GotoNearest(bool Greater = true);
+  /// SetKey, the values assigned to the index fields by position, GotoKey. More values than key
+  /// fields raise 1125.
+  bool FindKey(const std::vector<fw::Variant>& KeyValues);
+  bool FindNearest(const std::vector<fw::Variant>& KeyValues, bool Greater = true);
+
+  // --- Ranges ------------------------------------------------------------------------------
+  /// Enter dsSetKey on an emptied start / end buffer (the Edit forms do not keep old values).
+  void SetRangeStart();
+  void SetRangeEnd();
+  void EditRangeStart();
+  void EditRangeEnd();
+  /// Applies the range buffers to the cursor and moves to the first record; after SetKey (flag
+  /// rfNone) it removes the range instead and does not move.
+  void ApplyRange();
+  /// Removes the range and its buffers.
+  void CancelRange();
+  /// Start and end values by key position, then ApplyRange.
+  void SetRange(const std::vector<fw::Variant>& StartValues, const std::vector<fw::Variant>& EndValues);
+
+  // --- Framework overrides callable by applications ----------------------------------------
+  void Post() override;
+  void Cancel() override;
+  fw::TBookmark GetBookmark() override;
+  void FreeBookmark(fw::TBookmark& Bookmark) override;
+  /// Forgets every bookmark handed out.
+  void FreeBookmarks();
+  /// Positions near record `Value` by the key's percentile, then corrects by counting.
+  void SetRecNo(int Value) override;
+  bool BookmarkValid(const fw::TBookmark& Bookmark) override;
+  int CompareBookmarks(const fw::TBookmark& Bookmark1, const fw::TBookmark& Bookmark2) override;
+  void Notification(fw::TComponent* AComponent, fw::TOperation Operation) override;
+
+ protected:
+  // --- Descendants must implement -----------------------------------------------------------
+  fw::TGetResult GetRecord(fw::TRecordBuffer Buffer, fw::TGetMode GetMode, bool DoCheck) override;
+  void InternalOpen() override;
+  void InternalClose() override;
+  void InternalInitFieldDefs() override;
+  bool IsCursorOpen() const override { return FCursor != nullptr; }
+
+  // --- Descendants may override ------------------------------------------------------------
+  fw::TRecordBuffer AllocRecordBuffer() override;
+  void FreeRecordBuffer(fw::TRecordBuffer& Buffer) override;
+  void InternalInitRecord(fw::TRecordBuffer Buffer) override;
+  int GetRecordSize() const override;
+  void ClearCalcFields(fw::TRecordBuffer Buffer) override;
+  bool GetFieldData(fw::TField* Field, void* Buffer) override;
+  void SetFieldData(fw::TField* Field, const void* Buffer) override;
+  using fw::TDataSet::GetFieldData;
+  using fw::TDataSet::SetFieldData;
+  void GetBookmarkData(fw::TRecordBuffer Buffer, void* Data) override;
+  void SetBookmarkData(fw::TRecordBuffer Buffer, const void* Data) override;
+  fw::TBookmarkFlag GetBookmarkFlag(fw::TRecordBuffer Buffer) override;
+  void SetBookmarkFlag(fw::TRecordBuffer Buffer, fw::TBookmarkFlag Value) override;
+  void InternalFirst() override;
+  void InternalLast() override;
+  void InternalGotoBookmark(const void* Bookmark) override;
+  void InternalSetToRecord(fw::TRecordBuffer Buffer) override;
+  void InternalEdit() override;
+  void InternalInsert() override;
+  void InternalCancel() override;
+  void InternalPost() override;
+  void InternalAddRecord(fw::TRecordBuffer Buffer, bool Append) override;
+  void InternalDelete() override;
+  void InternalHandleException() override {}
+  int GetRecordCount() const override;
+  int GetRecNo() const override;
+  bool GetCanModify() const override;
+  void Loaded() override;
+
+  /// The buffer field reads and writes go to in the current state (see the .cpp); null when none.
+  TCTRecordBuffer* GetActiveRecBuf() const;
+  /// Ends key editing: deCheckBrowseMode, without `Commit` the range is reset, back to dsBrowse,
+  /// deDataSetChange.
+  void PostKeyBuffer(bool Commit);
+  /// Applies the range buffers to the cursor by the range flag; returns flag != rfNone.
+  bool SetCursorRange();
+  /// Frees both range buffers, clears the cursor's range, flag rfNone; returns true.
+  bool ResetCursorRange();
+  /// Creates `Buffer` for the cursor when null and empties it. With a master and "Master=Detail"
+  /// pairs, copies the master's values into the detail fields.
+  void CreateRangeBuffer(std::unique_ptr<TCTRecordBuffer>& Buffer, fw::TDataSet* Master,
+                         const fw::TStrings* FieldPairs);
+  /// The connection's index-key hook: shows the record to OnIndexRecord in dsFilter state.
+  void DoIndexKey(Ctdb::CTIdxDesc* IndexDesc, const void* RecPtr, int32_t RecLen, bool& Accept);
+  /// Whether a fetched record passes the filter (OnFilterRecord in dsFilter state).
+  virtual bool RecordFilter(TCTRecordBuffer* Buffer);
+
+ private:
+  static TCTRecordBuffer* RecBuf(fw::TRecordBuffer Buffer) { return reinterpret_cast<TCTRecordBuffer*>(Buffer); }
+  Ctdb::TCTConnection& Conn() const;
+  /// The connection's open mode: 1 shared unless Exclusive, plus 8 when ReadOnly.
+  int32_t OpenFlags() const;
+  /// Activates the connection and opens a cursor on the table for definitions only.
+  void OpenTemporaryCursor(std::unique_ptr<Ctdb::TCTCursorDesc>& Cursor);
+  /// Fills FieldDefs from the cursor's field descriptors.
+  void LoadFieldDefs(Ctdb::TCTCursorDesc* Cursor);
+  void ClearKeyBuffers();
+  void EnterKeyMode(TRangeFlag Flag, std::unique_ptr<TCTRecordBuffer>& Buffer);
+  void AssignKeyValues(const std::vector<fw::Variant>& Values);
+  bool FindPartialKey(TCTRecordBuffer* Key, int Fields);
+  int32_t KeyLengthOf(TCTRecordBuffer* Buffer, std::vector<uint8_t>& Key, int Fields);
+  void AfterIndexSwitch();
+  void UnlockEditedRecord();
+  int32_t CountKeysBeforeRange();
+
+  std::unique_ptr<Ctdb::TCTCursorDesc> FCursor;
+  std::string FTableName;
+  std::string FDatabase;
+  bool FReadOnly = false;
+  bool FExclusive = false;
+  bool FKeyExclusive = false;
+  bool FIsSuperFile = false;
+  Ctdb::TOpenFlag FOpenFlag = Ctdb::ofClosed;
+  Ctdb::TInsertType FInsertType = Ctdb::isNone;
+  mutable int32_t FRecNoCache = -1;
+  mutable int32_t FRecordCountCache = -1;
+  mutable bool FRecordCountValid = false;
+  std::unique_ptr<TCTRecordBuffer> FOldRecord;
+  int32_t FEditLock = 0;  // bookmark of the record locked by InternalEdit, 0 when none
+  std::unique_ptr<fw::TStringList> FKeyFieldNames;
+  std::unique_ptr<TCTIndexDefs> FIndexDefs;
+  Ctdb::CTIdxDesc FIndexDesc;
+  TRangeFlag FRangeFlag = rfNone;
+  std::unique_ptr<TCTRecordBuffer> FRangeStart;
+  std::unique_ptr<TCTRecordBuffer> FRangeEnd;
+  std::unique_ptr<TCTRecordBuffer> FKeyBuffer;
+  std::unique_ptr<TCTRecordBuffer> FIndexRecord;
+  TCTRecordBuffer* FFilterBuffer = nullptr;
+  int FKeyFieldsSet = 0;  // leading key positions assigned since the key buffer was emptied
+  TCTIndexRecordEvent FOnIndexRecord;
+  std::shared_ptr<TCTTable*> FHookToken = std::make_shared<TCTTable*>(this);
+  // Positions handed out by GetBookmark; a post that moves a record forwards the old position.
+  std::vector<int32_t> FBookmarks;
+  std::vector<std::pair<int32_t, int32_t>> FMovedBookmarks;
+};
+
+}  // namespace CTTables

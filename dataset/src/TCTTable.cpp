@@ -1,0 +1,225 @@
+// TCTTable: life cycle, properties and field definitions of the table dataset (dataset, unit CTTables).
+#include "TCTTable.h"
+
+#include "CtError.h"
+#include "TClassInfo.h"
+#include "TCTConnection.h"
+
+namespace CTTables {
+
+namespace {
+
+[[maybe_unused]] const bool kRegistered = (fw::RegisterClass(TCTTable::StaticClass()), true);
+
+// Open mode bits of the connection's OpenCursor.
+constexpr int32_t kOpenShared = 1;
+constexpr int32_t kOpenReadOnly = 8;
+constexpr int32_t kAlignmentMismatch = 1136;
+constexpr int32_t kNoConnection = 1118;
+constexpr int32_t kNoTableName = 1120;
+constexpr int32_t kBadIndex = 1137;
+
+}  // namespace
+
+TCTTable::TCTTable(fw::TComponent* AOwner)
+    : Ctdb::TCTCustomDataSet(AOwner),
+      FKeyFieldNames(std::make_unique<fw::TStringList>()),
+      FIndexDefs(std::make_unique<TCTIndexDefs>(this)) {
+  FIndexDesc.IndexId = -1;
+}
+
+TCTTable::~TCTTable() {
+  try {
+    Close();
+  } catch (...) {
+    // A destructor never throws; the storage is released by the cursor's owner either way.
+  }
+}
+
+const fw::TClassInfo& TCTTable::StaticClass() {
+  static const fw::TClassInfo info =
+      fw::TClassBuilder<TCTTable>("TCTTable", &Ctdb::TCTCustomDataSet::StaticClass())
+          .Creatable()
+          .Property("Database", &TCTTable::Database, &TCTTable::SetDatabase, "")
+          .Property("IndexName", &TCTTable::IndexName, &TCTTable::SetIndexName, "")
+          .Property("TableName", &TCTTable::TableName, &TCTTable::SetTableName, "")
+          .Property("ReadOnly", &TCTTable::ReadOnly, &TCTTable::SetReadOnly, false)
+          .Property("KeyExclusive", &TCTTable::KeyExclusive, &TCTTable::SetKeyExclusive, false)
+          .Property("Exclusive", &TCTTable::Exclusive, &TCTTable::SetExclusive, false)
+          .Property("IsSuperFile", &TCTTable::IsSuperFile, &TCTTable::SetIsSuperFile, false)
+          .Build();
+  return info;
+}
+
+Ctdb::TCTConnection& TCTTable::Conn() const {
+  if (Connection() == nullptr) CTDbIntf::CtError(kNoConnection);
+  return *Connection();
+}
+
+
+void TCTTable::SetTableName(const std::string& Value) {
+  CheckInactive();
+  if (Value != FTableName) {
+    FTableName = Value;
+    FIndexDefs->SetUpdated(false);
+    FieldDefs()->SetUpdated(false);
+  }
+}
+
+void TCTTable::SetDatabase(const std::string& Value) {
+  CheckInactive();
+  if (Value != FDatabase) {
+    FDatabase = Value;
+    FIndexDefs->SetUpdated(false);
+    FieldDefs()->SetUpdated(false);
+  }
+}
+
+void TCTTable::SetReadOnly(bool Value) {
+  CheckInactive();
+  FReadOnly = Value;
+}
+
+void TCTTable::SetExclusive(bool Value) {
+  CheckInactive();
+  FExclusive = Value;
+}
+
+void TCTTable::SetIsSuperFile(bool Value) {
+  CheckInactive();
+  FIsSuperFile = Value;
+}
+
+void TCTTable::Notification(fw::TComponent* AComponent, fw::TOperation Operation) {
+  Ctdb::TCTCustomDataSet::Notification(AComponent, Operation);
+}
+
+void TCTTable::Loaded() {
+  Ctdb::TCTCustomDataSet::Loaded();
+  if (Connection() != nullptr && FOnIndexRecord) SetOnIndexRecord(FOnIndexRecord);
+}
+
+bool TCTTable::GetCanModify() const { return !FReadOnly; }
+
+void TCTTable::InternalOpen() {
+  if (FCursor != nullptr) return;
+  const bool loading = ComponentState().Contains(fw::csLoading);
+  if (Connection() == nullptr) {
+    if (loading) fw::Abort();
+    CTDbIntf::CtError(kNoConnection);
+  }
+  if (FTableName.empty()) {
+    if (loading) fw::Abort();
+    CTDbIntf::CtError(kNoTableName);
+  }
+  FOpenFlag = Ctdb::ofOpening;
+  FIndexDefs->Clear();
+  FIndexDefs->SetUpdated(false);
+  Ctdb::TCTConnection& conn = *Connection();
+  conn.SetActive(true);
+
+  const int32_t opened = conn.OpenCursor(FCursor, FTableName, FDatabase, OpenFlags());
+  if (opened == kAlignmentMismatch) CTDbIntf::CtErrorFmt(kAlignmentMismatch, {fw::Variant(FTableName)});
+  CTDbIntf::CtError(opened);
+
+  CTDbIntf::CtError(conn.InitIndexes(FCursor.get()));
+  if (!FIndexDesc.Name.empty() && FCursor->FindIndex(FIndexDesc.Name, -1) < 0)
+    CTDbIntf::CtError(kBadIndex);
+  if (FCursor->GetIndexCount() > 0) {
+    // An index number of -1 makes the driver look the index up by name; "" is the primary one.
+    FIndexDesc.IndexId = -1;
+    CTDbIntf::CtError(conn.SwitchToIndex(FCursor.get(), &FIndexDesc, false));
+  }
+  FBookmarkSize = 4;
+
+  FRecordCountValid = false;
+  FRecordCountCache = -1;
+  InternalInitFieldDefs();
+  if (DefaultFields()) CreateFields();
+  BindFields(true);
+
+  FCursor->RangeActive = false;
+  SetCursorRange();
+
+  CTDbIntf::CtError(conn.SetToBegin(FCursor.get()));
+  FRecNoCache = -1;
+  FOpenFlag = Ctdb::ofOpen;
+  Ctdb::TCTCustomDataSet::InternalOpen();
+}
+
+void TCTTable::InternalClose() {
+  Ctdb::TCTCustomDataSet::InternalClose();
+  FOpenFlag = Ctdb::ofClosing;
+  UnlockEditedRecord();
+  if (FCursor != nullptr && Connection() != nullptr) {
+    // Closing never throws; a cursor the driver could not close is dropped with the session.
+    static_cast<void>(Connection()->CloseCursor(FCursor));
+  }
+  FCursor.reset();
+  FOpenFlag = Ctdb::ofClosed;
+  BindFields(false);
+  if (DefaultFields()) DestroyFields();
+  FRangeStart.reset();
+  FRangeEnd.reset();
+  FKeyBuffer.reset();
+  FIndexRecord.reset();
+  FFilterBuffer = nullptr;
+  FOldRecord.reset();
+  FRangeFlag = rfNone;
+  FBookmarks.clear();
+  FMovedBookmarks.clear();
+}
+
+int32_t TCTTable::OpenFlags() const { return (FExclusive ? 0 : kOpenShared) | (FReadOnly ? kOpenReadOnly : 0); }
+
+void TCTTable::OpenTemporaryCursor(std::unique_ptr<Ctdb::TCTCursorDesc>& Cursor) {
+  if (FTableName.empty()) CTDbIntf::CtError(kNoTableName);
+  Conn().SetActive(true);
+  CTDbIntf::CtError(Conn().OpenCursor(Cursor, FTableName, FDatabase, OpenFlags()));
+}
+
+void TCTTable::InternalInitFieldDefs() {
+  // Field definitions may be asked for while the table is closed (FieldDefs.Update): read them
+  // through a cursor opened only for that.
+  if (FCursor != nullptr) {
+    LoadFieldDefs(FCursor.get());
+    return;
+  }
+  std::unique_ptr<Ctdb::TCTCursorDesc> temporary;
+  OpenTemporaryCursor(temporary);
+  try {
+    LoadFieldDefs(temporary.get());
+  } catch (...) {
+    static_cast<void>(Conn().CloseCursor(temporary));
+    throw;
+  }
+  static_cast<void>(Conn().CloseCursor(temporary));
+}
+
+void TCTTable::LoadFieldDefs(Ctdb::TCTCursorDesc* Cursor) {
+  Ctdb::TFieldDescList descs;
+  CTDbIntf::CtError(Conn().GetFieldDescs(Cursor, &descs));
+  fw::TFieldDefs* defs = FieldDefs();
+  defs->Clear();
+  for (const Ctdb::CTFldDesc& desc : descs) {
+    const fw::TFieldType type = Ctdb::TCTConnection::BDEToFieldType(desc.FieldType, desc.SubType);
+    int size = 0;
+    switch (type) {
+      case fw::ftString:
+      case fw::ftFixedChar:
+      case fw::ftBytes:
+      case fw::ftVarBytes:
+        size = desc.Units1;
+        break;
+      case fw::ftBCD:
+        size = 4;
+        break;
+      default:
+        break;
+    }
+    defs->Add(desc.Name, type, size, false);
+  }
+  defs->SetUpdated(true);
+}
+
+}  // namespace CTTables

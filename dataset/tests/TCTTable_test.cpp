@@ -1,0 +1,333 @@
+// TCTTable: opening, browsing, editing, bookmarks and record numbers over real engine files.
+#include <algorithm>
+
+#include "TableTestSupport.h"
+#include "TField.h"
+#include "TFloatField.h"
+#include "TNumericField.h"
+#include "TClassInfo.h"
+#include "TReader.h"
+#include "TStringField.h"
+
+namespace CTTables::testing {
+namespace {
+
+// A form's root class for the form-file test.
+class TPeopleForm : public fw::TComponent {
+ public:
+  explicit TPeopleForm(fw::TComponent* AOwner) : fw::TComponent(AOwner) {}
+  static const fw::TClassInfo& StaticClass() {
+    static const fw::TClassInfo info =
+        fw::TClassBuilder<TPeopleForm>("TPeopleForm", &fw::TComponent::StaticClass()).Creatable().Build();
+    return info;
+  }
+  const fw::TClassInfo& ClassType() const override { return StaticClass(); }
+};
+
+using Table = TableTest;
+
+std::vector<int32_t> SortedIds() {
+  std::vector<int32_t> ids;
+  for (const Person& p : People()) ids.push_back(p.Id);
+  std::sort(ids.begin(), ids.end());
+  return ids;
+}
+
+TEST_F(Table, OpensOnThePrimaryIndexAndBrowsesBothWays) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  EXPECT_EQ(table->OpenFlag(), Ctdb::ofClosed);
+  table->Open();
+  EXPECT_EQ(table->OpenFlag(), Ctdb::ofOpen);
+  EXPECT_EQ(table->IndexName(), "ById");
+  EXPECT_EQ(table->FieldCount(), 4);
+  EXPECT_EQ(table->FieldByName("NAME")->DataType(), fw::ftString);
+  EXPECT_EQ(table->RecordCount(), 10);
+  EXPECT_EQ(IdsToEnd(*table), SortedIds());
+  EXPECT_EQ(table->RecNo(), 10);  // past the last record the number is the count
+
+  table->Last();
+  std::vector<int32_t> backwards;
+  while (!table->Bof()) {
+    backwards.push_back(table->FieldByName("ID")->AsInteger());
+    table->Prior();
+  }
+  std::vector<int32_t> expected = SortedIds();
+  std::reverse(expected.begin(), expected.end());
+  EXPECT_EQ(backwards, expected);
+
+  table->First();
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Alan");
+  EXPECT_EQ(table->FieldByName("CITY")->AsString(), "Bergen");
+  EXPECT_DOUBLE_EQ(table->FieldByName("AMOUNT")->AsFloat(), 10);
+  EXPECT_EQ(Conn->DataSetCount(), 1);
+  table->Close();
+  EXPECT_EQ(table->OpenFlag(), Ctdb::ofClosed);
+  EXPECT_EQ(Conn->DataSetCount(), 0);
+}
+
+TEST_F(Table, SwitchesIndexWhileOpenAndByFieldNames) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  table->SetIndexName("ByName");
+  EXPECT_EQ(table->IndexName(), "ByName");
+  table->First();
+  std::vector<std::string> names;
+  while (!table->Eof()) {
+    names.push_back(table->FieldByName("NAME")->AsString());
+    table->Next();
+  }
+  EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
+  EXPECT_EQ(names.size(), 10u);
+
+  table->SetIndexFieldNames("CITY;ID");
+  EXPECT_EQ(table->IndexName(), "ByCity");
+  EXPECT_EQ(table->IndexFieldNames(), "CITY;ID");
+  table->First();
+  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{1, 3, 8, 2, 4, 7, 10, 5, 6, 9}));
+  EXPECT_THROW(table->SetIndexFieldNames("AMOUNT"), fw::EDatabaseError);
+
+  // An unknown name leaves the order alone and the name empty.
+  table->SetIndexName("NoSuchIndex");
+  EXPECT_EQ(table->IndexName(), "");
+  table->First();
+  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 1);
+}
+
+TEST_F(Table, IndexNameOfAClosedTableIsUsedAtOpen) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->SetIndexName("ByCity");
+  table->Open();
+  EXPECT_EQ(table->FieldByName("CITY")->AsString(), "Bergen");
+  table->Close();
+  table->SetIndexName("Missing");
+  EXPECT_EQ(ErrorOf([&] { table->Open(); }), 1137);
+  EXPECT_FALSE(table->Active());
+}
+
+TEST_F(Table, OpenFailuresRaiseTheirNumbers) {
+  MakePeople();
+  TCTTable* table = NewTable();
+  table->SetTableName("");
+  EXPECT_EQ(ErrorOf([&] { table->Open(); }), 1120);
+  auto* orphan = new TCTTable(Owner.get());
+  orphan->SetTableName("people");
+  EXPECT_EQ(ErrorOf([&] { orphan->Open(); }), 1118);
+  table->SetTableName("nobody");
+  EXPECT_EQ(ErrorOf([&] { table->Open(); }), 12);
+  EXPECT_FALSE(table->Active());
+  EXPECT_EQ(Conn->DataSetCount(), 0);
+  table->SetTableName("people");
+  table->Open();
+  EXPECT_TRUE(table->IsEmpty());
+  EXPECT_EQ(table->RecordCount(), 0);
+}
+
+TEST_F(Table, EditPostCancelAndDeleteReachTheFile) {
+  CT_REQUIRE_LOCK_SETS();
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  ASSERT_TRUE(table->FindKey({fw::Variant(int32_t{4})}));
+  table->Edit();
+  EXPECT_EQ(table->InsertType(), Ctdb::isNone);
+  table->FieldByName("NAME")->SetAsString("Don");
+  table->Post();
+  table->Edit();
+  table->FieldByName("NAME")->SetAsString("Nobody");
+  table->Cancel();
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Don");
+
+  ASSERT_TRUE(table->FindKey({fw::Variant(int32_t{5})}));
+  const fw::TBookmark deleted = table->GetBookmark();
+  table->Delete();
+  EXPECT_FALSE(table->BookmarkValid(deleted));
+  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 6);  // the next record becomes current
+  table->Close();
+
+  table->Open();
+  EXPECT_EQ(table->RecordCount(), 9);
+  ASSERT_TRUE(table->FindKey({fw::Variant(int32_t{4})}));
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Don");
+  EXPECT_FALSE(table->FindKey({fw::Variant(int32_t{5})}));
+}
+
+TEST_F(Table, DuplicateKeyOnPostKeepsTheInsertPending) {
+  CT_REQUIRE_LOCK_SETS();
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  table->Insert();
+  EXPECT_EQ(table->InsertType(), Ctdb::isInsert);
+  table->FieldByName("ID")->SetAsInteger(3);
+  table->FieldByName("NAME")->SetAsString("Copy");
+  EXPECT_EQ(ErrorOf([&] { table->Post(); }), 2);
+  EXPECT_EQ(table->State(), fw::dsInsert);
+  table->FieldByName("ID")->SetAsInteger(11);
+  table->Post();
+  EXPECT_EQ(table->InsertType(), Ctdb::isNone);
+  EXPECT_EQ(table->RecordCount(), 11);
+}
+
+TEST_F(Table, FieldWritesAreCheckedInOrder) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  EXPECT_EQ(ErrorOf([&] { table->FieldByName("NAME")->SetAsString("x"); }), 1121);
+  table->FieldByName("NAME")->SetReadOnly(true);
+  table->Edit();
+  EXPECT_EQ(ErrorOf([&] { table->FieldByName("NAME")->SetAsString("x"); }), 1122);
+  table->Cancel();
+  table->SetKey();
+  EXPECT_EQ(ErrorOf([&] { table->FieldByName("NAME")->SetAsString("x"); }), 1124);
+  table->FieldByName("ID")->SetAsInteger(2);  // an index field may be written in dsSetKey
+  EXPECT_TRUE(table->GotoKey());
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Barbara");
+}
+
+TEST_F(Table, ReadOnlyTableIgnoresWritesAndRefusesEditing) {
+  FillPeople();
+  TCTTable* table = NewTable(false);
+  table->SetReadOnly(true);
+  table->Open();
+  EXPECT_FALSE(table->CanModify());
+  EXPECT_THROW(table->Edit(), fw::EDatabaseError);
+  table->SetKey();
+  table->FieldByName("ID")->SetAsInteger(2);  // ignored silently
+  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 0);
+  table->Cancel();
+  EXPECT_EQ(table->State(), fw::dsBrowse);
+}
+
+TEST_F(Table, BookmarksReturnToTheirRecords) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  table->MoveBy(3);
+  fw::TBookmark mark = table->GetBookmark();
+  ASSERT_EQ(mark.size(), 4u);
+  const int32_t id = table->FieldByName("ID")->AsInteger();
+  table->Last();
+  fw::TBookmark last = table->GetBookmark();
+  EXPECT_TRUE(table->BookmarkValid(mark));
+  table->GotoBookmark(mark);
+  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), id);
+  EXPECT_EQ(table->CompareBookmarks(mark, mark), 0);
+  EXPECT_EQ(table->CompareBookmarks(mark, fw::TBookmark()), -1);
+  EXPECT_NE(table->CompareBookmarks(mark, last), 0);
+  table->FreeBookmark(mark);
+  EXPECT_TRUE(mark.empty());
+  table->GotoBookmark(last);
+  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 10);
+  EXPECT_FALSE(table->BookmarkValid(fw::TBookmark(4, std::byte{0x7F})));
+}
+
+TEST_F(Table, RecNoFollowsTheIndexAndSetRecNoPositions) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  table->MoveBy(4);
+  EXPECT_EQ(table->RecNo(), 5);
+  table->SetRecNo(8);
+  EXPECT_EQ(table->RecNo(), 8);
+  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 8);
+  table->SetRecNo(1);
+  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 1);
+  table->SetIndexName("ByCity");
+  table->SetRange({fw::Variant("Oslo")}, {fw::Variant("Oslo")});
+  table->SetRecNo(3);
+  EXPECT_EQ(table->RecNo(), 3);
+  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 7);
+}
+
+TEST_F(Table, CalculatedFieldsComeFromTheRecordStore) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->FieldDefs()->Update();
+  for (int i = 0; i < table->FieldDefs()->Count(); ++i) table->FieldDefs()->Items(i)->CreateField(table);
+  auto* doubled = new fw::TFloatField(table);
+  doubled->SetFieldName("DOUBLED");
+  doubled->SetFieldKind(fw::fkCalculated);
+  doubled->SetDataSet(table);
+  table->OnCalcFields = [](fw::TDataSet* ds) {
+    ds->FieldByName("DOUBLED")->SetAsFloat(ds->FieldByName("AMOUNT")->AsFloat() * 2);
+  };
+  table->Open();
+  std::vector<double> values;
+  while (!table->Eof()) {
+    values.push_back(table->FieldByName("DOUBLED")->AsFloat());
+    table->Next();
+  }
+  EXPECT_EQ(values, (std::vector<double>{20, 40, 60, 80, 100, 120, 141, 160, 180, 200}));
+  table->First();
+  table->Edit();
+  table->FieldByName("AMOUNT")->SetAsFloat(1.5);
+  EXPECT_DOUBLE_EQ(doubled->AsFloat(), 3);  // recomputed on each change
+  table->Cancel();
+  EXPECT_DOUBLE_EQ(doubled->AsFloat(), 20);
+}
+
+TEST_F(Table, FilterRejectingEverythingRunsToTheEnd) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  int seen = 0;
+  table->SetOnFilterRecord([&seen](fw::TDataSet*, bool& accept) {
+    ++seen;
+    accept = false;
+  });
+  table->SetFiltered(true);
+  table->Open();
+  EXPECT_TRUE(table->IsEmpty());
+  EXPECT_TRUE(table->Eof());
+  EXPECT_GE(seen, 10);
+}
+
+TEST_F(Table, ConnectionNilClosesButKeepsTheReferenceWhileFreeingClearsIt) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  table->SetConnection(nullptr);
+  EXPECT_FALSE(table->Active());
+  EXPECT_EQ(table->Connection(), Conn);
+  table->Open();
+  Conn->Free();
+  EXPECT_FALSE(table->Active());
+  EXPECT_EQ(table->Connection(), nullptr);
+  Conn = nullptr;
+}
+
+TEST_F(Table, DeactivatingTheConnectionClosesTheTable) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  Conn->SetActive(false);
+  EXPECT_FALSE(table->Active());
+  EXPECT_EQ(table->OpenFlag(), Ctdb::ofClosed);
+}
+
+TEST_F(Table, FormFileConfiguresAndOpensATable) {
+  FillPeople();
+  fw::RegisterClass(TPeopleForm::StaticClass());
+  const std::string form = "object Root: TPeopleForm\n"
+                           "  object Db: TCTConnection\n"
+                           "  end\n"
+                           "  object People: TCTTable\n"
+                           "    Connection = Db\n"
+                           "    Database = '" + Dir.string() + "'\n"
+                           "    TableName = 'people'\n"
+                           "    IndexName = 'ByName'\n"
+                           "    Exclusive = True\n"
+                           "    Active = True\n"
+                           "  end\n"
+                           "end\n";
+  fw::TComponentPtr<fw::TComponent> root(fw::ReadComponentText(form));
+  auto* table = dynamic_cast<TCTTable*>(root->FindComponent("People"));
+  ASSERT_NE(table, nullptr);
+  EXPECT_TRUE(table->Active());
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Ada");
+}
+
+}  // namespace
+}  // namespace CTTables::testing

@@ -1,0 +1,123 @@
+// Shared fixture of the dataset tests.
+#include "TableTestSupport.h"
+
+#include <unistd.h>
+
+#include <random>
+
+#include "CtRecords.h"
+#include "CtSession.h"
+#include "TField.h"
+#include "ctisam.h"
+
+namespace CTTables::testing {
+
+const std::vector<Person>& People() {
+  static const std::vector<Person> people = {
+      {7, "Grace", "Oslo", 70.5},   {3, "Ada", "Bergen", 30},    {10, "Linus", "Oslo", 100},
+      {1, "Alan", "Bergen", 10},    {5, "Edsger", "Tromso", 50}, {9, "Ken", "Tromso", 90},
+      {2, "Barbara", "Oslo", 20},   {8, "Dennis", "Bergen", 80}, {4, "Donald", "Oslo", 40},
+      {6, "Niklaus", "Tromso", 60},
+  };
+  return people;
+}
+
+TableTest::TableTest() : OldDir(std::filesystem::current_path()), Owner(new fw::TComponent(nullptr)) {
+  std::random_device random;
+  for (;;) {
+    Dir = std::filesystem::temp_directory_path() /
+          ("cttables_test_" + std::to_string(::getpid()) + "_" + std::to_string(random()));
+    if (std::filesystem::create_directory(Dir)) break;
+  }
+  Conn = new Ctdb::TCTConnection(Owner.get());
+  Conn->SetActive(true);
+}
+
+TableTest::~TableTest() {
+  Owner.reset();
+  std::error_code ignored;
+  std::filesystem::current_path(OldDir, ignored);
+  std::filesystem::remove_all(Dir, ignored);
+}
+
+namespace {
+
+Ctdb::CTFldDesc Field(uint16_t no, const std::string& name, int16_t type, int16_t subType, int16_t length) {
+  Ctdb::CTFldDesc desc;
+  desc.FieldNo = no;
+  desc.Name = name;
+  desc.FieldType = type;
+  desc.SubType = subType;
+  desc.Units1 = length;
+  desc.Length = length;
+  return desc;
+}
+
+Ctdb::CTIdxDesc Index(const std::string& name, std::vector<int32_t> fields, bool unique, bool primary) {
+  Ctdb::CTIdxDesc desc;
+  desc.Name = name;
+  desc.Unique = unique ? Ctdb::kWordTrue : Ctdb::kWordFalse;
+  desc.Primary = primary ? Ctdb::kWordTrue : Ctdb::kWordFalse;
+  desc.Maintained = Ctdb::kWordTrue;
+  for (size_t i = 0; i < fields.size(); ++i) desc.KeyFields[i] = fields[i];
+  desc.FieldsInKey = static_cast<int16_t>(fields.size());
+  return desc;
+}
+
+}  // namespace
+
+void TableTest::MakePeople() {
+  Ctdb::CTTblDesc desc;
+  desc.Name = "people";
+  desc.TableType = "CTree";
+  desc.Fields = {Field(1, "ID", Ctdb::fldINT32, 0, 4), Field(2, "NAME", Ctdb::fldZSTRING, Ctdb::fldstFSTRING, 20),
+                 Field(3, "CITY", Ctdb::fldZSTRING, Ctdb::fldstFSTRING, 16),
+                 Field(4, "AMOUNT", Ctdb::fldFLOAT, 0, 8)};
+  desc.Indexes = {Index("ById", {1}, true, true), Index("ByCity", {3, 1}, true, false),
+                  Index("ByName", {2}, false, false)};
+  ASSERT_EQ(Conn->CreateTable(Dir.string(), true, desc), 0);
+}
+
+void TableTest::FillPeople() {
+  MakePeople();
+  // Written with the engine's plain record add, so that browsing tests need no lock sets.
+  std::unique_ptr<Ctdb::TCTCursorDesc> cursor;
+  ASSERT_EQ(Conn->OpenCursor(cursor, "people", Dir.string(), 0), 0);
+  for (const Person& p : People()) {
+    Ctdb::TCTCustomRecordBuffer record(cursor.get());
+    record.InitRecord();
+    std::string name = p.Name, city = p.City;
+    ASSERT_EQ(Conn->SetField(cursor.get(), 1, &record, &p.Id), 0);
+    ASSERT_EQ(Conn->SetField(cursor.get(), 2, &record, name.c_str()), 0);
+    ASSERT_EQ(Conn->SetField(cursor.get(), 3, &record, city.c_str()), 0);
+    ASSERT_EQ(Conn->SetField(cursor.get(), 4, &record, &p.Amount), 0);
+    ASSERT_EQ(CTDbIntf::AddRecord(Conn->Alignment(), cursor->DataFileNo, record.RecordPtr()), 0);
+  }
+  ASSERT_EQ(Conn->CloseCursor(cursor), 0);
+}
+
+bool TableTest::HasLockSets() const {
+  const CTDbIntf::TLoadAlignment a = Conn->Alignment();
+  if (CTDbIntf::LockISAM(a, ENABLE) != 0) return false;
+  return CTDbIntf::LockISAM(a, FREE) == 0;
+}
+
+TCTTable* TableTest::NewTable(bool exclusive) {
+  auto* table = new TCTTable(Owner.get());
+  table->SetConnection(Conn);
+  table->SetDatabase(Dir.string());
+  table->SetTableName("people");
+  table->SetExclusive(exclusive);
+  return table;
+}
+
+std::vector<int32_t> TableTest::IdsToEnd(TCTTable& table) {
+  std::vector<int32_t> ids;
+  while (!table.Eof()) {
+    ids.push_back(table.FieldByName("ID")->AsInteger());
+    table.Next();
+  }
+  return ids;
+}
+
+}  // namespace CTTables::testing
