@@ -230,5 +230,31 @@ TEST_F(Keys, IndexRecordHookIsInstalledOnlyOutsideLoading) {
   EXPECT_FALSE(static_cast<bool>(Conn->OnIndexKey));
 }
 
+TEST_F(Keys, IndexRecordHandlerSeesTheOfferedRecordAndDecides) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  std::vector<std::string> asked;
+  table->SetOnIndexRecord([&asked](Ctdb::TCTCustomDataSet* ds, const std::string& index, bool& accept) {
+    asked.push_back(index + ":" + ds->FieldByName("NAME")->AsString());
+    EXPECT_EQ(ds->State(), fw::dsFilter);
+    accept = ds->FieldByName("CITY")->AsString() != "Oslo";
+  });
+  table->Open();
+  ASSERT_TRUE(table->FindKey({V(4)}));
+  TCTRecordBuffer record(table->Cursor());
+  ASSERT_EQ(Conn->GetCurrentRecord(table->Cursor(), Ctdb::dbiNOLOCK, &record), 0);
+  Ctdb::CTIdxDesc desc = table->Cursor()->GetIndexDesc("ByName");
+  bool accept = true;
+  Conn->OnIndexKey(table->Cursor(), &desc, record.RecordPtr(), record.RecordSize(), accept);
+  EXPECT_FALSE(accept);
+  EXPECT_EQ(asked, (std::vector<std::string>{"ByName:Donald"}));
+  EXPECT_EQ(table->State(), fw::dsBrowse);
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Donald");
+  table->Free();
+  accept = true;
+  Conn->OnIndexKey(nullptr, &desc, record.RecordPtr(), record.RecordSize(), accept);  // the table is gone
+  EXPECT_TRUE(accept);
+}
+
 }  // namespace
 }  // namespace CTTables::testing

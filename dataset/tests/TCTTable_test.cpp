@@ -126,7 +126,6 @@ TEST_F(Table, OpenFailuresRaiseTheirNumbers) {
 }
 
 TEST_F(Table, EditPostCancelAndDeleteReachTheFile) {
-  CT_REQUIRE_LOCK_SETS();
   FillPeople();
   TCTTable* table = NewTable();
   table->Open();
@@ -155,7 +154,6 @@ TEST_F(Table, EditPostCancelAndDeleteReachTheFile) {
 }
 
 TEST_F(Table, DuplicateKeyOnPostKeepsTheInsertPending) {
-  CT_REQUIRE_LOCK_SETS();
   FillPeople();
   TCTTable* table = NewTable();
   table->Open();
@@ -169,6 +167,44 @@ TEST_F(Table, DuplicateKeyOnPostKeepsTheInsertPending) {
   table->Post();
   EXPECT_EQ(table->InsertType(), Ctdb::isNone);
   EXPECT_EQ(table->RecordCount(), 11);
+}
+
+TEST_F(Table, SharedTableLocksTheEditedRecordAndPosts) {
+  FillPeople();
+  TCTTable* table = NewTable(false);
+  table->Open();
+  table->Last();
+  table->Edit();
+  table->FieldByName("AMOUNT")->SetAsFloat(1.25);
+  table->Post();
+  table->Edit();
+  table->FieldByName("AMOUNT")->SetAsFloat(99);
+  table->Cancel();
+  table->Append();
+  EXPECT_EQ(table->InsertType(), Ctdb::isAppend);
+  table->FieldByName("ID")->SetAsInteger(42);
+  table->Post();
+  EXPECT_EQ(table->RecordCount(), 11);
+  table->Close();
+  table->Open();
+  ASSERT_TRUE(table->FindKey({fw::Variant(int32_t{10})}));
+  EXPECT_DOUBLE_EQ(table->FieldByName("AMOUNT")->AsFloat(), 1.25);
+  EXPECT_TRUE(table->FindKey({fw::Variant(int32_t{42})}));
+}
+
+TEST_F(Table, PostedRecordsAppearInEveryIndex) {
+  MakePeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  for (const Person& p : People())
+    table->AppendRecord({fw::Variant(p.Id), fw::Variant(p.Name), fw::Variant(p.City), fw::Variant(p.Amount)});
+  EXPECT_EQ(table->RecordCount(), 10);
+  table->SetIndexName("ByCity");
+  table->First();
+  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{1, 3, 8, 2, 4, 7, 10, 5, 6, 9}));
+  table->SetIndexName("ByName");
+  EXPECT_TRUE(table->FindKey({fw::Variant(std::string("Ken"))}));
+  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 9);
 }
 
 TEST_F(Table, FieldWritesAreCheckedInOrder) {

@@ -6,9 +6,7 @@
 #include <random>
 
 #include "CtRecords.h"
-#include "CtSession.h"
 #include "TField.h"
-#include "ctisam.h"
 
 namespace CTTables::testing {
 
@@ -80,7 +78,7 @@ void TableTest::MakePeople() {
 
 void TableTest::FillPeople() {
   MakePeople();
-  // Written with the engine's plain record add, so that browsing tests need no lock sets.
+  // Written with the engine's plain record add: the browsing tests do not depend on posting.
   std::unique_ptr<Ctdb::TCTCursorDesc> cursor;
   ASSERT_EQ(Conn->OpenCursor(cursor, "people", Dir.string(), 0), 0);
   for (const Person& p : People()) {
@@ -96,11 +94,6 @@ void TableTest::FillPeople() {
   ASSERT_EQ(Conn->CloseCursor(cursor), 0);
 }
 
-bool TableTest::HasLockSets() const {
-  const CTDbIntf::TLoadAlignment a = Conn->Alignment();
-  if (CTDbIntf::LockISAM(a, ENABLE) != 0) return false;
-  return CTDbIntf::LockISAM(a, FREE) == 0;
-}
 
 TCTTable* TableTest::NewTable(bool exclusive) {
   auto* table = new TCTTable(Owner.get());

@@ -11,10 +11,6 @@
 #include "Ctdb.h"
 #include "ECtreeException.h"
 
-/// Skips the test when the engine cannot write through the driver.
-#define CT_REQUIRE_LOCK_SETS() \
-  if (!HasLockSets()) GTEST_SKIP() << "the engine has no lock sets yet"
-
 namespace CTTables::testing {
 
 /// One row of the people table.
@@ -50,10 +46,8 @@ class TableTest : public ::testing::Test {
 
   /// Creates the table (empty).
   void MakePeople();
-  /// Creates the table and adds People().
+  /// Creates the table and adds People() with the engine's plain record add.
   void FillPeople();
-  /// Whether the engine has lock sets, which every write through the driver needs.
-  bool HasLockSets() const;
   /// A new table on "people" (closed), owned by the fixture.
   TCTTable* NewTable(bool exclusive = true);
   /// The ID values from the current record to the end, advancing the table.
