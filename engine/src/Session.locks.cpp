@@ -14,12 +14,12 @@ void Session::Join(Handle& h) {
   Env& env = h.store->env();
   for (HeldEnv& he : held_) {
     if (he.env.get() == &env) {
-      he.durable = he.durable || h.store->Durable(h.mode);
+      he.durable = he.durable || h.store->Durable(CommitMode(h));
       return;
     }
   }
   env.Hold();
-  held_.push_back(HeldEnv{h.store->EnvPtr(), savepoints_, h.store->Durable(h.mode)});
+  held_.push_back(HeldEnv{h.store->EnvPtr(), savepoints_, h.store->Durable(CommitMode(h))});
 }
 
 void Session::EndHeld(bool commit) {
@@ -44,7 +44,7 @@ void Session::EndHeld(bool commit) {
   // Definitions cached by the stores may have changed inside what was aborted.
   if (!commit || failure) {
     for (auto& f : files_)
-      if (f && !f->isIndex) f->store->Reload();
+      if (f && f->store && !f->isIndex) f->store->Reload();
   }
   if (failure) Throw(failure, sys);
 }
@@ -208,7 +208,7 @@ void Session::TranRestore(int savepoint) {
   }
   savepoints_ = savepoint;
   for (auto& f : files_)
-    if (f && !f->isIndex) f->store->Reload();
+    if (f && f->store && !f->isIndex) f->store->Reload();
 }
 
 }  // namespace cte
