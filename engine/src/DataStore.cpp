@@ -246,6 +246,10 @@ void DataStore::PutFields(MDB_txn* txn, const std::vector<FieldDef>& fields) {
   layouts_.resize(def_.idx.size());
 }
 
+void DataStore::PutHeader(MDB_txn* txn, const FileHeader& hdr) {
+  PutMeta(txn, meta_, "hdr", std::string(reinterpret_cast<const char*>(&hdr), sizeof hdr));
+}
+
 DataStore::Counters DataStore::ReadCounters(MDB_txn* txn) {
   std::string raw;
   Counters c{};

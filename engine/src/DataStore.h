@@ -68,6 +68,10 @@ class DataStore {
   // key databases for new index ordinals; PutFields replaces the schema.
   void PutDef(MDB_txn* txn, const FileDef& def);
   void PutFields(MDB_txn* txn, const std::vector<FieldDef>& fields);
+  // Replaces the stored header inside txn; CacheHeader makes the cached copy match once the
+  // transaction has committed.
+  void PutHeader(MDB_txn* txn, const FileHeader& hdr);
+  void CacheHeader(const FileHeader& hdr) { hdr_ = hdr; }
   // Counters: the next free position and the last serial number.
   struct Counters {
     uint32_t nextPos;

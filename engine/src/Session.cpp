@@ -39,6 +39,7 @@ void Session::Init(int fils, const char* servname) {
   contexts_.clear();
   FreeSets();
   FreeBatches();
+  ops_ = 0;
   const char* timeout = std::getenv("CTISAM_LOCK_TIMEOUT_MS");
   lockTimeoutMs_ = timeout && std::atoi(timeout) > 0 ? std::atoi(timeout) : 5000;
   active_ = true;

@@ -256,7 +256,10 @@ void Session::PutIfil(const FileDef& given) {
   Validate(def);
   const FileDef& old = h.store->def();
   if (def.idx.size() != old.idx.size()) Throw(NSUP_ERR);
-  for (size_t i = 0; i < def.idx.size(); ++i) def.idx[i].file = old.idx[i].file;
+  for (size_t i = 0; i < def.idx.size(); ++i) {
+    def.idx[i].file = old.idx[i].file;
+    if (def.idx[i].altseq.empty()) def.idx[i].altseq = old.idx[i].altseq;
+  }
   def.dfilno = old.dfilno;
   WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
 }
