@@ -219,18 +219,20 @@ int32_t TCTConnection::AddIndex(TCTCursorDesc* cursor, CTIdxDesc* index) {
     const std::string dir = fw::ExcludeTrailingPathDelimiter(fw::ExtractFilePath(cursor->TableName));
     FindIndexName(cursor->TableName, dir, fileName, number);
     def.aidxnam = fw::IncludeTrailingPathDelimiter(dir) + fw::ChangeFileExt(fileName, "");
-    const int16_t keyNo = CTDbIntf::AvailableFileNbr(a, 1);
-    if (keyNo < 0) return NotFound(a);
+    const int16_t wanted = CTDbIntf::AvailableFileNbr(a, 1);
+    if (wanted < 0) return NotFound(a);
 
     IfilDefinition ifil = cursor->Ifil;
     ifil.pfilnam = fw::ChangeFileExt(cursor->TableName, "");
     ifil.dfilno = cursor->DataFileNo;
-    ifil.tfilno = keyNo;
+    ifil.tfilno = wanted;
     ifil.ix.assign(1, def);
     IfilImage image(ifil, RecordPacking());
     if (const int32_t r = CTDbIntf::TempIIndexXtd(a, image.Data(), kPermissionMask, nullptr, CText(Password())))
       return r;
     if (const int32_t r = CTDbIntf::PermIIndex(a, image.Data())) return r;
+    // The engine writes the key number it gave the index back into tfilno.
+    const int16_t keyNo = image.tfilno();
     if (index->ExpressionIndex != 0 && !ConditionOf(*index).empty()) {
       if (const int32_t r = CTDbIntf::UpdateConditionalIndex(a, keyNo, CText(ConditionOf(*index)))) return r;
     }

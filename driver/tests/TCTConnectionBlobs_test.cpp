@@ -36,9 +36,11 @@ class BlobTest : public DriverTest {
     Buffers.push_back(std::make_unique<TCTCustomRecordBuffer>(Cursor.get()));
     return Buffers.back().get();
   }
+  // Replaces the blob's content with `bytes`.
   void Put(TCTCustomRecordBuffer* buffer, int32_t fieldNo, const std::vector<uint8_t>& bytes) {
     bool isBlob = false;
     ASSERT_EQ(Conn->OpenBlob(Cursor.get(), fieldNo, buffer, isBlob), 0);
+    ASSERT_EQ(Conn->TruncateBlob(Cursor.get(), fieldNo, buffer, 0), 0);
     ASSERT_EQ(Conn->PutBlob(Cursor.get(), fieldNo, buffer, 0, static_cast<int32_t>(bytes.size()), bytes.data()), 0);
   }
   std::vector<uint8_t> Get(TCTCustomRecordBuffer* buffer, int32_t fieldNo) {
@@ -116,6 +118,43 @@ TEST_F(BlobTest, StreamsArePositionedAndSized) {
   ASSERT_EQ(Conn->TruncateBlob(Cursor.get(), kMemo, in, 4), 0);
   EXPECT_EQ(Get(in, kMemo), (std::vector<uint8_t>{'a', 0, 0, 0}));
   EXPECT_EQ(Conn->CloseBlob(Cursor.get(), kMemo, in), 0);
+}
+
+TEST_F(BlobTest, AppendAndModifyWriteTheStreamsBackIntoTheRecord) {
+  TCTCustomRecordBuffer* out = NewBuffer();
+  out->InitRecord();
+  const int32_t id = 9;
+  std::memcpy(out->RecordPtr(), &id, 4);
+  const std::vector<uint8_t> big = Pattern(70000, 4);
+  Put(out, kLong, big);
+  Put(out, kMemo, {'x', 'y'});
+  ASSERT_EQ(Conn->AppendRecord(Cursor.get(), out), 0);
+
+  TCTCustomRecordBuffer* old = NewBuffer();
+  ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, old), 0);
+  ASSERT_EQ(Conn->OpenAllBlobs(Cursor.get(), old), 0);
+  EXPECT_EQ(Get(old, kLong), big);
+  EXPECT_EQ(Get(old, kMemo), (std::vector<uint8_t>{'x', 'y'}));
+
+  // The edited copy shrinks the long blob and fills the short one; the memo stays as read.
+  TCTCustomRecordBuffer* edited = NewBuffer();
+  edited->SetRecord(old->RecordPtr(), old->RecordSize());
+  const std::vector<uint8_t> small = Pattern(100, 5);
+  Put(edited, kLong, small);
+  Put(edited, kShort, {7, 7, 7});
+  ASSERT_EQ(Conn->ModifyRecord(Cursor.get(), edited, old, true), 0);
+
+  TCTCustomRecordBuffer* in = NewBuffer();
+  ASSERT_EQ(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, in), 0);
+  ASSERT_EQ(Conn->OpenAllBlobs(Cursor.get(), in), 0);
+  EXPECT_EQ(Get(in, kLong), small);
+  EXPECT_EQ(Get(in, kShort), (std::vector<uint8_t>{7, 7, 7}));
+  EXPECT_EQ(Get(in, kMemo), (std::vector<uint8_t>{'x', 'y'}));
+  ASSERT_EQ(Conn->RemoveRecord(Cursor.get(), in), 0);
+  int32_t count = -1;
+  ASSERT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
+  EXPECT_EQ(count, 0);
 }
 
 TEST_F(BlobTest, FieldsThatAreNotBlobsAndBadInputGiveNumbers) {

@@ -274,6 +274,75 @@ TEST_F(DefinitionTest, AddedIndexIsFilledAndWalked) {
   EXPECT_EQ(Conn->DeleteIndex(Cursor.get(), &unknown), kCtInvalidIndexDesc);
 }
 
+TEST_F(DefinitionTest, RebuildingAnIndexAsksTheHookAndRebuildingATableRestoresEveryKey) {
+  CTTblDesc desc = People();
+  desc.Name = "people.dat";
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  ASSERT_EQ(Conn->OpenCursor(Cursor, "people.dat", Dir.Path(), SHARED), 0);
+  AddRow(1, 10, "a");
+  AddRow(2, 20, "b");
+  AddRow(3, 30, "c");
+  UseIndex("ByGroup");
+  CTIdxDesc byGroup = Cursor->Indexes[1];
+  int offered = 0;
+  Conn->OnIndexKey = [&](TCTCursorDesc*, CTIdxDesc* index, const void* rec, int32_t, bool& accept) {
+    ++offered;
+    EXPECT_EQ(index->Name, "ByGroup");
+    int32_t grp = 0;
+    std::memcpy(&grp, static_cast<const uint8_t*>(rec) + 4, 4);
+    accept = grp != 20;
+  };
+  ASSERT_EQ(Conn->RebuildIndex(Cursor.get(), &byGroup), 0);
+  Conn->OnIndexKey = nullptr;
+  EXPECT_EQ(offered, 3);
+  EXPECT_EQ(Cursor->Position, cpBof);
+  EXPECT_EQ(Walk(true), (std::vector<int32_t>{3, 1}));
+  UseIndex("Primary");
+  EXPECT_EQ(Walk(true), (std::vector<int32_t>{1, 2, 3}));
+
+  IfilDefinition ifil = Cursor->Ifil;
+  ifil.pfilnam = Dir.File("people");
+  ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  ASSERT_EQ(Conn->RebuildTable(ifil), 0);
+  ASSERT_EQ(Conn->OpenCursor(Cursor, "people.dat", Dir.Path(), SHARED), 0);
+  UseIndex("ByGroup");
+  EXPECT_EQ(Walk(true), (std::vector<int32_t>{3, 2, 1}));
+}
+
+TEST_F(DefinitionTest, LockedReadsTakeTheRecordLock) {
+  CTTblDesc desc = People();
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  OpenPeople();
+  AddRow(1, 10, "a");
+  UseIndex("Primary");
+  TCTCustomRecordBuffer* buffer = NewBuffer();
+  ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
+  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  const int32_t locked = Conn->GetCurrentRecord(Cursor.get(), dbiWRITELOCK, buffer);
+  if (locked == NSUP_ERR) GTEST_SKIP() << "the engine has no record locks yet";
+  ASSERT_EQ(locked, 0);
+  EXPECT_EQ(IdOf(*buffer), 1);
+  EXPECT_EQ(Conn->LockData(Cursor->DataFileNo, FREE), 0);
+}
+
+TEST_F(DefinitionTest, AnOpenedIndexFileJoinsTheCursorUntilItCloses) {
+  CTTblDesc desc = People();
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  desc.Name = "side";
+  desc.Indexes = {Index("SideName", {3}, true)};
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  OpenPeople();
+  ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
+  CTIdxDesc opened;
+  const int32_t r = Conn->OpenIndex(Cursor.get(), "side.idx", &opened);
+  if (r == NSUP_ERR) GTEST_SKIP() << "the engine cannot map an index file onto a table yet";
+  ASSERT_EQ(r, 0);
+  EXPECT_EQ(Cursor->IndexCount, 3);
+  EXPECT_EQ(opened.Name, "side");
+  EXPECT_EQ(Cursor->Indexes.back().IndexId, opened.IndexId);
+  EXPECT_EQ(Conn->CloseCursor(Cursor), 0);
+}
+
 TEST_F(DefinitionTest, IndexCallsCheckTheirArguments) {
   CTTblDesc desc = People();
   ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);

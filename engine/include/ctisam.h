@@ -73,7 +73,8 @@ typedef LONG *pLONG;
 #define VSCHSEG 14   /* variable-length field number soffset, by its schema type */
 #define UVSCHSEG 15  /* the same, upper-cased */
 #define DSCSEG 16    /* add: descending order (every key byte inverted) */
-#define ALTSEG 32    /* add: alternate collating sequence (accepted, bytes used as stored) */
+#define ALTSEG 32    /* add: bytes weighed by the index's alternate collating sequence (SETALTSEQ
+                      or IIDX.altseq); bytes as stored while the index has none */
 
 /* ---- lock modes (LKISAM, LOKREC) --------------------------------------------------------- */
 #define FREE 0
@@ -92,6 +93,20 @@ typedef LONG *pLONG;
 #define BAT_DEL 0x0008  /* delete every record of the batch, in one storage transaction */
 #define BAT_POS 0x0010  /* entries: LONG position only */
 #define BAT_KEY 0x0020  /* entries: LONG position, then the key (ikeylen bytes) */
+
+/* ---- SECURITY modes ---------------------------------------------------------------------- */
+#define SEC_PASSWORD 1  /* bufptr: the new file password (zero-terminated; empty removes it) */
+#define SEC_PERMMASK 2  /* bufptr: a LONG of permission bits (0 .. 0777) for the data and index files */
+
+/* ---- PUTHDR modes ------------------------------------------------------------------------ */
+#define HDR_SERIAL 1  /* the last serial number given (the next ADDREC gives value + 1) */
+
+/* ---- SETOPS: state bits and modes -------------------------------------------------------- */
+#define OPS_FLUSH 0x0001  /* every commit of the session is flushed to disk (as WRITETHRU) */
+#define OPS_STATE_OFF 0   /* clear the bits of status */
+#define OPS_STATE_SET 1   /* the state becomes status */
+#define OPS_STATE_ON 2    /* set the bits of status */
+#define OPS_STATE_RET 3   /* change nothing */
 
 /* ---- schema field type codes (DATOBJ.ftype) ---------------------------------------------- */
 #define CT_BOOL 8
@@ -176,6 +191,7 @@ typedef LONG *pLONG;
 #define CT_ENOCTX 813    /* no such context */
 #define CT_ERESDUP 814   /* a resource with that type and number already exists */
 #define CT_ETRAN 815     /* no transaction / lock set for the call, one already begun, or no such save point */
+#define CT_EBADPARM 820  /* malformed parameter file (sysio of GetCtreeError: the line number) */
 
 /* ---- definition records, one block per packing ------------------------------------------- *
  * ISEG: one key segment. soffset is a byte offset in the record (modes 0-3, 6, 7) or a 0-based
@@ -184,7 +200,7 @@ typedef LONG *pLONG;
  *   appends; ikeydup 1 allows duplicates; inulkey 1 suppresses keys made only of iempchr bytes;
  *   iempchr pads text segments; ridxnam the index's symbolic name; aidxnam, when set, names the
  *   index file holding it (otherwise it lives in the index file of the set's first index);
- *   altseq, pvbyte are accepted and ignored.
+ *   altseq, when set, points to 256 weights (0 .. 255) used by ALTSEG segments; pvbyte is ignored.
  * IFIL: a data file with its indexes. pfilnam is the data file name without extension; dfilno
  *   the file number wanted (-1: the engine picks); dreclen the fixed record length (the minimum
  *   with VLENGTH); dfilmod, ifilmod the modes of the data and index files; dnumidx the count of

@@ -34,11 +34,19 @@ CTISAM_API COUNT STPUSR(void);
 CTISAM_API COUNT GetCtreeError(pCOUNT isamerr, pCOUNT usererr, pCOUNT sysiocod);
 /* Writes the error number to stderr (the messages live in the binding's table); returns 0. */
 CTISAM_API COUNT ViewCtreeError(ULONG code);
-/* Parameter-file driven sessions and server control (not supported). */
+/* Sessions from a parameter file (text format in FORMAT.md, "Parameter files"): OPNISAM starts
+ * the session with the file's limit and opens every table it lists (with the indexes the data
+ * file's definition names); CREISAM creates them instead, left open. CREISAMX also gives the
+ * files password and, when permmask is not 0, the permission bits permmask (0 .. 0777, else
+ * CT_EBADARG); a non-empty servname gives NSRV_ERR. IINT_ERR while a session is active;
+ * FNOP_ERR when the parameter file cannot be read; CT_EBADPARM for a malformed one (sysio of
+ * GetCtreeError: its line). Any failure leaves no session, and CREISAM* no file it created. */
 CTISAM_API COUNT OPNISAM(pTEXT parmfile);
 CTISAM_API COUNT CREISAM(pTEXT parmfile);
 CTISAM_API COUNT CREISAMX(pTEXT parmfile, COUNT usrprf, pTEXT userid, pTEXT userword,
                           pTEXT servname, LONG permmask, pTEXT group, pTEXT password);
+/* Server control, node names, transaction logs and their history (not supported: no server,
+ * no log files). */
 CTISAM_API COUNT STPSRV(pTEXT userword, pTEXT servname, COUNT delay);
 CTISAM_API COUNT SYSMON(COUNT mode, LONG timeout, pTEXT buffer, LONG buflen);
 CTISAM_API COUNT SETNODE(pTEXT nodename);
@@ -47,11 +55,17 @@ CTISAM_API COUNT CHGHST(COUNT histno);
 CTISAM_API COUNT FREHST(void);
 CTISAM_API COUNT CTHIST(COUNT filno, pTEXT target, pTEXT bufptr, LONG recbyt, LONG bufsiz,
                         UCOUNT mode);
-/* Security settings (next engine issue). */
+/* Changes a setting of data file filno, open EXCLUSIVE (FMOD_ERR otherwise) and writable:
+ * SEC_PASSWORD, bufptr the new password, zero-terminated within bufsiz (NULL or "" removes it;
+ * later opens need the new one, BPWD_ERR otherwise); SEC_PERMMASK, bufptr a LONG of permission
+ * bits 0 .. 0777 given to the data file and its index files (CT_EIO when refused). CT_EBADARG
+ * for another mode or a malformed buffer. */
 CTISAM_API COUNT SECURITY(COUNT filno, pVOID bufptr, LONG bufsiz, COUNT mode);
-/* Operation state: returns the previous state word; only value 0 is accepted (454 otherwise). */
+/* Changes the session's operation state word by mode (OPS_STATE_OFF, _SET, _ON, _RET) with
+ * the bits of status (OPS_FLUSH only) and returns the previous word; -1 and CT_EBADARG for
+ * other bits or modes. The state starts at 0 with every session. */
 CTISAM_API LONG SETOPS(LONG status, LONG mode);
-/* I/O statistics (next engine issue). */
+/* I/O statistics (not supported: reads go through the memory map, unseen by the engine). */
 CTISAM_API COUNT IOPERFORMANCE(pVOID buf);
 CTISAM_API COUNT IOPERFORMANCEX(pVOID buf);
 /* Copies the configuration (three LONGs: fils, open files, packing) to buf (12 bytes); 0. */
@@ -230,7 +244,8 @@ CTISAM_API COUNT RETVREC(COUNT datno, LONG pos);
 /* Counts: records of a data file, keys of an index (0 and ierr on failure). */
 CTISAM_API LONG DATENT(COUNT datno);
 CTISAM_API LONG IDXENT(COUNT keyno);
-/* Header values (not supported). */
+/* Changes a header value of data file filno: HDR_SERIAL sets the last serial number given to
+ * value (>= 0). CT_EBADARG for another mode or a negative value. */
 CTISAM_API COUNT PUTHDR(COUNT filno, LONG value, COUNT mode);
 
 /* ---- keys -------------------------------------------------------------------------------- */
@@ -271,7 +286,13 @@ CTISAM_API LONG ESTKEY(COUNT keyno, pVOID key1, pVOID key2);
 CTISAM_API LONG ORDKEY(COUNT keyno, pVOID target, LONG offset, pVOID idxval);
 /* Returns the last serial number given in datno (0 before the first). */
 CTISAM_API LONG SERIALNUM(COUNT datno);
-/* Alternate collating sequence and variable padding bytes (next engine issue). */
+/* SETALTSEQ gives index keyno an alternate collating sequence: altseq points to 256 weights
+ * (0 .. 255, else CT_EBADARG), one per byte value; bytes of its ALTSEG segments (and their
+ * padding) are replaced by their weights. The index's keys are rebuilt at once (KDUP_ERR, with
+ * nothing changed, when weights make two keys of a unique index equal). GETALTSEQ copies the
+ * 256 weights (RNOT_ERR when the index has none). SETVARBYTS: pvbyte[0] becomes the pad byte
+ * (iempchr) of index filno, or of every index of data file filno, whose keys are rebuilt;
+ * pvbyte[1], the delimiter of variable-length fields, must be 0 (CT_EBADARG otherwise). */
 CTISAM_API COUNT GETALTSEQ(COUNT keyno, pCOUNT altseq);
 CTISAM_API COUNT SETALTSEQ(COUNT keyno, pCOUNT altseq);
 CTISAM_API COUNT SETVARBYTS(COUNT filno, pUTEXT pvbyte);

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <map>
 
+#include "Superfile.h"
 #include "ctisam.h"
 
 namespace cte {
@@ -67,8 +68,8 @@ void ClaimName(const std::string& path) {
   ::close(fd);
 }
 
-std::map<Env*, std::weak_ptr<DataStore>>& Stores() {
-  static std::map<Env*, std::weak_ptr<DataStore>> stores;
+std::map<std::pair<Env*, std::string>, std::weak_ptr<DataStore>>& Stores() {
+  static std::map<std::pair<Env*, std::string>, std::weak_ptr<DataStore>> stores;
   return stores;
 }
 
@@ -98,17 +99,22 @@ uint64_t PasswordHash(const char* password) {
 
 std::shared_ptr<DataStore> DataStore::Create(const std::string& path, const FileDef& def,
                                              bool hasIfil, const char* password) {
-  ClaimName(path);
+  const Place place = Locate(path);
+  if (!place.IsMember()) ClaimName(path);
   try {
     std::shared_ptr<DataStore> s(new DataStore());
-    s->env_ = Env::Acquire(path, true);
+    s->env_ = place.IsMember() ? OpenHost(place.host, true) : Env::Acquire(path, true);
     s->path_ = path;
     s->hdr_ = MakeHeader(kKindData, static_cast<uint16_t>(def.dfilmod),
                          static_cast<uint16_t>(def.reclen), password);
     WriteTxn w(*s->env_);
-    s->meta_ = s->env_->Dbi(w.Get(), "meta", true);
-    s->rec_ = s->env_->Dbi(w.Get(), "rec", true, MDB_INTEGERKEY);
-    s->res_ = s->env_->Dbi(w.Get(), "res", true);
+    if (place.IsMember()) {
+      s->member_ = CreateMember(*s->env_, w.Get(), place.member);
+      s->prefix_ = MemberPrefix(s->member_);
+    }
+    s->meta_ = s->env_->Dbi(w.Get(), s->prefix_ + "meta", true);
+    s->rec_ = s->env_->Dbi(w.Get(), s->prefix_ + "rec", true, MDB_INTEGERKEY);
+    s->res_ = s->env_->Dbi(w.Get(), s->prefix_ + "res", true);
     PutMeta(w.Get(), s->meta_, "hdr", std::string(reinterpret_cast<const char*>(&s->hdr_), sizeof s->hdr_));
     s->WriteCounters(w.Get(), Counters{kFirstPos, 0});
     s->def_ = def;
@@ -117,31 +123,38 @@ std::shared_ptr<DataStore> DataStore::Create(const std::string& path, const File
     s->OpenKeyDbs(w.Get(), true);
     w.Commit(true);
     s->layouts_.resize(def.idx.size());
-    Stores()[s->env_.get()] = s;
+    Stores()[{s->env_.get(), s->prefix_}] = s;
     return s;
   } catch (...) {
-    RemoveFile(path);
+    // A member is made by one transaction: when it fails there is nothing to remove.
+    if (!place.IsMember()) RemoveFile(path);
     throw;
   }
 }
 
 std::shared_ptr<DataStore> DataStore::Open(const std::string& path, const char* password) {
-  std::shared_ptr<Env> env = Env::Acquire(path, false);
+  const Place place = Locate(path);
+  std::shared_ptr<Env> env = place.IsMember() ? OpenHost(place.host, false) : Env::Acquire(path, false);
+  uint32_t member = 0;
+  if (place.IsMember() && !(member = FindMember(*env, place.member))) Throw(FNOP_ERR);
+  const std::string prefix = place.IsMember() ? MemberPrefix(member) : std::string();
   std::shared_ptr<DataStore> s;
-  if (auto it = Stores().find(env.get()); it != Stores().end()) s = it->second.lock();
+  if (auto it = Stores().find({env.get(), prefix}); it != Stores().end()) s = it->second.lock();
   if (!s) {
     s.reset(new DataStore());
     s->env_ = env;
     s->path_ = path;
+    s->member_ = member;
+    s->prefix_ = prefix;
     WithShortRead(*env, [&](MDB_txn* txn) {
-      s->meta_ = env->Dbi(txn, "meta", false);
+      s->meta_ = env->Dbi(txn, prefix + "meta", false);
       s->hdr_ = ReadHeader(txn, s->meta_, kKindData);
-      s->rec_ = env->Dbi(txn, "rec", false, MDB_INTEGERKEY);
-      s->res_ = env->Dbi(txn, "res", false);
+      s->rec_ = env->Dbi(txn, prefix + "rec", false, MDB_INTEGERKEY);
+      s->res_ = env->Dbi(txn, prefix + "res", false);
       s->Load(txn);
       s->OpenKeyDbs(txn, false);
     });
-    Stores()[env.get()] = s;
+    Stores()[{env.get(), prefix}] = s;
   } else {
     s->Reload();
   }
@@ -179,7 +192,7 @@ void DataStore::OpenKeyDbs(MDB_txn* txn, bool create) {
   keys_.clear();
   for (IndexDef& ix : def_.idx) {
     if (ix.keydb < 0) ix.keydb = NextKeyDb(def_);
-    keys_.push_back(env_->Dbi(txn, "k" + std::to_string(ix.keydb), create));
+    keys_.push_back(env_->Dbi(txn, prefix_ + "k" + std::to_string(ix.keydb), create));
   }
   conds_.clear();
   conds_.resize(def_.idx.size());
@@ -233,6 +246,10 @@ void DataStore::PutFields(MDB_txn* txn, const std::vector<FieldDef>& fields) {
   layouts_.resize(def_.idx.size());
 }
 
+void DataStore::PutHeader(MDB_txn* txn, const FileHeader& hdr) {
+  PutMeta(txn, meta_, "hdr", std::string(reinterpret_cast<const char*>(&hdr), sizeof hdr));
+}
+
 DataStore::Counters DataStore::ReadCounters(MDB_txn* txn) {
   std::string raw;
   Counters c{};
@@ -247,11 +264,14 @@ void DataStore::WriteCounters(MDB_txn* txn, const Counters& c) {
 
 std::shared_ptr<Env> IndexFile::Create(const std::string& path, const std::string& dataName,
                                        const std::vector<IndexDef>& members) {
-  ClaimName(path);
+  const Place place = Locate(path);
+  if (!place.IsMember()) ClaimName(path);
   try {
-    std::shared_ptr<Env> env = Env::Acquire(path, true);
+    std::shared_ptr<Env> env = place.IsMember() ? OpenHost(place.host, true) : Env::Acquire(path, true);
     WriteTxn w(*env);
-    MDB_dbi meta = env->Dbi(w.Get(), "meta", true);
+    std::string prefix;
+    if (place.IsMember()) prefix = MemberPrefix(CreateMember(*env, w.Get(), place.member));
+    MDB_dbi meta = env->Dbi(w.Get(), prefix + "meta", true);
     FileHeader h = MakeHeader(kKindIndex, 0, 0, nullptr);
     PutMeta(w.Get(), meta, "hdr", std::string(reinterpret_cast<const char*>(&h), sizeof h));
     FileDef def;
@@ -262,15 +282,22 @@ std::shared_ptr<Env> IndexFile::Create(const std::string& path, const std::strin
     w.Commit(true);
     return env;
   } catch (...) {
-    RemoveFile(path);
+    if (!place.IsMember()) RemoveFile(path);
     throw;
   }
 }
 
 std::shared_ptr<Env> IndexFile::Open(const std::string& path) {
-  std::shared_ptr<Env> env = Env::Acquire(path, false);
+  const Place place = Locate(path);
+  std::shared_ptr<Env> env = place.IsMember() ? OpenHost(place.host, false) : Env::Acquire(path, false);
+  std::string prefix;
+  if (place.IsMember()) {
+    uint32_t id = FindMember(*env, place.member);
+    if (!id) Throw(FNOP_ERR);
+    prefix = MemberPrefix(id);
+  }
   WithShortRead(*env, [&](MDB_txn* txn) {
-    MDB_dbi meta = env->Dbi(txn, "meta", false);
+    MDB_dbi meta = env->Dbi(txn, prefix + "meta", false);
     ReadHeader(txn, meta, kKindIndex);
   });
   return env;

@@ -68,6 +68,10 @@ class DataStore {
   // key databases for new index ordinals; PutFields replaces the schema.
   void PutDef(MDB_txn* txn, const FileDef& def);
   void PutFields(MDB_txn* txn, const std::vector<FieldDef>& fields);
+  // Replaces the stored header inside txn; CacheHeader makes the cached copy match once the
+  // transaction has committed.
+  void PutHeader(MDB_txn* txn, const FileHeader& hdr);
+  void CacheHeader(const FileHeader& hdr) { hdr_ = hdr; }
   // Counters: the next free position and the last serial number.
   struct Counters {
     uint32_t nextPos;
@@ -88,6 +92,7 @@ class DataStore {
   std::shared_ptr<Env> env_;
   std::string path_;
   uint32_t member_ = 0;  // superfile member id, 0 for a file of its own
+  std::string prefix_;   // prefix of the member's database names ("" for a file of its own)
   FileHeader hdr_{};
   FileDef def_;
   bool hasIfil_ = false;

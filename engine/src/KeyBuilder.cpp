@@ -35,6 +35,7 @@ KeyLayout KeyLayout::Compile(const IndexDef& ix, const std::vector<FieldDef>& fi
   k.dup_ = ix.dup != 0;
   k.nulkey_ = ix.nulkey != 0;
   k.empchr_ = static_cast<uint8_t>(ix.empchr);
+  k.altseq_ = ix.altseq;
   uint32_t off = 0;
   for (const FieldDef& f : fields) {
     if (IsVariable(f.type)) break;
@@ -46,6 +47,7 @@ KeyLayout KeyLayout::Compile(const IndexDef& ix, const std::vector<FieldDef>& fi
     s.offset = sd.offset;
     s.length = sd.length;
     s.desc = (sd.mode & DSCSEG) != 0;
+    s.alt = (sd.mode & ALTSEG) != 0 && !ix.altseq.empty();
     int m = sd.mode & ~(DSCSEG | ALTSEG);
     s.upper = m == UREGSEG || m == UVARSEG || m == USCHSEG || m == UVSCHSEG;
     switch (m) {
@@ -192,6 +194,9 @@ void KeyLayout::Emit(const Seg& s, const uint8_t* src, size_t avail, uint8_t* ou
   }
   std::memset(out + take, empchr_, n - take);
   for (int i = 0; i < n && allEmpty; ++i) allEmpty = out[i] == empchr_;
+  // The padding is weighed too, so that a short value sorts as its padded form would.
+  if (s.alt && !numeric)
+    for (int i = 0; i < n; ++i) out[i] = altseq_[out[i]];
   if (s.desc)
     for (int i = 0; i < n; ++i) out[i] = static_cast<uint8_t>(~out[i]);
 }

@@ -37,6 +37,7 @@ class KeyLayout {
     bool byField = false;
     bool upper = false;
     bool desc = false;
+    bool alt = false;  // ALTSEG with a sequence: every byte replaced by its weight
   };
   void Emit(const Seg& s, const uint8_t* src, size_t avail, uint8_t* out, bool& allEmpty) const;
   size_t FieldOffset(int field, const uint8_t* rec, size_t reclen, size_t& width) const;
@@ -48,6 +49,7 @@ class KeyLayout {
   bool dup_ = false;
   bool nulkey_ = false;
   uint8_t empchr_ = 0;
+  std::vector<uint8_t> altseq_;
   int serialOffset_ = -1;
 };
 

@@ -195,6 +195,12 @@ MDB_dbi Env::Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned fl
   if (rc == MDB_NOTFOUND) Throw(CT_EDAMAGED);
   Check(rc);
   dbis_[name] = dbi;
+  // A read snapshot begun before the handle existed cannot use it: the next one is fresh.
+  if (rtxnLive_ && txn != rtxn_) {
+    mdb_txn_reset(rtxn_);
+    rtxnLive_ = false;
+    ++gen_;
+  }
   return dbi;
 }
 

@@ -36,6 +36,8 @@ class Env {
   uint64_t Gen() const { return gen_; }
   // Opens (or creates, inside txn) the named database; handles are cached by name.
   MDB_dbi Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned flags = 0);
+  // Drops a cached handle (its database was dropped).
+  void Forget(const std::string& name) { dbis_.erase(name); }
   // Begins a write transaction (retrying a map resize done by another process); while
   // holding, a transaction nested in the innermost held one, so that a failing call can be
   // undone alone.

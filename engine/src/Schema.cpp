@@ -13,6 +13,8 @@ namespace {
 constexpr uint32_t kDefVersion = 1;
 // Definition images of version 2 add, per index, the condition, key database and temporary flag.
 constexpr uint32_t kIfilVersion = 2;
+// Version 3 adds, per index, the alternate collating sequence (a string of 0 or 256 bytes).
+constexpr uint32_t kAltVersion = 3;
 
 class Writer {
  public:
@@ -99,7 +101,7 @@ void Validate(const FileDef& def) {
 
 std::string Serialize(const FileDef& def) {
   Writer w;
-  w.U32(kIfilVersion);
+  w.U32(kAltVersion);
   w.Str(def.name);
   for (int16_t v : {def.dfilno, def.reclen, def.dxtdsiz, def.dfilmod, def.ixtdsiz, def.ifilmod,
                     def.tfilno})
@@ -122,6 +124,7 @@ std::string Serialize(const FileDef& def) {
     w.Str(ix.cond);
     w.U16(static_cast<uint16_t>(ix.keydb));
     w.U16(static_cast<uint16_t>(ix.temp));
+    w.Str(std::string(ix.altseq.begin(), ix.altseq.end()));
   }
   return w.Take();
 }
@@ -129,7 +132,7 @@ std::string Serialize(const FileDef& def) {
 FileDef ParseFileDef(const std::string& image) {
   Reader r(image);
   const uint32_t version = r.U32();
-  if (version != kDefVersion && version != kIfilVersion) Throw(CT_EDAMAGED);
+  if (version != kDefVersion && version != kIfilVersion && version != kAltVersion) Throw(CT_EDAMAGED);
   FileDef d;
   d.name = r.Str();
   d.dfilno = r.S16();
@@ -161,10 +164,15 @@ FileDef ParseFileDef(const std::string& image) {
       s.length = r.S16();
       s.mode = r.S16();
     }
-    if (version == kIfilVersion) {
+    if (version >= kIfilVersion) {
       ix.cond = r.Str();
       ix.keydb = r.S16();
       ix.temp = r.S16();
+    }
+    if (version >= kAltVersion) {
+      std::string alt = r.Str();
+      if (!alt.empty() && alt.size() != 256) Throw(CT_EDAMAGED);
+      ix.altseq.assign(alt.begin(), alt.end());
     }
   }
   for (size_t i = 0; i < d.idx.size(); ++i)

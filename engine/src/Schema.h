@@ -27,6 +27,7 @@ struct IndexDef {
   std::string cond;      // condition expression (empty: every record has a key)
   int16_t keydb = -1;    // number of the key database ("k<keydb>"), assigned when stored
   int16_t temp = 0;      // 1 while the index is temporary (TMPIIDXX until PRMIIDX)
+  std::vector<uint8_t> altseq;  // alternate collating sequence: 256 weights, or empty
 };
 
 struct FileDef {

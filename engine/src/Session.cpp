@@ -39,6 +39,7 @@ void Session::Init(int fils, const char* servname) {
   contexts_.clear();
   FreeSets();
   FreeBatches();
+  ops_ = 0;
   const char* timeout = std::getenv("CTISAM_LOCK_TIMEOUT_MS");
   lockTimeoutMs_ = timeout && std::atoi(timeout) > 0 ? std::atoi(timeout) : 5000;
   active_ = true;
@@ -80,7 +81,7 @@ Handle& Session::File(int filno) {
 
 Handle& Session::Data(int datno) {
   Handle& h = File(datno);
-  if (h.isIndex) Throw(CT_ENOTDAT);
+  if (h.isIndex || h.isHost) Throw(CT_ENOTDAT);
   return h;
 }
 
@@ -147,6 +148,11 @@ void Session::GetNam(int filno, char* buf, long len) {
 
 long Session::GetFil(int filno, int mode) {
   Handle& h = File(filno);
+  if (h.isHost) {
+    if (mode == FILMOD) return h.mode;
+    if (mode == FILTYP) return 2;
+    Throw(CT_ENOTDAT);
+  }
   switch (mode) {
     case RECLEN:
       return h.isIndex ? h.store->def().idx[h.ordinal].keylen : h.store->RecLen();

@@ -14,7 +14,6 @@ constexpr int kModeBits = SHARED | VLENGTH | READFIL | TRNLOG | WRITETHRU | CHEC
 
 void CheckMode(int mode) {
   if (mode & ~kModeBits) Throw(FMOD_ERR);
-  if (mode & SUPERFILE) Throw(NSUP_ERR);
 }
 
 std::string DirOf(const std::string& path) {
@@ -36,7 +35,6 @@ std::string StripExt(const std::string& name) {
 
 void CheckName(const char* name) {
   if (!name || !*name) Throw(CT_EBADARG);
-  if (std::strchr(name, '!')) Throw(NSUP_ERR);
 }
 
 // The index files of a definition, in the order they are first used.
@@ -54,6 +52,12 @@ void Session::CreateData(int filno, const char* name, int reclen, int filmod, co
   CheckMode(filmod);
   if (reclen <= 0) Throw(CT_EBADDEF);
   int16_t no = Claim(filno, 1);
+  if ((filmod & SUPERFILE) && !Locate(name).IsMember()) {
+    if (PathExists(name)) Throw(DCRAT_ERR);
+    OpenHost(name, true);
+    OpenFile(no, name, filmod, password);
+    return;
+  }
   FileDef def;
   def.name = name;
   def.reclen = static_cast<int16_t>(reclen);
@@ -67,7 +71,16 @@ void Session::OpenFile(int filno, const char* name, int filmod, const char* pass
   CheckMode(filmod);
   int16_t no = Claim(filno, 1);
   auto h = std::make_unique<Handle>();
-  h->lock = std::make_unique<FileLock>(name, !(filmod & SHARED));
+  h->lock = LockPath(name, !(filmod & SHARED));
+  if (!Locate(name).IsMember() && IsHost(name)) {
+    h->isHost = true;
+    h->hostEnv = OpenHost(name, false);
+    h->name = h->path = name;
+    h->mode = filmod;
+    h->self = no;
+    files_[no] = std::move(h);
+    return;
+  }
   h->store = DataStore::Open(name, password);
   h->name = name;
   h->path = name;
@@ -81,6 +94,10 @@ void Session::OpenFile(int filno, const char* name, int filmod, const char* pass
 
 void Session::CloseFile(int filno) {
   Handle& h = File(filno);
+  if (h.isHost) {
+    Release(filno);
+    return;
+  }
   if (!h.isIndex) {
     CloseSet(filno);
     return;
@@ -99,6 +116,13 @@ void Session::CloseSet(int datno) {
 void Session::DeleteFile(int filno) {
   Handle& h = File(filno);
   if (h.isIndex) Throw(NSUP_ERR);
+  if (h.isHost) {
+    if (h.mode & SHARED) Throw(FMOD_ERR);
+    std::string path = h.path;
+    Release(filno);
+    RemoveFile(path);
+    return;
+  }
   DeleteSet(filno);
 }
 
@@ -110,13 +134,12 @@ void Session::DeleteSet(int datno) {
   std::vector<std::string> victims{h.path};
   for (const std::string& f : IndexFiles(h.store->def())) victims.push_back(dir + f);
   CloseSet(datno);
-  for (const std::string& v : victims) RemoveFile(v);
+  for (const std::string& v : victims) RemovePath(v);
 }
 
 int Session::CreateIfil(FileDef& def, const char* dataext, const char* idxext, const char* password) {
   Validate(def);
   CheckMode(def.dfilmod);
-  if (std::strchr(def.name.c_str(), '!')) Throw(NSUP_ERR);
   std::string ext = idxext && *idxext ? idxext : ".idx";
   std::string path = def.name + (dataext ? dataext : ".dat");
   int16_t no = Claim(def.dfilno, 1 + static_cast<int>(def.idx.size()));
@@ -135,7 +158,7 @@ int Session::CreateIfil(FileDef& def, const char* dataext, const char* idxext, c
     }
     OpenIfil(no, path, def.dfilmod, password);
   } catch (...) {
-    for (const std::string& m : made) RemoveFile(m);
+    for (const std::string& m : made) RemovePath(m);
     throw;
   }
   return no;
@@ -146,7 +169,7 @@ int Session::OpenIfil(int filno, const std::string& path, int filmod, const char
   CheckMode(filmod);
   bool exclusive = !(filmod & SHARED);
   auto h = std::make_unique<Handle>();
-  h->lock = std::make_unique<FileLock>(path, exclusive);
+  h->lock = LockPath(path, exclusive);
   h->store = DataStore::Open(path, password);
   if (!h->store->HasIfil()) Throw(RNOT_ERR);
   const FileDef& def = h->store->def();
@@ -154,7 +177,7 @@ int Session::OpenIfil(int filno, const std::string& path, int filmod, const char
   std::string dir = DirOf(path);
   std::map<std::string, std::pair<std::shared_ptr<Env>, std::shared_ptr<FileLock>>> idxFiles;
   for (const std::string& f : IndexFiles(def)) {
-    auto lock = std::make_shared<FileLock>(dir + f, exclusive);
+    std::shared_ptr<FileLock> lock = LockPath(dir + f, exclusive);
     // The data file is sound but its index file is not: the set must be rebuilt (RBLIFIL).
     try {
       idxFiles[f] = {IndexFile::Open(dir + f), lock};
@@ -203,17 +226,17 @@ void Session::Rename(int filno, const char* newname) {
     moves[ix.file] = to;
     ix.file = to;
   }
-  if (FileSize(newPath) >= 0) Throw(DCRAT_ERR);
+  if (PathExists(newPath)) Throw(DCRAT_ERR);
   for (const auto& [from, to] : moves)
-    if ((oldDir != newDir || from != to) && FileSize(newDir + to) >= 0) Throw(DCRAT_ERR);
+    if ((oldDir != newDir || from != to) && PathExists(newDir + to)) Throw(DCRAT_ERR);
   bool hasIfil = h.store->HasIfil();
   if (hasIfil) WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
   int mode = h.mode;
   std::string password = h.password;
   if (hasIfil) CloseSet(filno); else CloseFile(filno);
-  RenameFile(oldPath, newPath);
+  RenamePath(oldPath, newPath);
   for (const auto& [from, to] : moves)
-    if (oldDir != newDir || from != to) RenameFile(oldDir + from, newDir + to);
+    if (oldDir != newDir || from != to) RenamePath(oldDir + from, newDir + to);
   if (hasIfil)
     OpenIfil(filno, newPath, mode, password.c_str());
   else
@@ -233,7 +256,10 @@ void Session::PutIfil(const FileDef& given) {
   Validate(def);
   const FileDef& old = h.store->def();
   if (def.idx.size() != old.idx.size()) Throw(NSUP_ERR);
-  for (size_t i = 0; i < def.idx.size(); ++i) def.idx[i].file = old.idx[i].file;
+  for (size_t i = 0; i < def.idx.size(); ++i) {
+    def.idx[i].file = old.idx[i].file;
+    if (def.idx[i].altseq.empty()) def.idx[i].altseq = old.idx[i].altseq;
+  }
   def.dfilno = old.dfilno;
   WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
 }

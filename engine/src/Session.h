@@ -12,6 +12,7 @@
 #include "DataStore.h"
 #include "Lmdb.h"
 #include "Schema.h"
+#include "Superfile.h"
 #include "ctisam.h"
 
 namespace cte {
@@ -43,6 +44,9 @@ struct Position {
 struct Handle {
   int16_t self = -1;  // this handle's file number: the owner of its record locks
   bool isIndex = false;
+  bool isHost = false;             // a superfile host opened as such (GETMNAME)
+  std::shared_ptr<Env> hostEnv;    // host: its environment
+  size_t memberNext = 0;           // host: the next member GETMNAME gives
   std::string name;  // as given to the open
   std::string path;
   int mode = 0;
@@ -181,6 +185,9 @@ class Session {
   // UPDCIDX: sets (or with an empty expr removes) the condition of keyno and rebuilds the index.
   void UpdateCondition(int keyno, const char* expr);
   std::string GetCondition(int keyno);
+  // GETMNAME: the next member name of superfile host filno (first with mode 0); INOT_ERR after
+  // the last.
+  std::string NextMember(int filno, int mode);
   // TMPIIDXX: adds the indexes of `added` to open data file datno as file numbers firstKeyno..
   // (-1: the engine picks), fills them from the records; returns the first number.
   int AddIndexes(int datno, int firstKeyno, FileDef added, const char* idxext, bool temp);
@@ -203,6 +210,21 @@ class Session {
   void AllocBatches(int count);
   void ChangeBatch(int batno);
   void FreeBatches();
+
+  // Session.settings.cpp: per-file settings and header values, the session's operation state.
+  // SETALTSEQ / GETALTSEQ: the alternate collating sequence of keyno (256 weights 0..255); setting
+  // it rebuilds the index's keys. GETALTSEQ: RNOT_ERR when the index has none.
+  void SetAltSeq(int keyno, const int16_t* altseq);
+  void GetAltSeq(int keyno, int16_t* altseq);
+  // SETVARBYTS: pad byte pvbyte[0] for keyno, or for every index of a data file (keys rebuilt);
+  // pvbyte[1], the field delimiter, must be 0.
+  void SetPadByte(int filno, const uint8_t* pvbyte);
+  // SECURITY on an exclusively open data file: SEC_PASSWORD, SEC_PERMMASK.
+  void Security(int datno, const void* buf, long bufsiz, int mode);
+  // PUTHDR: HDR_SERIAL sets the last serial number given.
+  void PutHeader(int datno, long value, int mode);
+  // SETOPS: changes the operation state word by mode; returns the previous one.
+  long SetOps(long status, int mode);
 
   // Session.locks.cpp: lock sets, record locks, transactions.
   void LockSet(int mode);
@@ -298,6 +320,10 @@ class Session {
   std::vector<std::unique_ptr<Handle>> files_;
   std::map<int, Context> contexts_;
   std::vector<uint8_t> scratch_;
+  // The open mode a commit on h is made with: OPS_FLUSH adds WRITETHRU to every file.
+  void RekeyIndexes(Handle& h, const FileDef& def, const std::vector<size_t>& ordinals);
+  int CommitMode(const Handle& h) const { return h.mode | (ops_ & OPS_FLUSH ? WRITETHRU : 0); }
+  long ops_ = 0;
   std::vector<KeySet> sets_ = std::vector<KeySet>(1);
   size_t activeSet_ = 0;
   std::vector<BatchState> batches_ = std::vector<BatchState>(1);
@@ -317,7 +343,7 @@ void Session::Write(Handle& h, F&& f) {
     try {
       WriteTxn w(s.env());
       f(w.Get());
-      w.Commit(s.Durable(h.mode));
+      w.Commit(s.Durable(CommitMode(h)));
       return;
     } catch (const Fail& e) {
       if (e.code != CT_EDISKFULL || e.sysio != 0 || attempt >= 8 || s.env().Holding()) throw;

@@ -76,6 +76,15 @@ void Session::UpdateCondition(int keyno, const char* expr) {
     if (p && !p->isIndex && p->store.get() == &s) ForgetKeys(*p, ordinal);
 }
 
+std::string Session::NextMember(int filno, int mode) {
+  Handle& h = File(filno);
+  if (!h.isHost) Throw(CT_ENOTDAT);
+  if (mode == 0) h.memberNext = 0;
+  std::vector<std::string> names = ListMembers(*h.hostEnv);
+  if (h.memberNext >= names.size()) Throw(INOT_ERR);
+  return names[h.memberNext++];
+}
+
 std::string Session::GetCondition(int keyno) {
   Handle& f = Index(keyno);
   const std::string& cond = f.store->def().idx[f.ordinal].cond;
@@ -115,7 +124,7 @@ int Session::AddIndexes(int datno, int firstKeyno, FileDef added, const char* id
       if (old.file == ix.file || (!ix.name.empty() && old.name == ix.name)) Throw(DCRAT_ERR);
   }
   for (const std::string& f : FilesOf(added))
-    if (FileSize(dir + f) >= 0) Throw(DCRAT_ERR);
+    if (PathExists(dir + f)) Throw(DCRAT_ERR);
   const int count = static_cast<int>(added.idx.size());
   const int16_t first = Claim(firstKeyno, count);
   const size_t base = def.idx.size();
@@ -136,7 +145,7 @@ int Session::AddIndexes(int datno, int firstKeyno, FileDef added, const char* id
     });
   } catch (...) {
     envs.clear();
-    for (const std::string& m : made) RemoveFile(m);
+    for (const std::string& m : made) RemovePath(m);
     throw;
   }
   for (int i = 0; i < count; ++i) {
@@ -180,7 +189,8 @@ void Session::Rebuild(const FileDef& given, const char* dataext, const char* idx
   const std::string ext = idxext && *idxext ? idxext : ".idx";
   const std::string dir = DirOf(path);
   {
-    FileLock lock(path, true);
+    if (compact && Locate(path).IsMember()) Throw(NSUP_ERR);
+    std::unique_ptr<FileLock> lock = LockPath(path, true);
     std::shared_ptr<DataStore> s = DataStore::Open(path, password);
     FileDef def = s->HasIfil() ? s->def() : given;
     if (!s->HasIfil()) {
@@ -193,11 +203,11 @@ void Session::Rebuild(const FileDef& given, const char* dataext, const char* idx
       for (const IndexDef& ix : def.idx)
         if (ix.file == f) members.push_back(ix);
       try {
-        FileLock idxLock(dir + f, true);
+        LockPath(dir + f, true);
       } catch (const Fail&) {
-        if (FileSize(dir + f) >= 0) throw;
+        if (PathExists(dir + f)) throw;
       }
-      RemoveFile(dir + f);
+      RemovePath(dir + f);
       IndexFile::Create(dir + f, BaseOf(path), members);
     }
     Env& env = s->env();

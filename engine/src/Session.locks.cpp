@@ -14,12 +14,12 @@ void Session::Join(Handle& h) {
   Env& env = h.store->env();
   for (HeldEnv& he : held_) {
     if (he.env.get() == &env) {
-      he.durable = he.durable || h.store->Durable(h.mode);
+      he.durable = he.durable || h.store->Durable(CommitMode(h));
       return;
     }
   }
   env.Hold();
-  held_.push_back(HeldEnv{h.store->EnvPtr(), savepoints_, h.store->Durable(h.mode)});
+  held_.push_back(HeldEnv{h.store->EnvPtr(), savepoints_, h.store->Durable(CommitMode(h))});
 }
 
 void Session::EndHeld(bool commit) {

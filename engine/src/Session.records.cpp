@@ -280,6 +280,7 @@ void Session::ForgetCur(int datno) {
 
 long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long bufsiz, bool fixed) {
   Handle& f = File(filno);
+  if (f.isHost) Throw(CT_ENOTDAT);
   long len = 0;
   if (!f.isIndex) {
     if (op > kLast) Throw(CT_ENOTIDX);

@@ -69,23 +69,6 @@ CTISAM_API COUNT ViewCtreeError(ULONG code) {
   std::fprintf(stderr, "engine error %u\n", static_cast<unsigned>(code));
   return 0;
 }
-CTISAM_API COUNT OPNISAM(pTEXT) { return NotSupported(); }
-CTISAM_API COUNT CREISAM(pTEXT) { return NotSupported(); }
-CTISAM_API COUNT CREISAMX(pTEXT, COUNT, pTEXT, pTEXT, pTEXT, LONG, pTEXT, pTEXT) { return NotSupported(); }
-CTISAM_API COUNT STPSRV(pTEXT, pTEXT, COUNT) { return NotSupported(); }
-CTISAM_API COUNT SYSMON(COUNT, LONG, pTEXT, LONG) { return NotSupported(); }
-CTISAM_API COUNT SETNODE(pTEXT) { return NotSupported(); }
-CTISAM_API COUNT SETLOGPATH(pTEXT, LONG) { return NotSupported(); }
-CTISAM_API COUNT CHGHST(COUNT) { return NotSupported(); }
-CTISAM_API COUNT FREHST(void) { return NotSupported(); }
-CTISAM_API COUNT CTHIST(COUNT, pTEXT, pTEXT, LONG, LONG, UCOUNT) { return NotSupported(); }
-CTISAM_API COUNT SECURITY(COUNT, pVOID, LONG, COUNT) { return NotSupported(); }
-CTISAM_API LONG SETOPS(LONG status, LONG) {
-  if (status != 0) return NotSupported();
-  return 0;
-}
-CTISAM_API COUNT IOPERFORMANCE(pVOID) { return NotSupported(); }
-CTISAM_API COUNT IOPERFORMANCEX(pVOID) { return NotSupported(); }
 CTISAM_API COUNT SYSCFG(pVOID buf) {
   return Run([&](Session& s) {
     Need(buf);
@@ -106,7 +89,14 @@ CTISAM_API COUNT TMPNAME(pVOID buf, LONG len) {
 CTISAM_API COUNT GETNAM(COUNT filno, pTEXT buf, LONG len, COUNT) {
   return Run([&](Session& s) { s.GetNam(filno, buf, len); });
 }
-CTISAM_API COUNT GETMNAME(COUNT, pTEXT, LONG, COUNT) { return NotSupported(); }
+CTISAM_API COUNT GETMNAME(COUNT filno, pTEXT buf, LONG len, COUNT mode) {
+  return Run([&](Session& s) {
+    Need(buf);
+    std::string name = s.NextMember(filno, mode);
+    if (len <= static_cast<LONG>(name.size())) Throw(CT_EBADARG);
+    std::memcpy(buf, name.c_str(), name.size() + 1);
+  });
+}
 CTISAM_API LONG GETFIL(COUNT filno, COUNT mode) {
   return RunValue<LONG>([&](Session& s) { return static_cast<LONG>(s.GetFil(filno, mode)); }, -1);
 }
@@ -293,7 +283,6 @@ CTISAM_API LONG DATENT(COUNT datno) {
 CTISAM_API LONG IDXENT(COUNT keyno) {
   return RunValue<LONG>([&](Session& s) { return static_cast<LONG>(s.IdxEnt(keyno)); });
 }
-CTISAM_API COUNT PUTHDR(COUNT, LONG, COUNT) { return NotSupported(); }
 
 /* ---- keys ---- */
 CTISAM_API COUNT frmkey(COUNT keyno, pTEXT rec, pTEXT key, LONG pos, LONG len) {
@@ -358,9 +347,6 @@ CTISAM_API LONG ORDKEY(COUNT keyno, pVOID target, LONG offset, pVOID idxval) {
 CTISAM_API LONG SERIALNUM(COUNT datno) {
   return RunValue<LONG>([&](Session& s) { return static_cast<LONG>(s.SerialNum(datno)); });
 }
-CTISAM_API COUNT GETALTSEQ(COUNT, pCOUNT) { return NotSupported(); }
-CTISAM_API COUNT SETALTSEQ(COUNT, pCOUNT) { return NotSupported(); }
-CTISAM_API COUNT SETVARBYTS(COUNT, pUTEXT) { return NotSupported(); }
 CTISAM_API LONG GETCIDX(COUNT keyno, LONG len, pVOID buf) {
   return RunValue<LONG>([&](Session& s) {
     std::string cond = s.GetCondition(keyno);

@@ -39,6 +39,12 @@ FileDef FromIfil(const IFIL* f) {
     ix.empchr = x.iempchr;
     ix.name = Str(x.ridxnam);
     ix.fileName = Str(x.aidxnam);
+    if (x.altseq) {
+      for (int b = 0; b < 256; ++b) {
+        if (x.altseq[b] < 0 || x.altseq[b] > 255) Throw(CT_EBADDEF);
+        ix.altseq.push_back(static_cast<uint8_t>(x.altseq[b]));
+      }
+    }
     if (x.inumseg <= 0 || !x.seg) Throw(CT_EBADDEF);
     if (x.inumseg > CT_MAXSEG) Throw(CT_EKEYLEN);
     for (int k = 0; k < x.inumseg; ++k)
