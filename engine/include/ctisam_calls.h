@@ -5,8 +5,9 @@
  * number not open; CT_ENOTIDX (808) / CT_ENOTDAT (809) for a number of the wrong kind;
  * CT_EBADARG (806) for a NULL or short buffer; CT_EREADONLY (810) for a write to a READFIL file;
  * CT_EDISKFULL (804) and CT_EIO (811) for storage failures. "datno" is a data file number,
- * "keyno" an index (key) number, "filno" either. Calls marked "(next engine issue)" return
- * NSUP_ERR (454) for now; calls marked "(not supported)" always return it.
+ * "keyno" an index (key) number, "filno" either. Calls marked "(not supported)" always return
+ * NSUP_ERR (454). A name of the form host "!" member names a member of superfile host (see
+ * FORMAT.md) in every call that takes a file name.
  */
 #ifndef CTISAM_CALLS_H
 #define CTISAM_CALLS_H
@@ -83,7 +84,9 @@ CTISAM_API COUNT AVLFILNUM(COUNT n);
 CTISAM_API COUNT TMPNAME(pVOID buf, LONG len);
 /* Writes the name the file was opened with (len bytes, zero-terminated); mode is ignored. */
 CTISAM_API COUNT GETNAM(COUNT filno, pTEXT buf, LONG len, COUNT mode);
-/* Superfile member names, one per call (next engine issue). */
+/* Writes the next member name of the superfile host open as filno into buf (len bytes): the
+ * first with mode 0, the following with any other mode, in name order. INOT_ERR after the last;
+ * CT_ENOTDAT when filno is not a host; CT_EBADARG for a short buffer. */
 CTISAM_API COUNT GETMNAME(COUNT filno, pTEXT buf, LONG len, COUNT mode);
 /* Returns information on an open file by mode (see GETFIL modes in ctisam.h); -1 and ierr on
  * failure (0 is a valid answer for several modes). */
@@ -94,11 +97,13 @@ CTISAM_API COUNT PUTFIL(COUNT filno, COUNT mode);
 /* ---- data files and index files ---------------------------------------------------------- */
 /* Creates data file name+".dat" exactly as named, fixed length reclen (or minimum with VLENGTH),
  * and leaves it open as filno in mode filmod. DCRAT_ERR when it exists; FUSE_ERR when filno is
- * in use. A non-empty password must be given again to open it. */
+ * in use. A non-empty password must be given again to open it. With SUPERFILE and a name that
+ * is no member, creates an empty superfile host instead and leaves it open as filno. */
 CTISAM_API COUNT CREDAT(COUNT filno, pTEXT name, UCOUNT reclen, UCOUNT xtdsiz, COUNT filmod);
 CTISAM_API COUNT CREDATX(COUNT filno, pTEXT name, UCOUNT reclen, UCOUNT xtdsiz, COUNT filmod,
                          LONG permmask, pTEXT group, pTEXT password);
-/* Opens one data file (named exactly) as filno, without its indexes. FNOP_ERR when missing or
+/* Opens one data file (named exactly) as filno, without its indexes; a superfile host opens as a
+ * host (GETMNAME; GETFIL FILTYP gives 2). FNOP_ERR when missing or
  * held exclusively; BPWD_ERR for a wrong password; CT_EALIGN when made by another packing;
  * CT_EDAMAGED for a foreign or damaged file; NSUP_ERR for an index file on its own (next
  * engine issue). */
@@ -106,10 +111,12 @@ CTISAM_API COUNT OPNFIL(COUNT filno, pTEXT name, COUNT filmod);
 CTISAM_API COUNT OPNFILX(COUNT filno, pTEXT name, COUNT filmod, pTEXT password);
 /* Closes one file (mode ignored); closing a data file also closes its open indexes. */
 CTISAM_API COUNT CLSFIL(COUNT filno, COUNT mode);
-/* Deletes a data file that is open EXCLUSIVE, with the index files of its set, closing them.
- * FMOD_ERR when it is open shared; NSUP_ERR for an index number (next engine issue). */
+/* Deletes a data file (or superfile host) that is open EXCLUSIVE, with the index files of its
+ * set, closing them. FMOD_ERR when it is open shared; NSUP_ERR for an index number (an index
+ * leaves its table through PUTIFIL or a rebuild). */
 CTISAM_API COUNT DELFIL(COUNT filno);
-/* Index files and members created one by one (next engine issue). */
+/* Index files and members created one by one (not supported: an index is defined by its data
+ * file's IFIL; TMPIIDXX adds one to an open table). */
 CTISAM_API COUNT CREIDX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup,
                         COUNT nomemb, UCOUNT xtdsiz, COUNT filmod);
 CTISAM_API COUNT CREIDXX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup,
@@ -142,7 +149,7 @@ CTISAM_API COUNT OPNIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, pTEXT passw
 CTISAM_API COUNT CLIFIL(pIFIL ifil);
 CTISAM_API COUNT DELIFIL(pIFIL ifil);
 /* Replaces the stored IFIL of the open data file tfilno (dfilno when tfilno < 0). The index
- * count must stay the same (NSUP_ERR otherwise, until the next engine issue); CT_EBADDEF for a
+ * count must stay the same (NSUP_ERR otherwise: TMPIIDXX adds indexes); CT_EBADDEF for a
  * malformed ifil. The index files and open numbers are unchanged. */
 CTISAM_API COUNT PUTIFIL(pIFIL ifil);
 CTISAM_API COUNT PUTIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, pTEXT password);
@@ -150,16 +157,31 @@ CTISAM_API COUNT PUTIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, pTEXT passw
  * by its IIDX, ISEG and names, the pointers pointing into buf. 0 and RNOT_ERR when none;
  * 0 and CT_EBADARG when len is too small. */
 CTISAM_API LONG GETIFIL(COUNT datno, LONG len, pVOID buf);
-/* Incremental indexes, maps, rebuild and compaction (next engine issue). */
+/* Adds the dnumidx indexes of ifil to the open data file dfilno and fills them from its records,
+ * in one transaction. pfilnam names their index file (".idx" added, placed beside the data file;
+ * an index with aidxnam gets a file of that name). tfilno in: the first file number wanted for
+ * them (-1: the engine picks); out: the number given to the first. The indexes are stored in
+ * the table's IFIL at once and marked temporary until PRMIIDX. DCRAT_ERR when an index of
+ * that name or an index file of that name exists; KDUP_ERR when a unique index meets a
+ * duplicate; nothing is left behind on failure. */
 CTISAM_API COUNT TMPIIDXX(pIFIL ifil, LONG permmask, pTEXT group, pTEXT password);
+/* Makes the temporary indexes of data file ifil->dfilno permanent; CT_ENOTIDX when it has none. */
 CTISAM_API COUNT PRMIIDX(pIFIL ifil);
+/* Index maps (not supported: an index belongs to its data file's IFIL). */
 CTISAM_API COUNT setimap(COUNT imapno, pIFIL ifil, COUNT datno, COUNT mode);
+/* Rebuilds the closed set pfilnam+dataext (".dat"): its index files are made again from the
+ * data file's stored IFIL (ifil's when it has none) and every index is refilled from the
+ * records. A set whose open reported FCRP_ERR opens normally afterwards. FNOP_ERR when the data
+ * file is missing or open anywhere; KDUP_ERR when a unique index meets a duplicate (the keys
+ * stay as they were). CMPIFIL also reclaims the space of deleted records (not for superfile
+ * members: NSUP_ERR). */
 CTISAM_API COUNT RBLIFIL(pIFIL ifil);
 CTISAM_API COUNT RBLIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, LONG permmask,
                           pTEXT group, pTEXT password);
 CTISAM_API COUNT CMPIFIL(pIFIL ifil);
 CTISAM_API COUNT CMPIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, LONG permmask,
                           pTEXT group, pTEXT password);
+/* Rebuilds a whole superfile (not supported: rebuild its tables with RBLIFIL on member names). */
 CTISAM_API COUNT CTSBLDX(pTEXT superfile, pTEXT tempname);
 
 /* ---- resources and schema ---------------------------------------------------------------- */
@@ -300,8 +322,13 @@ CTISAM_API LONG SERIALNUM(COUNT datno);
 CTISAM_API COUNT GETALTSEQ(COUNT keyno, pCOUNT altseq);
 CTISAM_API COUNT SETALTSEQ(COUNT keyno, pCOUNT altseq);
 CTISAM_API COUNT SETVARBYTS(COUNT filno, pUTEXT pvbyte);
-/* Conditional indexes (next engine issue): until then no index has a condition, and GETCIDX
- * returns 0 with NCON_ERR (401); UPDCIDX returns 454. */
+/* GETCIDX returns the size of keyno's condition with its terminator and, with buf (len bytes),
+ * copies it; 0 with NCON_ERR when the index has none, CT_EBADARG when len is short.
+ * UPDCIDX gives keyno the condition expr (the language is described in src/Condition.h:
+ * field names, numbers, quoted texts, + - * / %, comparisons, ! && ||, parentheses) and refills
+ * the index with the records that satisfy it; NULL or "" removes the condition. CT_EBADCOND
+ * for a malformed expression, RNOT_ERR when the file has no schema (PUTDODA), KDUP_ERR when the
+ * refilled unique index meets a duplicate; on failure nothing changes. */
 CTISAM_API LONG GETCIDX(COUNT keyno, LONG len, pVOID buf);
 CTISAM_API COUNT UPDCIDX(COUNT keyno, pTEXT expr);
 
