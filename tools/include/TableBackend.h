@@ -64,6 +64,8 @@ class TableCursor {
   /// record is rejected (a duplicate key, a value that does not convert); nothing is added then.
   virtual void Append(const std::vector<std::optional<std::string>>& values) = 0;
 
+  /// Whether the three calls below work. Without them every Append is durable on its own.
+  virtual bool HasTransactions() const = 0;
   /// Batches of appends: work between StartTransaction and Commit becomes durable together,
   /// Rollback undoes all of it.
   virtual void StartTransaction() = 0;

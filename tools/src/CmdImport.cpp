@@ -40,7 +40,7 @@ std::vector<std::size_t> MapHeader(const std::vector<std::string>& header, const
 class Importer {
  public:
   Importer(TableCursor& cursor, const ImportOptions& options, Console& console, ProgressBar& bar)
-      : FCursor(cursor), FOptions(options), FConsole(console), FBar(bar) {}
+      : FCursor(cursor), FOptions(options), FConsole(console), FBar(bar), FBatches(cursor.HasTransactions()) {}
 
   std::uint64_t Read = 0;       // data rows read (skipped ones included)
   std::uint64_t Skipped = 0;
@@ -55,6 +55,17 @@ class Importer {
   }
 
   void Add(const std::vector<std::optional<std::string>>& values, std::int64_t line) {
+    if (!FBatches) {
+      // Without transactions each record is durable once added.
+      try {
+        FCursor.Append(values);
+        ++Added;
+        Committed = Read;
+      } catch (...) {
+        Reject(line, DescribeException(std::current_exception()).Message);
+      }
+      return;
+    }
     if (!FInBatch) {
       FCursor.StartTransaction();
       FInBatch = true;
@@ -117,6 +128,7 @@ class Importer {
   const ImportOptions& FOptions;
   Console& FConsole;
   ProgressBar& FBar;
+  bool FBatches;
   bool FInBatch = false;
   std::uint64_t FBatchAdded = 0;
   std::uint64_t FBatchRows = 0;
@@ -213,8 +225,9 @@ ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOpt
     }
     if (options.StopOnError && run.Rejected > 0) {
       run.RollBackBatch();
-      stopReason = "stopped at the first rejected row; the batch from line " + std::to_string(run.FailedLine) +
-                   " on was rolled back";
+      stopReason = "stopped at the first rejected row";
+      if (run.FailedLine > 0)
+        stopReason += "; the batch from line " + std::to_string(run.FailedLine) + " on was rolled back";
       result = kExitRejected;
     } else {
       run.CommitBatch();

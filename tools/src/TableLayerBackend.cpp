@@ -91,7 +91,21 @@ class TableLayerCursor : public TableCursor {
     return true;
   }
 
-  void Append(const std::vector<std::optional<std::string>>&) override { NotYet("adding records (import)"); }
+  void Append(const std::vector<std::optional<std::string>>& values) override {
+    FTable->Append();
+    try {
+      const fw::TFields& fields = *FTable->Fields();
+      for (int i = 0; i < fields.Count() && static_cast<std::size_t>(i) < values.size(); ++i)
+        if (const auto& value = values[static_cast<std::size_t>(i)]; value && !value->empty())
+          fields.Fields(i)->SetAsString(*value);
+      FTable->Post();
+    } catch (...) {
+      // The rejected record is dropped, so that the next one starts from a clean buffer.
+      FTable->Cancel();
+      throw;
+    }
+  }
+  bool HasTransactions() const override { return false; }
   void StartTransaction() override { NotYet("transactions"); }
   void Commit() override { NotYet("transactions"); }
   void Rollback() override { NotYet("transactions"); }
@@ -113,7 +127,7 @@ class TableLayerBackend : public TableBackend {
   void DeleteTable(const TableRef&) override { NotYet("deleting a table (drop)"); }
 
   std::unique_ptr<TableCursor> Open(const TableRef& ref, OpenMode mode) override {
-    if (mode != OpenMode::ReadOnly) NotYet("changing a table");
+    if (mode == OpenMode::Exclusive) NotYet("changing a table's indexes");
     auto table = std::make_unique<CTTables::TCTTable>(nullptr);
     table->SetConnection(&FSetup.Connection());
     if (!ref.SuperFile.empty()) {

@@ -133,6 +133,17 @@ TEST_F(CommandsTest, StopOnErrorRollsBackTheBatchAndTellsWhereToResume) {
   EXPECT_NE(out.str().find("skipped 2"), std::string::npos);
 }
 
+TEST_F(CommandsTest, WithoutTransactionsEachAddedRowStays) {
+  store.Transactions = false;
+  ImportOptions options;
+  options.StopOnError = true;
+  EXPECT_EQ(Import("id\n1\n2\n1\n3\n", options), kExitRejected);
+  EXPECT_EQ(Ids(), (std::vector<std::string>{"1", "2"}));
+  EXPECT_EQ(store.Commits + store.Rollbacks, 0);
+  EXPECT_NE(err.str().find("stopped at the first rejected row\n"), std::string::npos) << err.str();
+  EXPECT_NE(err.str().find("rerun with --skip-rows 2 "), std::string::npos) << err.str();
+}
+
 TEST_F(CommandsTest, FailedCommitRollsBackThatBatchOnly) {
   store.FailCommitNumber = 2;
   ImportOptions options;

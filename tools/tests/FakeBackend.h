@@ -26,6 +26,7 @@ struct FakeStore {
   int Commits = 0;
   int Rollbacks = 0;
   int FailCommitNumber = 0;  // the commit with this number (1-based) fails with error 37
+  bool Transactions = true;  // what HasTransactions answers
 };
 
 class FakeCursor : public TableCursor {
@@ -102,6 +103,7 @@ class FakeCursor : public TableCursor {
     FTable.Records.push_back(std::move(record));
   }
 
+  bool HasTransactions() const override { return FStore.Transactions; }
   void StartTransaction() override { FSnapshot = FTable.Records; }
   void Commit() override {
     if (++FStore.Commits == FStore.FailCommitNumber) CTDbIntf::CtError(37);

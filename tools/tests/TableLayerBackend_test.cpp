@@ -119,6 +119,16 @@ TEST_F(TableLayerTest, ExportsCsvAndDescribesTheTable) {
   EXPECT_NE(out.str().find("ByCity  CITY;ID"), std::string::npos) << out.str();
 }
 
+TEST_F(TableLayerTest, ImportAddsRowsAndReportsDuplicateKeys) {
+  const fs::path csv = dir / "more.csv";
+  std::ofstream(csv) << "NAME,ID,CITY\r\n\"Grace, H\",6,Oslo\r\nDup,1,Bergen\r\nKen,7,\r\n";
+  EXPECT_EQ(Run({"import", "people", csv.string()}), kExitRejected);
+  EXPECT_EQ(err.str(), "ctt: import: line 3: Key value already exists (error 2)\n");
+  EXPECT_EQ(out.str().rfind("rows read 3, added 2, rejected 1 into ", 0), 0u) << out.str();
+  ASSERT_EQ(Run({"export", "people", "--from", "5", "--to", "9"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "ID,NAME,CITY\r\n5,Edsger,Tromso\r\n6,\"Grace, H\",Oslo\r\n7,Ken,\r\n");
+}
+
 TEST_F(TableLayerTest, MissingTablesAndIndexesAndWhatIsNotThereYet) {
   EXPECT_EQ(Run({"info", "nosuch"}), kExitNotFound);
   EXPECT_NE(err.str().find("(error 12)"), std::string::npos) << err.str();
