@@ -89,7 +89,15 @@ void Session::OpenFile(int filno, const char* name, int filmod, const char* pass
   h->keynos.assign(h->store->IndexCount(), -1);
   h->base = std::make_unique<Position>(h->store->IndexCount());
   h->self = no;
+  LockMember(*h, filmod);
   files_[no] = std::move(h);
+}
+
+// Members share their host's file, so their open mode is a lock on the member's key 1 (no
+// record has that position): read for SHARED, write for EXCLUSIVE, held until the handle closes.
+void Session::LockMember(Handle& h, int filmod) {
+  if (!Locate(h.path).IsMember()) return;
+  if (!h.store->env().Locks().Acquire(h.store->LockKey(1), h.self, !(filmod & SHARED))) Throw(FNOP_ERR);
 }
 
 void Session::CloseFile(int filno) {
@@ -190,6 +198,8 @@ int Session::OpenIfil(int filno, const std::string& path, int filmod, const char
   h->path = path;
   h->mode = filmod;
   h->password = password ? password : "";
+  h->self = no;
+  LockMember(*h, filmod);
   h->base = std::make_unique<Position>(def.idx.size());
   for (size_t i = 0; i < def.idx.size(); ++i) {
     auto k = std::make_unique<Handle>();
@@ -206,7 +216,6 @@ int Session::OpenIfil(int filno, const std::string& path, int filmod, const char
     h->keynos.push_back(static_cast<int16_t>(no + 1 + i));
     files_[no + 1 + i] = std::move(k);
   }
-  h->self = no;
   files_[no] = std::move(h);
   return no;
 }

@@ -266,6 +266,9 @@ class Session {
   void EndHeld(bool commit);
   void ReleaseSetLocks();
   void ReleaseLocksOf(Handle& h);
+  // Takes the open-mode lock of a superfile member (FNOP_ERR when another handle or process
+  // holds it in a conflicting mode).
+  void LockMember(Handle& h, int filmod);
   // Takes the lock the active lock set asks for (a write lock when forChange) on record pos of
   // data file h; nothing outside a set or while it is suspended. DLOK2_ERR, or DTMO_ERR after
   // waiting (ENABLE_BLK).

@@ -40,8 +40,8 @@ bool RemovePath(const std::string& path);
 // Renames a file, or a member within its host (NSUP_ERR across hosts); DCRAT_ERR when the
 // target exists.
 void RenamePath(const std::string& from, const std::string& to);
-// The open-mode lock of a path: a member locks its host shared (members of one superfile are
-// never opened exclusively against each other).
+// The file lock of a path: a member locks its host shared (the member's own open mode is a
+// record-table lock, see Session::LockMember).
 std::unique_ptr<FileLock> LockPath(const std::string& path, bool exclusive);
 
 }  // namespace cte

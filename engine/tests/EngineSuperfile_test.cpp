@@ -45,6 +45,10 @@ TEST_F(EngineSuperfile, MembersAreCreatedOpenedListedAndDeletedIndependently) {
   EXPECT_EQ(api.CREIFIL(&orders.ifil), DCRAT_ERR);
   ASSERT_EQ(api.CLRFIL(ord), 0);
   ASSERT_EQ(api.OPNRFIL(ord, (pTEXT) "store.sup!orders.dat", EXCLUSIVE), 0);
+  // An exclusive member excludes other opens of it, not of its neighbours.
+  EXPECT_EQ(api.OPNRFIL(40, (pTEXT) "store.sup!orders.dat", SHARED), FNOP_ERR);
+  EXPECT_EQ(api.OPNRFIL(40, (pTEXT) "store.sup!customers.dat", SHARED), 0);
+  ASSERT_EQ(api.CLRFIL(40), 0);
   EXPECT_EQ(api.DATENT(ord), 1);
   ASSERT_EQ(api.DELRFIL(ord), 0);
   EXPECT_EQ(Members(api, host), (std::vector<std::string>{"customers.dat", "customers.idx"}));
