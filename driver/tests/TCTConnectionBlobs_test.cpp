@@ -30,7 +30,9 @@ class BlobTest : public DriverTest {
   }
   void TearDown() override {
     Buffers.clear();
-    if (Cursor) EXPECT_EQ(Conn->CloseCursor(Cursor), 0);
+    if (Cursor) {
+      EXPECT_EQ(Conn->CloseCursor(Cursor), 0);
+    }
   }
   TCTCustomRecordBuffer* NewBuffer() {
     Buffers.push_back(std::make_unique<TCTCustomRecordBuffer>(Cursor.get()));

@@ -163,7 +163,9 @@ class PackageIndexTest : public RecordTest {
   }
   void TearDown() override {
     Conn->OnIndexKey = nullptr;
-    if (Side) EXPECT_EQ(Conn->CloseCursor(Side), 0);
+    if (Side) {
+      EXPECT_EQ(Conn->CloseCursor(Side), 0);
+    }
     RecordTest::TearDown();
   }
   int32_t PackageKeys() { return CTDbIntf::NbrOfKeyEntries(Conn->Alignment(), static_cast<int16_t>(Side->DataFileNo + 1)); }

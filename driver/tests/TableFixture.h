@@ -25,7 +25,9 @@ class TableTest : public DriverTest {
   }
   void TearDown() override {
     Buffers.clear();
-    if (Cursor) EXPECT_EQ(Conn->CloseCursor(Cursor), 0);
+    if (Cursor) {
+      EXPECT_EQ(Conn->CloseCursor(Cursor), 0);
+    }
   }
 
   /// Opens the table as `Cursor` (physical order).

@@ -65,7 +65,11 @@ CTISAM_API COUNT SECURITY(COUNT filno, pVOID bufptr, LONG bufsiz, COUNT mode);
  * the bits of status (OPS_FLUSH only) and returns the previous word; -1 and CT_EBADARG for
  * other bits or modes. The state starts at 0 with every session. */
 CTISAM_API LONG SETOPS(LONG status, LONG mode);
-/* I/O statistics (not supported: reads go through the memory map, unseen by the engine). */
+/* I/O statistics of this process since the library was loaded, eight figures in this order:
+ * write transactions committed, commits flushed to disk, records copied to callers, blocks
+ * read and written by the file system, page faults that read from disk, open files of the
+ * session, 0. IOPERFORMANCE writes them as LONGs (32 bytes, a figure beyond 2^31 wraps),
+ * IOPERFORMANCEX as 64-bit integers (64 bytes). CT_EBADARG for a NULL buf. */
 CTISAM_API COUNT IOPERFORMANCE(pVOID buf);
 CTISAM_API COUNT IOPERFORMANCEX(pVOID buf);
 /* Copies the configuration (three LONGs: fils, open files, packing) to buf (12 bytes); 0. */

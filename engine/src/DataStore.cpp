@@ -174,6 +174,8 @@ void DataStore::Load(MDB_txn* txn) {
   }
   hasFields_ = GetMeta(txn, meta_, "doda", raw);
   fields_ = hasFields_ ? ParseFields(raw) : std::vector<FieldDef>{};
+  dver_ = 0;
+  if (GetMeta(txn, meta_, "dver", raw) && raw.size() == sizeof dver_) std::memcpy(&dver_, raw.data(), sizeof dver_);
   layouts_.clear();
   layouts_.resize(def_.idx.size());
 }
@@ -224,11 +226,26 @@ const KeyLayout& DataStore::Layout(size_t ordinal) {
   return *layouts_[ordinal];
 }
 
+void DataStore::CheckCurrent(MDB_txn* txn) {
+  std::string raw;
+  uint32_t stored = 0;
+  if (GetMeta(txn, meta_, "dver", raw) && raw.size() == sizeof stored) std::memcpy(&stored, raw.data(), sizeof stored);
+  if (stored != dver_) Throw(kStaleDefinition);
+}
+
+// Every definition or schema change advances the stored version, so that other processes'
+// writers notice it (CheckCurrent) before they write with the old one.
+void DataStore::BumpVersion(MDB_txn* txn) {
+  ++dver_;
+  PutMeta(txn, meta_, "dver", std::string(reinterpret_cast<const char*>(&dver_), sizeof dver_));
+}
+
 void DataStore::PutDef(MDB_txn* txn, const FileDef& given) {
   FileDef def = given;
   for (IndexDef& ix : def.idx)
     if (ix.keydb < 0) ix.keydb = NextKeyDb(def);
   PutMeta(txn, meta_, "ifil", Serialize(def));
+  BumpVersion(txn);
   def_ = def;
   hasIfil_ = true;
   OpenKeyDbs(txn, true);
@@ -238,6 +255,7 @@ void DataStore::PutDef(MDB_txn* txn, const FileDef& given) {
 
 void DataStore::PutFields(MDB_txn* txn, const std::vector<FieldDef>& fields) {
   PutMeta(txn, meta_, "doda", Serialize(fields));
+  BumpVersion(txn);
   fields_ = fields;
   hasFields_ = true;
   conds_.clear();

@@ -78,6 +78,10 @@ class DataStore {
     uint32_t serial;
   };
   Counters ReadCounters(MDB_txn* txn);
+  // Throws Fail kStaleDefinition when the stored definition or schema is newer than the one
+  // this store loaded (another process changed it).
+  void CheckCurrent(MDB_txn* txn);
+  void BumpVersion(MDB_txn* txn);
   void WriteCounters(MDB_txn* txn, const Counters& c);
   MDB_dbi ResDbi() const { return res_; }
   // Reloads the cached definition and schema from the snapshot (after another handle or
@@ -92,7 +96,8 @@ class DataStore {
   std::shared_ptr<Env> env_;
   std::string path_;
   uint32_t member_ = 0;  // superfile member id, 0 for a file of its own
-  std::string prefix_;   // prefix of the member's database names ("" for a file of its own)
+  std::string prefix_;
+  uint32_t dver_ = 0;  // the definition version loaded (see CheckCurrent)   // prefix of the member's database names ("" for a file of its own)
   FileHeader hdr_{};
   FileDef def_;
   bool hasIfil_ = false;

@@ -14,6 +14,11 @@ struct Fail {
 
 [[noreturn]] inline void Throw(int code, int sysio = 0) { throw Fail{code, sysio}; }
 
+// Internal: a write found that another process changed the file's definition since this
+// process loaded it. The definition is reloaded and the exported call runs again; never
+// returned to a caller.
+constexpr int kStaleDefinition = 0x7001;
+
 // Maps an LMDB or errno result to the engine's error numbers and throws.
 [[noreturn]] void ThrowLmdb(int rc);
 

@@ -32,6 +32,11 @@ std::map<FileId, std::weak_ptr<Env>>& Registry() {
 
 }  // namespace
 
+IoCounters& Io() {
+  static IoCounters counters;
+  return counters;
+}
+
 void ThrowLmdb(int rc) {
   switch (rc) {
     case ENOSPC:
@@ -140,7 +145,12 @@ void Env::CommitTop(bool durable) {
     dbis_.clear();
     ThrowLmdb(rc);
   }
-  if (held_.empty() && durable) Check(mdb_env_sync(env_, 1));
+  if (!held_.empty()) return;
+  ++Io().commits;
+  if (durable) {
+    Check(mdb_env_sync(env_, 1));
+    ++Io().flushes;
+  }
 }
 
 void Env::AbortTop() {
@@ -237,7 +247,11 @@ void Env::Commit(MDB_txn* txn, bool durable) {
     return;
   }
   Check(mdb_txn_commit(txn));
-  if (durable) Check(mdb_env_sync(env_, 1));
+  ++Io().commits;
+  if (durable) {
+    Check(mdb_env_sync(env_, 1));
+    ++Io().flushes;
+  }
 }
 
 void Env::Abort(MDB_txn* txn) {

@@ -136,6 +136,14 @@ class WriteTxn {
   MDB_txn* txn_;
 };
 
+// Counts of storage work done by this process since the library was loaded (IOPERFORMANCE).
+struct IoCounters {
+  uint64_t commits = 0;  // write transactions committed to a file (held ones when they end)
+  uint64_t flushes = 0;  // commits flushed to disk (WRITETHRU, TRNLOG, OPS_FLUSH)
+  uint64_t reads = 0;    // records copied into a caller's buffer (reads, batches)
+};
+IoCounters& Io();
+
 // Checks an LMDB result and throws the matching Fail.
 inline void Check(int rc) {
   if (rc != 0) ThrowLmdb(rc);

@@ -107,6 +107,7 @@ void Session::FillBatch(BatchState& b, BatchRequest& req, void* buf, long bufsiz
       uint32_t len = static_cast<uint32_t>(rec.mv_size);
       std::memcpy(out + used + 4, &len, 4);
       std::memcpy(out + used + 8, rec.mv_data, rec.mv_size);
+      ++Io().reads;
     }
     used += need;
     ++b.next;

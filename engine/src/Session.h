@@ -253,6 +253,8 @@ class Session {
   // Marks index ordinal's current keys unknown in every context of data handle `data` (and
   // gives its positions room for indexes added since).
   void ForgetKeys(Handle& data, size_t ordinal);
+  // Reloads the store's definition and gives every handle of it room for indexes added since.
+  void Refresh(DataStore& s);
   // True while writes go to held transactions (lock set or transaction active).
   bool HoldingMode() const { return lockMode_ != FREE || tranActive_; }
   // True while reads take locks (a lock set active and not suspended).
@@ -342,10 +344,12 @@ void Session::Write(Handle& h, F&& f) {
   for (int attempt = 0;; ++attempt) {
     try {
       WriteTxn w(s.env());
+      s.CheckCurrent(w.Get());
       f(w.Get());
       w.Commit(s.Durable(CommitMode(h)));
       return;
     } catch (const Fail& e) {
+      if (e.code == kStaleDefinition) Refresh(s);
       if (e.code != CT_EDISKFULL || e.sysio != 0 || attempt >= 8 || s.env().Holding()) throw;
     }
     s.env().Grow();

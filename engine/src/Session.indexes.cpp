@@ -92,6 +92,15 @@ std::string Session::GetCondition(int keyno) {
   return cond;
 }
 
+void Session::Refresh(DataStore& s) {
+  s.Reload();
+  for (auto& p : files_) {
+    if (!p || p->isIndex || p->store.get() != &s) continue;
+    p->keynos.resize(s.IndexCount(), -1);
+    ForgetKeys(*p, s.IndexCount());
+  }
+}
+
 void Session::ForgetKeys(Handle& data, size_t ordinal) {
   auto forget = [&](Position& p) {
     while (p.keys.size() < data.store->IndexCount()) p.keys.push_back(std::make_unique<KeyPos>());

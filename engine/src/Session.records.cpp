@@ -57,6 +57,7 @@ bool Session::Fetch(DataStore& s, uint32_t pos, MDB_val& out) {
 void Session::CopyOut(const MDB_val& v, void* buf, long bufsiz, bool fixed, uint32_t reclen, long& len) {
   len = static_cast<long>(v.mv_size);
   if (!buf) return;
+  ++Io().reads;
   if (fixed) {
     size_t n = std::min<size_t>(v.mv_size, reclen);
     std::memcpy(buf, v.mv_data, n);

@@ -56,12 +56,14 @@ FileDef FromIfil(const IFIL* f) {
 
 size_t Align8(size_t n) { return (n + 7) & ~size_t{7}; }
 
-// Size of the IFIL image GETIFIL copies: the IFIL, its IIDX array, every ISEG array and the
-// names, each section aligned to 8 bytes.
+// Size of the IFIL image GETIFIL copies: the IFIL, its IIDX array, every ISEG array (followed
+// by the index's 256 alternate sequence weights when it has them) and the names, each section
+// aligned to 8 bytes.
 size_t ImageSize(const FileDef& d) {
   size_t n = Align8(sizeof(IFIL)) + Align8(d.idx.size() * sizeof(IIDX));
   for (const IndexDef& ix : d.idx) {
     n += Align8(ix.segs.size() * sizeof(ISEG));
+    if (!ix.altseq.empty()) n += Align8(256 * sizeof(COUNT));
     n += ix.name.size() + 1 + ix.fileName.size() + 1;
   }
   n += d.name.size() + 1 + d.rfstfld.size() + 1 + d.rlstfld.size() + 1;
@@ -96,6 +98,12 @@ void WriteImage(const FileDef& d, int datno, char* buf) {
     ix[i].iempchr = x.empchr;
     ix[i].inumseg = static_cast<COUNT>(x.segs.size());
     ix[i].seg = seg;
+    if (!x.altseq.empty()) {
+      COUNT* alt = reinterpret_cast<COUNT*>(at);
+      at += Align8(256 * sizeof(COUNT));
+      for (int b = 0; b < 256; ++b) alt[b] = x.altseq[b];
+      ix[i].altseq = alt;
+    }
   }
   for (size_t i = 0; i < d.idx.size(); ++i) {
     ix[i].ridxnam = name(d.idx[i].name, true);

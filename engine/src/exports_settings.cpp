@@ -1,9 +1,11 @@
 // exports_settings: the entry points for file settings (alternate sequences, pad bytes,
 // security, header values), the session's operation state, parameter-file sessions, and the
 // calls this engine does not provide (NSUP_ERR, with the reason beside each).
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -68,6 +70,15 @@ void CreateFromParameters(Session& s, const char* path, const char* password, lo
   }
 }
 
+// The figures IOPERFORMANCE and IOPERFORMANCEX report, in their order.
+std::vector<int64_t> IoFigures(Session& s) {
+  rusage ru{};
+  ::getrusage(RUSAGE_SELF, &ru);
+  const IoCounters& io = Io();
+  return {static_cast<int64_t>(io.commits), static_cast<int64_t>(io.flushes), static_cast<int64_t>(io.reads),
+          ru.ru_inblock, ru.ru_oublock, ru.ru_majflt, s.OpenCount(), 0};
+}
+
 }  // namespace
 
 extern "C" {
@@ -90,6 +101,22 @@ CTISAM_API COUNT PUTHDR(COUNT filno, LONG value, COUNT mode) {
 }
 CTISAM_API LONG SETOPS(LONG status, LONG mode) {
   return RunValue<LONG>([&](Session& s) { return static_cast<LONG>(s.SetOps(status, mode)); }, -1);
+}
+
+/* ---- I/O statistics ---- */
+CTISAM_API COUNT IOPERFORMANCE(pVOID buf) {
+  return Run([&](Session& s) {
+    if (!buf) Throw(CT_EBADARG);
+    LONG* out = static_cast<LONG*>(buf);
+    for (int64_t v : IoFigures(s)) *out++ = static_cast<LONG>(v);
+  });
+}
+CTISAM_API COUNT IOPERFORMANCEX(pVOID buf) {
+  return Run([&](Session& s) {
+    if (!buf) Throw(CT_EBADARG);
+    std::vector<int64_t> figures = IoFigures(s);
+    std::memcpy(buf, figures.data(), figures.size() * sizeof(int64_t));
+  });
 }
 
 /* ---- parameter files ---- */
@@ -118,8 +145,5 @@ CTISAM_API COUNT SETLOGPATH(pTEXT, LONG) { return NotSupported(); }
 CTISAM_API COUNT CHGHST(COUNT) { return NotSupported(); }
 CTISAM_API COUNT FREHST(void) { return NotSupported(); }
 CTISAM_API COUNT CTHIST(COUNT, pTEXT, pTEXT, LONG, LONG, UCOUNT) { return NotSupported(); }
-// I/O statistics: reads go through the memory map, so the engine sees no I/O to count.
-CTISAM_API COUNT IOPERFORMANCE(pVOID) { return NotSupported(); }
-CTISAM_API COUNT IOPERFORMANCEX(pVOID) { return NotSupported(); }
 
 }  // extern "C"

@@ -167,6 +167,39 @@ void KillInside(EngineApi& api, const std::function<int(EngineApi&)>& start) {
   EXPECT_EQ(api.DATENT(0), 2);
 }
 
+TEST_F(EngineProcess, WriterOfAnotherProcessMaintainsAnIndexAddedMeanwhile) {
+  COUNT dat = CreateCustomers();
+  ASSERT_EQ(Add(dat, 1, "first", "F"), 0);
+  int ready[2], go[2];
+  ASSERT_EQ(pipe(ready), 0);
+  ASSERT_EQ(pipe(go), 0);
+  pid_t pid = Spawn([&](EngineApi& e) {
+    if (e.OPNRFIL(0, (pTEXT) "customers.dat", SHARED) != 0) return 1;
+    Customer r = MakeCustomer(2, "before", "B");
+    if (e.ADDREC(0, &r) != 0) return 2;
+    char c = 1;
+    if (write(ready[1], &c, 1) != 1 || read(go[0], &c, 1) != 1) return 3;
+    for (int id = 100; id < 150; ++id) {
+      r = MakeCustomer(id, "after", "A");
+      if (e.ADDREC(0, &r) != 0) return 4;
+    }
+    return 0;
+  });
+  char c = 0;
+  ASSERT_EQ(read(ready[0], &c, 1), 1);
+  ISEG seg[1] = {{4, 30, REGSEG}};
+  IIDX ix[1] = {{34, 0, 1, 0, 0, 1, seg, (pTEXT) "by_name", nullptr, nullptr, nullptr}};
+  IFIL add = {(pTEXT) "byname", dat, sizeof(Customer), 0, SHARED, 1, 0, SHARED, ix, nullptr, nullptr, -1};
+  ASSERT_EQ(api.TMPIIDXX(&add, 0, nullptr, nullptr), 0);
+  ASSERT_EQ(api.PRMIIDX(&add), 0);
+  EXPECT_EQ(api.IDXENT(add.tfilno), 2);
+  ASSERT_EQ(write(go[1], &c, 1), 1);
+  EXPECT_EQ(Wait(pid), 0);
+  EXPECT_EQ(api.DATENT(dat), 52);
+  EXPECT_EQ(api.IDXENT(add.tfilno), 52);
+  for (int fd : {ready[0], ready[1], go[0], go[1]}) close(fd);
+}
+
 TEST_F(EngineProcess, KilledInsideTransactionLeavesNothing) {
   COUNT dat = CreateCustomers();
   ASSERT_EQ(Add(dat, 1, "kept", "K"), 0);

@@ -57,6 +57,14 @@ TEST_F(EngineAltSeq, SequenceGivenAtCreationOrdersAltSegmentsOnly) {
   ASSERT_EQ(api.GETALTSEQ(n.ifil.tfilno + 1, got.data()), 0);
   EXPECT_EQ(got, rev);
   EXPECT_EQ(api.GETALTSEQ(n.ifil.tfilno + 2, got.data()), RNOT_ERR);
+  // GETIFIL hands the weights back, so the definition can be given to PUTIFIL or CREIFIL again.
+  LONG need = api.GETIFIL(n.ifil.tfilno, 0, nullptr);
+  std::vector<char> image(need);
+  ASSERT_EQ(api.GETIFIL(n.ifil.tfilno, need, image.data()), need);
+  const IFIL* back = reinterpret_cast<const IFIL*>(image.data());
+  ASSERT_NE(back->ix[0].altseq, nullptr);
+  EXPECT_EQ(std::vector<COUNT>(back->ix[0].altseq, back->ix[0].altseq + 256), rev);
+  EXPECT_EQ(back->ix[1].altseq, nullptr);
   // Keys built by the caller go through the same weights.
   char target[8] = {'a', 'b'}, rec[9] = {};
   ASSERT_EQ(api.EQLREC(n.ifil.tfilno + 1, api.TFRMKEY(n.ifil.tfilno + 1, target), rec), 0);
@@ -170,6 +178,28 @@ TEST_F(EngineSettings, PutHeaderSetsTheSerialCounterAndSetopsKeepsItsState) {
   EXPECT_EQ(api.SETOPS(0, OPS_STATE_RET), 0);
 }
 
+TEST_F(EngineSettings, IoFiguresCountCommitsFlushesAndReads) {
+  COUNT dat = CreateCustomers(EXCLUSIVE);
+  int64_t before[8], after[8];
+  ASSERT_EQ(api.IOPERFORMANCEX(before), 0);
+  ASSERT_EQ(Add(dat, 1, "a", "b"), 0);
+  ASSERT_EQ(api.SETOPS(OPS_FLUSH, OPS_STATE_ON), 0);
+  ASSERT_EQ(Add(dat, 2, "a", "b"), 0);
+  Customer c{};
+  ASSERT_EQ(api.FRSREC(dat + 1, &c), 0);
+  ASSERT_EQ(api.NXTREC(dat, &c), 0);
+  EXPECT_EQ(api.ADDREC(dat, &c), KDUP_ERR) << "a refused write commits nothing";
+  ASSERT_EQ(api.IOPERFORMANCEX(after), 0);
+  EXPECT_EQ(after[0] - before[0], 2);
+  EXPECT_EQ(after[1] - before[1], 1);
+  EXPECT_EQ(after[2] - before[2], 2);
+  EXPECT_EQ(after[6], 3);
+  LONG narrow[8];
+  ASSERT_EQ(api.IOPERFORMANCE(narrow), 0);
+  EXPECT_EQ(narrow[0], static_cast<LONG>(after[0]));
+  EXPECT_EQ(api.IOPERFORMANCE(nullptr), CT_EBADARG);
+}
+
 TEST_F(EngineSettings, CallsWithoutMeaningHereReport454) {
   char buf[64];
   EXPECT_EQ(api.STPSRV(nullptr, nullptr, 0), NSUP_ERR);
@@ -179,8 +209,6 @@ TEST_F(EngineSettings, CallsWithoutMeaningHereReport454) {
   EXPECT_EQ(api.CHGHST(0), NSUP_ERR);
   EXPECT_EQ(api.FREHST(), NSUP_ERR);
   EXPECT_EQ(api.CTHIST(0, nullptr, buf, 0, sizeof buf, 0), NSUP_ERR);
-  EXPECT_EQ(api.IOPERFORMANCE(buf), NSUP_ERR);
-  EXPECT_EQ(api.IOPERFORMANCEX(buf), NSUP_ERR);
   EXPECT_EQ(LastError(), NSUP_ERR);
 }
 

@@ -94,9 +94,9 @@ class TableBackend {
   virtual std::unique_ptr<TableCursor> Open(const TableRef& table, OpenMode mode) = 0;
 };
 
-/// The backend of this build, working through a connection configured by ConnectionSetup from
-/// `options` (whose errors it raises). Raises ToolError with kExitUnavailable when this build has
-/// no table layer to work through.
+/// The backend of this build: TCTTable tables on a TCTConnection configured by ConnectionSetup
+/// from `options` (whose errors it raises). Operations the table layer does not offer yet raise
+/// ToolError with kExitUnavailable, naming the operation.
 std::unique_ptr<TableBackend> MakeTableBackend(const ConnectionOptions& options);
 
 }  // namespace ctt

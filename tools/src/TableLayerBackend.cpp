@@ -1,0 +1,142 @@
+// The table seam filled by the package's components: TCTConnection and TCTTable (tools layer).
+#include "TableLayerBackend.h"
+
+#include "CTTables.h"
+#include "ConnectionSetup.h"
+#include "TField.h"
+#include "TFieldDefs.h"
+#include "TFields.h"
+#include "ToolError.h"
+
+namespace ctt {
+
+namespace {
+
+std::vector<fw::Variant> Values(const KeyValues& key) { return {key.begin(), key.end()}; }
+
+// What the table layer of this build does not offer yet: said plainly, with its own exit code.
+[[noreturn]] void NotYet(const std::string& what) {
+  throw ToolError(kExitUnavailable, what + " is not available in this build of ctt yet");
+}
+
+class TableLayerCursor : public TableCursor {
+ public:
+  explicit TableLayerCursor(std::unique_ptr<CTTables::TCTTable> table) : FTable(std::move(table)) {}
+
+  TableInfo Info() override {
+    TableInfo info;
+    const fw::TFieldDefs& defs = *FTable->FieldDefs();
+    for (int i = 0; i < defs.Count(); ++i) {
+      const fw::TFieldDef& d = *defs.Items(i);
+      info.Fields.push_back({d.Name(), d.DataType(), d.Size(), d.Precision() > 0 ? d.Precision() : 0});
+    }
+    FTable->UpdateIndexDefs();
+    const CTTables::TCTIndexDefs& indexes = *FTable->IndexDefs();
+    for (int i = 0; i < indexes.Count(); ++i) {
+      const fw::TIndexDef& d = *indexes.Items(i);
+      IndexSpec spec;
+      spec.Name = d.Name();
+      std::size_t start = 0;
+      const std::string& fields = d.Fields();
+      while (start <= fields.size() && !fields.empty()) {
+        const std::size_t end = fields.find(';', start);
+        spec.Fields.push_back(fields.substr(start, end == std::string::npos ? std::string::npos : end - start));
+        if (end == std::string::npos) break;
+        start = end + 1;
+      }
+      spec.Primary = d.Options().Contains(fw::ixPrimary);
+      spec.Unique = spec.Primary || d.Options().Contains(fw::ixUnique);
+      spec.Descending = d.Options().Contains(fw::ixDescending);
+      spec.CaseInsensitive = d.Options().Contains(fw::ixCaseInsensitive);
+      info.Indexes.push_back(std::move(spec));
+    }
+    info.RecordCount = FTable->RecordCount();
+    if (FTable->Cursor()) info.Files.push_back(FTable->Cursor()->TableName);
+    return info;
+  }
+
+  void UseIndex(const std::string& name) override {
+    FTable->CancelRange();
+    FFrom.clear();
+    FTable->SetIndexName(name);
+  }
+
+  void SetRange(const KeyValues& from, const KeyValues& to) override {
+    FFrom.clear();
+    if (to.empty()) {
+      // Open at the end: every key from `from` on, found by the nearest-key search in First.
+      FTable->CancelRange();
+      FFrom = from;
+    } else if (from.empty()) {
+      NotYet("a range with only an end (--to without --from)");
+    } else {
+      FTable->SetRange(Values(from), Values(to));
+    }
+    First();
+  }
+
+  void First() override {
+    FTable->First();
+    if (!FFrom.empty()) FTable->FindNearest(Values(FFrom));
+  }
+
+  bool FindNearest(const KeyValues& key) override { return FTable->FindNearest(Values(key)) && !FTable->Eof(); }
+
+  bool Read(std::vector<std::string>& values) override {
+    if (FTable->Eof()) return false;
+    const fw::TFields& fields = *FTable->Fields();
+    values.resize(static_cast<std::size_t>(fields.Count()));
+    for (int i = 0; i < fields.Count(); ++i) values[static_cast<std::size_t>(i)] = fields.Fields(i)->AsString();
+    FTable->Next();
+    return true;
+  }
+
+  void Append(const std::vector<std::optional<std::string>>&) override { NotYet("adding records (import)"); }
+  void StartTransaction() override { NotYet("transactions"); }
+  void Commit() override { NotYet("transactions"); }
+  void Rollback() override { NotYet("transactions"); }
+  void AddIndex(const IndexSpec&) override { NotYet("adding an index (add-index)"); }
+  void DeleteIndex(const std::string&) override { NotYet("deleting an index (drop-index)"); }
+
+ private:
+  std::unique_ptr<CTTables::TCTTable> FTable;
+  KeyValues FFrom;
+};
+
+class TableLayerBackend : public TableBackend {
+ public:
+  explicit TableLayerBackend(const ConnectionOptions& options) : FSetup(options) {}
+
+  void CreateTable(const TableRef&, const std::vector<FieldSpec>&, const std::vector<IndexSpec>&) override {
+    NotYet("creating a table (create, import with --field)");
+  }
+  void DeleteTable(const TableRef&) override { NotYet("deleting a table (drop)"); }
+
+  std::unique_ptr<TableCursor> Open(const TableRef& ref, OpenMode mode) override {
+    if (mode != OpenMode::ReadOnly) NotYet("changing a table");
+    auto table = std::make_unique<CTTables::TCTTable>(nullptr);
+    table->SetConnection(&FSetup.Connection());
+    if (!ref.SuperFile.empty()) {
+      table->SetIsSuperFile(true);
+      table->SetTableName(ref.SuperFile + "!" + ref.Name);
+    } else {
+      table->SetTableName(ref.Name);
+    }
+    table->SetDatabase(ref.Directory);
+    // Opened shared and not read-only even for reading: a read-only table ignores every field
+    // write, the key values of a seek or range included, so --find and --from would do nothing.
+    table->Open();
+    return std::make_unique<TableLayerCursor>(std::move(table));
+  }
+
+ private:
+  ConnectionSetup FSetup;
+};
+
+}  // namespace
+
+std::unique_ptr<TableBackend> MakeTableLayerBackend(const ConnectionOptions& options) {
+  return std::make_unique<TableLayerBackend>(options);
+}
+
+}  // namespace ctt
