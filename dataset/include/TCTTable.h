@@ -169,7 +169,6 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void SetRecNo(int Value) override;
   bool BookmarkValid(const fw::TBookmark& Bookmark) override;
   int CompareBookmarks(const fw::TBookmark& Bookmark1, const fw::TBookmark& Bookmark2) override;
-  void Notification(fw::TComponent* AComponent, fw::TOperation Operation) override;
 
  protected:
   // --- Descendants must implement -----------------------------------------------------------

@@ -90,10 +90,6 @@ void TCTTable::SetIsSuperFile(bool Value) {
   FIsSuperFile = Value;
 }
 
-void TCTTable::Notification(fw::TComponent* AComponent, fw::TOperation Operation) {
-  Ctdb::TCTCustomDataSet::Notification(AComponent, Operation);
-}
-
 void TCTTable::Loaded() {
   Ctdb::TCTCustomDataSet::Loaded();
   if (Connection() != nullptr && FOnIndexRecord) SetOnIndexRecord(FOnIndexRecord);

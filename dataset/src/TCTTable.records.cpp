@@ -383,7 +383,7 @@ int32_t TCTTable::CountKeysBeforeRange() {
 
 void TCTTable::SetRecNo(int Value) {
   CheckBrowseMode();
-  if (FCursor == nullptr || Value < 1) return;
+  if (FCursor == nullptr || Value < 1 || IsEmpty()) return;
   Ctdb::TCTConnection& conn = Conn();
   if (FCursor->KeyNo == FCursor->DataFileNo) {
     // Physical order has no key to take a percentile of: step from the start.
@@ -407,10 +407,13 @@ void TCTTable::SetRecNo(int Value) {
     }
     const int16_t percentile = static_cast<int16_t>(std::clamp(std::lround(percent), 0L, 100L));
     const int32_t position = CTDbIntf::KeyAtPercentile(conn.Alignment(), FCursor->KeyNo, key.data(), percentile);
-    if (position == 0) CTDbIntf::CtError(CTDbIntf::GetCtUErrCod(conn.Alignment()));
-    CTDbIntf::CtError(conn.SetToBookMark(FCursor.get(), position) == kNoRecord
-                          ? 0
-                          : conn.GetCurrentRecord(FCursor.get(), Ctdb::dbiNOLOCK, nullptr));
+    if (position == 0) {
+      const int32_t error = CTDbIntf::GetCtUErrCod(conn.Alignment());
+      CTDbIntf::CtError(error);
+      CTDbIntf::CtError(conn.SetToBegin(FCursor.get()));  // an empty index: start from the top
+    } else if (conn.SetToBookMark(FCursor.get(), position) != kNoRecord) {
+      CTDbIntf::CtError(conn.GetCurrentRecord(FCursor.get(), Ctdb::dbiNOLOCK, nullptr));
+    }
     if (FCursor->Position != Ctdb::cpNone) {
       // The percentile fell outside the range: start from its nearer end.
       if (FCursor->Position == Ctdb::cpBof)

@@ -276,6 +276,9 @@ TEST_F(Table, RecNoFollowsTheIndexAndSetRecNoPositions) {
   table->SetRecNo(3);
   EXPECT_EQ(table->RecNo(), 3);
   EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 7);
+  table->SetRange({fw::Variant("Paris")}, {fw::Variant("Paris")});
+  table->SetRecNo(2);  // an empty range: nothing to position on
+  EXPECT_TRUE(table->IsEmpty());
 }
 
 TEST_F(Table, CalculatedFieldsComeFromTheRecordStore) {
