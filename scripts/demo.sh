@@ -1,10 +1,9 @@
 #!/usr/bin/env bash
-# Sets up, builds and runs the main job on the embedded engine.
+# Sets up, builds and runs the main job: sample customers and orders imported into c-tree tables
+# on the embedded engine with the `ctt` tool, then listed by two indexes, seeked and restricted to
+# a range. The tables are made in a fresh temporary directory that is removed afterwards.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${BUILD_DIR:-$root/build}
 "$root/scripts/build.sh"
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
-"$build/engine/ctdemo"
+"$root/tools/sample/main_job.sh" "$build"

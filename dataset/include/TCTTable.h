@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "CTFldDesc.h"
 #include "CTIdxDesc.h"
 #include "CtdbTypes.h"
 #include "TCTCursorDesc.h"
@@ -134,6 +135,28 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void CancelRange();
   /// Start and end values by key position, then ApplyRange.
   void SetRange(const std::vector<fw::Variant>& StartValues, const std::vector<fw::Variant>& EndValues);
+
+  // --- Creating and changing the table's files (TCTTable.restructure.cpp) --------------------
+  /// Fills `Desc` for a new table's field: Name, logical FieldType and SubType by `DataType`
+  /// (strings and variable bytes choose their length-prefix subtype by `Size`), and the unit
+  /// counts the type keeps (characters or bytes; 32 and the scale for BCD). Other members are
+  /// left as they are.
+  static void EncodeFieldDesc(Ctdb::CTFldDesc& Desc, const std::string& Name, fw::TFieldType DataType, int Size);
+  /// Creates the table's files (directory Database, name TableName) from FieldDefs (filled from
+  /// the persistent fields when empty) and IndexDefs; an existing table of that name is replaced.
+  /// Requires an inactive table; raises ECtreeException with the driver's number (e.g. 1115 no
+  /// fields, 802 a field with no c-tree form) and the framework's error for an unknown key field.
+  void CreateTable();
+  /// Closes the table and deletes its files; raises ECtreeException (12 when there is none).
+  void DeleteTable();
+  /// Adds an index to the open table and builds its keys. The definition is added to IndexDefs
+  /// first (1134 for a duplicate name) and stays there when the driver then fails (raised).
+  void AddIndex(const std::string& Name, const std::string& Fields, const std::string& Expression, bool Flag4,
+                bool Flag5, fw::TIndexOptions Options);
+  /// Removes index `Name` from the open table (a name IndexDefs does not hold is ignored). When
+  /// it was the current index, the index now at its position (or, failing that, the one at the
+  /// cursor's index count) becomes current, or none when the table has no index left.
+  void DeleteIndex(const std::string& Name);
 
   // --- Framework overrides callable by applications ----------------------------------------
   void Post() override;

@@ -58,14 +58,14 @@ std::string DriverTest::MakeTable(const std::string& name, const std::vector<Dod
   def.dreclen = static_cast<int16_t>(std::max(FixedLength(fields), 1));
   def.dfilmod = static_cast<int16_t>(fileMode | (variable ? VLENGTH : 0));
   def.ifilmod = fileMode;
-  for (const IndexSpec& spec : indexes) {
+  for (const IndexSpec& wanted : indexes) {
     IidxDefinition index;
-    index.ikeydup = spec.Duplicates ? 1 : 0;
-    for (const IsegDefinition& seg : spec.Segments) index.ikeylen = static_cast<int16_t>(index.ikeylen + seg.slength);
-    if (spec.Duplicates) index.ikeylen = static_cast<int16_t>(index.ikeylen + 4);
+    index.ikeydup = wanted.Duplicates ? 1 : 0;
+    for (const IsegDefinition& seg : wanted.Segments) index.ikeylen = static_cast<int16_t>(index.ikeylen + seg.slength);
+    if (wanted.Duplicates) index.ikeylen = static_cast<int16_t>(index.ikeylen + 4);
     index.inulkey = 0;
-    index.seg = spec.Segments;
-    index.ridxnam = spec.Name;
+    index.seg = wanted.Segments;
+    index.ridxnam = wanted.Name;
     def.ix.push_back(index);
   }
   const CTDbIntf::TLoadAlignment a = Conn->Alignment();

@@ -11,7 +11,10 @@
 namespace cte {
 
 struct Condition::Node {
-  enum Kind : uint8_t { kNum, kText, kField, kNeg, kNot, kBinary } kind;
+  enum Kind : uint8_t { kNum, kText, kField, kNeg, kNot, kBinary };
+  explicit Node(Kind k) : kind(k) {}
+
+  Kind kind;
   bool text = false;  // the node's value is text
   std::string op;     // kBinary: the operator
   double num = 0;

@@ -109,8 +109,23 @@ class TableLayerCursor : public TableCursor {
   void StartTransaction() override { NotYet("transactions"); }
   void Commit() override { NotYet("transactions"); }
   void Rollback() override { NotYet("transactions"); }
-  void AddIndex(const IndexSpec&) override { NotYet("adding an index (add-index)"); }
-  void DeleteIndex(const std::string&) override { NotYet("deleting an index (drop-index)"); }
+  void AddIndex(const IndexSpec& index) override {
+    // Flag4 set: the engine maintains the index's keys itself.
+    FTable->AddIndex(index.Name, index.FieldsText(), "", true, false, index.Options());
+  }
+  void DeleteIndex(const std::string& name) override {
+    FTable->UpdateIndexDefs();  // the list DeleteIndex looks the name up in
+    FTable->DeleteIndex(name);
+    // Read the definitions back from the files: an index the engine kept must not be reported
+    // as deleted.
+    FTable->Close();
+    FTable->Open();
+    FTable->UpdateIndexDefs();
+    if (FTable->IndexDefs()->IndexOf(name) >= 0)
+      throw ToolError(kExitStorage, "index " + name +
+                                        " is still in the table: the storage engine of this build cannot "
+                                        "delete it (error 454)");
+  }
 
  private:
   std::unique_ptr<CTTables::TCTTable> FTable;
@@ -121,13 +136,33 @@ class TableLayerBackend : public TableBackend {
  public:
   explicit TableLayerBackend(const ConnectionOptions& options) : FSetup(options) {}
 
-  void CreateTable(const TableRef&, const std::vector<FieldSpec>&, const std::vector<IndexSpec>&) override {
-    NotYet("creating a table (create, import with --field)");
+  void CreateTable(const TableRef& ref, const std::vector<FieldSpec>& fields,
+                   const std::vector<IndexSpec>& indexes) override {
+    std::unique_ptr<CTTables::TCTTable> table = NewTable(ref);
+    for (const FieldSpec& field : fields) {
+      fw::TFieldDef* def = table->FieldDefs()->Add(field.Name, field.DataType, field.Size);
+      if (field.Precision > 0) def->SetPrecision(field.Precision);
+    }
+    for (const IndexSpec& index : indexes)
+      table->IndexDefs()->Add(index.Name, index.FieldsText(), "", true, false, index.Options());
+    table->CreateTable();
   }
-  void DeleteTable(const TableRef&) override { NotYet("deleting a table (drop)"); }
+
+  void DeleteTable(const TableRef& ref) override { NewTable(ref)->DeleteTable(); }
 
   std::unique_ptr<TableCursor> Open(const TableRef& ref, OpenMode mode) override {
-    if (mode == OpenMode::Exclusive) NotYet("changing a table's indexes");
+    std::unique_ptr<CTTables::TCTTable> table = NewTable(ref);
+    // Indexes are added and removed with the table opened for this program alone.
+    table->SetExclusive(mode == OpenMode::Exclusive);
+    // Opened not read-only even for reading: a read-only table ignores every field write, the
+    // key values of a seek or range included, so --find and --from would do nothing.
+    table->Open();
+    return std::make_unique<TableLayerCursor>(std::move(table));
+  }
+
+ private:
+  // A closed table on the connection for `ref`.
+  std::unique_ptr<CTTables::TCTTable> NewTable(const TableRef& ref) {
     auto table = std::make_unique<CTTables::TCTTable>(nullptr);
     table->SetConnection(&FSetup.Connection());
     if (!ref.SuperFile.empty()) {
@@ -137,13 +172,9 @@ class TableLayerBackend : public TableBackend {
       table->SetTableName(ref.Name);
     }
     table->SetDatabase(ref.Directory);
-    // Opened shared and not read-only even for reading: a read-only table ignores every field
-    // write, the key values of a seek or range included, so --find and --from would do nothing.
-    table->Open();
-    return std::make_unique<TableLayerCursor>(std::move(table));
+    return table;
   }
 
- private:
   ConnectionSetup FSetup;
 };
 

@@ -1,0 +1,209 @@
+// TCTTable: creating and deleting tables, adding and removing indexes, over real engine files.
+#include <filesystem>
+
+#include "Exception.h"
+#include "TField.h"
+#include "TFieldDefs.h"
+#include "TStringList.h"
+#include "TableTestSupport.h"
+
+namespace CTTables::testing {
+namespace {
+
+using Restructure = TableTest;
+
+Ctdb::CTFldDesc Encoded(fw::TFieldType type, int size) {
+  Ctdb::CTFldDesc desc;
+  TCTTable::EncodeFieldDesc(desc, "F", type, size);
+  return desc;
+}
+
+// A closed table "orders" with four fields and two indexes defined, not yet created.
+TCTTable* DefineOrders(TCTTable* table) {
+  table->SetTableName("orders");
+  table->FieldDefs()->Add("ID", fw::ftInteger);
+  table->FieldDefs()->Add("CUSTOMER", fw::ftString, 30);
+  table->FieldDefs()->Add("TOTAL", fw::ftFloat);
+  table->FieldDefs()->Add("PAID", fw::ftBoolean);
+  table->IndexDefs()->Add("ById", "ID", "", true, false, {fw::ixPrimary, fw::ixUnique});
+  table->IndexDefs()->Add("ByCustomer", "CUSTOMER;ID", "", true, false, {fw::ixUnique});
+  return table;
+}
+
+void AddOrder(TCTTable& table, int32_t id, const std::string& customer, double total) {
+  table.Append();
+  table.FieldByName("ID")->SetAsInteger(id);
+  table.FieldByName("CUSTOMER")->SetAsString(customer);
+  table.FieldByName("TOTAL")->SetAsFloat(total);
+  table.FieldByName("PAID")->SetAsBoolean(id % 2 == 0);
+  table.Post();
+}
+
+TEST(EncodeFieldDesc, ChoosesTypesSubtypesAndUnits) {
+  EXPECT_EQ(Encoded(fw::ftString, 1).SubType, Ctdb::fldstCHARU);
+  EXPECT_EQ(Encoded(fw::ftString, 254).SubType, Ctdb::fldstFPSTRING);
+  EXPECT_EQ(Encoded(fw::ftString, 255).SubType, Ctdb::fldstF2STRING);
+  EXPECT_EQ(Encoded(fw::ftString, 65534).SubType, Ctdb::fldstF2STRING);
+  EXPECT_EQ(Encoded(fw::ftString, 65535).SubType, Ctdb::fldstF4STRING);
+  EXPECT_EQ(Encoded(fw::ftString, 40).Units1, 40);
+  EXPECT_EQ(Encoded(fw::ftString, 40).FieldType, Ctdb::fldZSTRING);
+
+  EXPECT_EQ(Encoded(fw::ftVarBytes, 254).SubType, Ctdb::fldstPSTRING);
+  EXPECT_EQ(Encoded(fw::ftVarBytes, 300).SubType, Ctdb::fldst2STRING);
+  EXPECT_EQ(Encoded(fw::ftGraphic, 65535).SubType, Ctdb::fldst4STRING);
+  EXPECT_EQ(Encoded(fw::ftBlob, 10).FieldType, Ctdb::fldBLOB);
+  EXPECT_EQ(Encoded(fw::ftMemo, 500).SubType, Ctdb::fldstSTRING);
+  EXPECT_EQ(Encoded(fw::ftMemo, 500).Units1, 500);
+
+  const Ctdb::CTFldDesc bcd = Encoded(fw::ftBCD, 4);
+  EXPECT_EQ(bcd.FieldType, Ctdb::fldBCD);
+  EXPECT_EQ(bcd.Units1, 32);
+  EXPECT_EQ(bcd.Units2, 4);
+  EXPECT_EQ(Encoded(fw::ftCurrency, 0).SubType, Ctdb::fldstMONEY);
+  EXPECT_EQ(Encoded(fw::ftAutoInc, 0).FieldType, Ctdb::fldINT32);
+  EXPECT_EQ(Encoded(fw::ftAutoInc, 0).SubType, Ctdb::fldstAUTOINC);
+  EXPECT_EQ(Encoded(fw::ftWord, 0).FieldType, Ctdb::fldUINT16);
+  EXPECT_EQ(Encoded(fw::ftDateTime, 0).FieldType, Ctdb::fldTIMESTAMP);
+  EXPECT_EQ(Encoded(fw::ftGuid, 0).FieldType, Ctdb::fldBLOB);  // later types: untyped blobs
+  EXPECT_EQ(Encoded(fw::ftGuid, 0).SubType, 0);
+  EXPECT_EQ(Encoded(fw::ftSingle, 0).FieldType, Ctdb::fldBLOB);
+}
+
+TEST_F(Restructure, CreatedTableKeepsItsFieldsIndexesAndRecords) {
+  TCTTable* table = DefineOrders(NewTable());
+  table->CreateTable();
+  EXPECT_FALSE(table->Active());
+  table->Open();
+  AddOrder(*table, 2, "Oslo Ltd", 12.5);
+  AddOrder(*table, 1, "Bergen AS", 99.25);
+  AddOrder(*table, 3, "Aker", 1);
+  table->Close();
+
+  TCTTable* again = NewTable();
+  again->SetTableName("orders");
+  again->Open();
+  const fw::TFieldDefs& fields = *again->FieldDefs();
+  ASSERT_EQ(fields.Count(), 4);
+  EXPECT_EQ(fields.Items(1)->Name(), "CUSTOMER");
+  EXPECT_EQ(fields.Items(1)->DataType(), fw::ftString);
+  EXPECT_EQ(fields.Items(1)->Size(), 30);
+  EXPECT_EQ(fields.Items(3)->DataType(), fw::ftBoolean);
+  EXPECT_EQ(again->RecordCount(), 3);
+  again->SetIndexName("ByCustomer");
+  again->First();
+  EXPECT_EQ(again->FieldByName("CUSTOMER")->AsString(), "Aker");
+  EXPECT_EQ(IdsToEnd(*again), (std::vector<int32_t>{3, 1, 2}));
+  again->SetIndexName("ById");
+  again->First();
+  EXPECT_DOUBLE_EQ(again->FieldByName("TOTAL")->AsFloat(), 99.25);
+  EXPECT_FALSE(again->FieldByName("PAID")->AsBoolean());
+}
+
+TEST_F(Restructure, CreateReplacesAnExistingTableAndRefusesBadDefinitions) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->FieldDefs()->Add("CODE", fw::ftString, 8);
+  table->CreateTable();  // same name "people": replaced, records gone
+  table->Open();
+  EXPECT_EQ(table->RecordCount(), 0);
+  EXPECT_EQ(table->FieldDefs()->Count(), 1);
+  EXPECT_THROW(table->CreateTable(), fw::EDatabaseError);  // must be inactive
+  table->Close();
+
+  TCTTable* empty = NewTable();
+  empty->SetTableName("nothing");
+  EXPECT_EQ(ErrorOf([&] { empty->CreateTable(); }), 1115);
+  EXPECT_FALSE(std::filesystem::exists(Dir / "nothing.idx"));
+
+  TCTTable* badKey = NewTable();
+  badKey->SetTableName("badkey");
+  badKey->FieldDefs()->Add("A", fw::ftInteger);
+  badKey->IndexDefs()->Add("ByB", "B", "", true, false, {});
+  EXPECT_THROW(badKey->CreateTable(), std::exception);
+}
+
+TEST_F(Restructure, DeleteTableClosesAndRemovesTheFiles) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  table->DeleteTable();
+  EXPECT_FALSE(table->Active());
+  EXPECT_EQ(ErrorOf([&] { table->Open(); }), 12);
+  EXPECT_EQ(ErrorOf([&] { table->DeleteTable(); }), 12);
+}
+
+TEST_F(Restructure, AddIndexBuildsKeysForRecordsPresent) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  table->AddIndex("ByAmount", "AMOUNT", "", true, false, {});
+  table->SetIndexName("ByAmount");
+  ASSERT_EQ(table->IndexName(), "ByAmount");
+  table->First();
+  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
+
+  EXPECT_EQ(ErrorOf([&] { table->AddIndex("BYAMOUNT", "ID", "", true, false, {}); }), 1134);
+  EXPECT_THROW(table->AddIndex("ByNothing", "NOPE", "", true, false, {}), std::exception);
+  table->Close();
+
+  TCTTable* again = NewTable();
+  fw::TStringList names;
+  again->GetIndexNames(names);
+  EXPECT_EQ(names.IndexOf("ByAmount"), 3);
+}
+
+TEST_F(Restructure, AddIndexRefusesDuplicatesOfAUniqueKeyAndKeepsTheTable) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  EXPECT_THROW(table->AddIndex("UniqueCity", "CITY", "", true, false, {fw::ixUnique}), CTDbIntf::ECtreeException);
+  table->SetIndexName("ByName");
+  table->First();
+  EXPECT_EQ(table->RecordCount(), 10);
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Ada");
+}
+
+TEST_F(Restructure, DeletingAnotherIndexKeepsTheCurrentOne) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  table->AddIndex("ByAmount", "AMOUNT", "", true, false, {});
+  table->UpdateIndexDefs();
+  table->SetIndexName("ByName");
+  table->DeleteIndex("NoSuchIndex");  // ignored
+  table->DeleteIndex("ByAmount");
+  EXPECT_EQ(table->IndexName(), "ByName");
+  EXPECT_EQ(table->Cursor()->GetIndexCount(), 3);
+  table->First();
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Ada");
+}
+
+TEST_F(Restructure, DeletingTheCurrentIndexThatStoodLastLeavesNoneNamed) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  table->AddIndex("ByAmount", "AMOUNT", "", true, false, {});
+  table->UpdateIndexDefs();
+  table->SetIndexName("ByAmount");
+  table->DeleteIndex("ByAmount");
+  EXPECT_EQ(table->IndexName(), "");
+  table->First();
+  EXPECT_EQ(table->RecordCount(), 10);
+}
+
+TEST_F(Restructure, IndexesOfTheTablesOwnSetCannotBeDeletedAndStayIntact) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  table->UpdateIndexDefs();
+  table->SetIndexName("ByName");
+  // The engine keeps the indexes a table was created with in one definition it cannot shrink.
+  EXPECT_EQ(ErrorOf([&] { table->DeleteIndex("ByCity"); }), 454);
+  EXPECT_EQ(table->IndexName(), "ByName");
+  table->SetIndexName("ByCity");
+  table->First();
+  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{1, 3, 8, 2, 4, 7, 10, 5, 6, 9}));
+}
+
+}  // namespace
+}  // namespace CTTables::testing
