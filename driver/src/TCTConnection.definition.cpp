@@ -243,6 +243,9 @@ int32_t TCTConnection::AddIndex(TCTCursorDesc* cursor, CTIdxDesc* index) {
     added.Primary = cursor->Indexes.empty() ? kWordTrue : kWordFalse;
     (void)GetSymbFileName(keyNo, added.SymbolicName);
     cursor->AddIndexToList(added);
+    // The index is now part of the table's IFIL.
+    cursor->Ifil.ix.push_back(def);
+    cursor->IfilSize = std::max(cursor->IfilSize, CTDbIntf::GetIFile(a, cursor->DataFileNo, 0, nullptr));
     *index = added;
   } catch (const std::bad_alloc&) {
     return kCtOutOfMemory;
@@ -298,10 +301,17 @@ int32_t TCTConnection::DeleteIndex(TCTCursorDesc* cursor, CTIdxDesc* index) {
   if (ordinal < 0) return kCtInvalidIndexDesc;
   const CTDbIntf::TLoadAlignment a = Alignment();
   const CTIdxDesc victim = cursor->Indexes[static_cast<size_t>(ordinal)];
-  const int32_t setOrdinal = victim.IndexId - cursor->DataFileNo - 1;
+  // An index of the table's IFIL is found there by name (an unnamed one by its place).
+  int32_t setOrdinal = -1;
+  for (size_t i = 0; i < cursor->Ifil.ix.size() && setOrdinal < 0; ++i) {
+    const IidxDefinition& ix = cursor->Ifil.ix[i];
+    const std::string name = ix.ridxnam && !ix.ridxnam->empty() ? *ix.ridxnam : std::to_string(i);
+    if (name == victim.Name) setOrdinal = static_cast<int32_t>(i);
+  }
   try {
-    if (setOrdinal >= 0 && static_cast<size_t>(setOrdinal) < cursor->Ifil.ix.size()) {
-      // An index of the table's own set: its definition goes from the stored IFIL.
+    if (setOrdinal >= 0) {
+      // Its definition goes from the stored IFIL; the engine drops its keys (and its index file
+      // when no other index uses it).
       IfilDefinition ifil = cursor->Ifil;
       ifil.ix.erase(ifil.ix.begin() + setOrdinal);
       ifil.dfilno = cursor->DataFileNo;

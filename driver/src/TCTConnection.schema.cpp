@@ -122,14 +122,30 @@ int32_t TCTConnection::ReadFieldsDescriptions(TCTCursorDesc* cursor) {
   return 0;
 }
 
+// The list follows the table's IFIL as the cursor keeps it (AddIndex and DeleteIndex update
+// it); indexes keep the key numbers they were given, and index files opened with OpenIndex,
+// which are not part of the IFIL, stay at the end.
 int32_t TCTConnection::InitIndexes(TCTCursorDesc* cursor) {
   if (cursor == nullptr) return kCtInvalidCursor;
-  cursor->ClearIndexes();
+  const std::vector<CTIdxDesc> known = cursor->Indexes;
+  cursor->IndexCount = static_cast<int32_t>(cursor->Ifil.ix.size());
+  std::vector<CTIdxDesc> rebuilt;
   for (int32_t ordinal = 0; ordinal < cursor->IndexCount; ++ordinal) {
     CTIdxDesc desc;
-    if (const int32_t r = GetIndexDesc(cursor, ordinal, desc)) return r;
-    cursor->Indexes.push_back(desc);
+    if (const int32_t r = GetIndexDesc(cursor, ordinal, desc)) {
+      cursor->IndexCount = static_cast<int32_t>(known.size());
+      return r;
+    }
+    rebuilt.push_back(desc);
   }
+  for (const CTIdxDesc& index : known) {
+    const bool inSet = std::any_of(rebuilt.begin(), rebuilt.end(), [&](const CTIdxDesc& d) {
+      return d.Name == index.Name || d.IndexId == index.IndexId;
+    });
+    if (!inSet) rebuilt.push_back(index);
+  }
+  cursor->Indexes = std::move(rebuilt);
+  cursor->IndexCount = static_cast<int32_t>(cursor->Indexes.size());
   return 0;
 }
 
@@ -141,7 +157,11 @@ int32_t TCTConnection::GetIndexDesc(TCTCursorDesc* cursor, int32_t ordinal, CTId
   const IidxDefinition& index = cursor->Ifil.ix[static_cast<size_t>(ordinal)];
 
   desc.Name = index.ridxnam && !index.ridxnam->empty() ? *index.ridxnam : std::to_string(ordinal);
+  // The set opens its indexes as the numbers after the data file's; an index added later keeps
+  // the number it was given, which the cursor's list remembers.
   desc.IndexId = static_cast<int16_t>(cursor->DataFileNo + ordinal + 1);
+  for (const CTIdxDesc& listed : cursor->Indexes)
+    if (listed.Name == desc.Name) desc.IndexId = listed.IndexId;
   desc.Unique = index.ikeydup == 0 ? kWordTrue : kWordFalse;
   desc.Descending = kWordFalse;
   desc.Maintained = kWordTrue;

@@ -256,11 +256,9 @@ TEST_F(DefinitionTest, AddedIndexIsFilledAndWalked) {
   AddRow(3, 20, "b");
   ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
   CTIdxDesc byName = Index("ByName", {3}, true);
-  const int32_t added = Conn->AddIndex(Cursor.get(), &byName);
-  if (added == NSUP_ERR) GTEST_SKIP() << "the engine has no incremental indexes yet";
-  ASSERT_EQ(added, 0);
+  ASSERT_EQ(Conn->AddIndex(Cursor.get(), &byName), 0);
   EXPECT_EQ(Cursor->IndexCount, 2);
-  // Switched to directly: InitIndexes rebuilds the list from the table's IFIL alone.
+  // Switched to by name alone.
   CTIdxDesc use;
   use.Name = "ByName";
   use.IndexId = -1;
@@ -334,12 +332,67 @@ TEST_F(DefinitionTest, AnOpenedIndexFileJoinsTheCursorUntilItCloses) {
   OpenPeople();
   ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
   CTIdxDesc opened;
-  const int32_t r = Conn->OpenIndex(Cursor.get(), "side.idx", &opened);
-  if (r == NSUP_ERR) GTEST_SKIP() << "the engine cannot map an index file onto a table yet";
-  ASSERT_EQ(r, 0);
+  ASSERT_EQ(Conn->OpenIndex(Cursor.get(), "side.idx", &opened), 0);
   EXPECT_EQ(Cursor->IndexCount, 3);
   EXPECT_EQ(opened.Name, "side");
   EXPECT_EQ(Cursor->Indexes.back().IndexId, opened.IndexId);
+  AddRow(2, 10, "b");
+  AddRow(1, 20, "a");
+  ASSERT_EQ(Conn->SwitchToIndex(Cursor.get(), &opened, false), 0);
+  EXPECT_EQ(Walk(true), (std::vector<int32_t>{1, 2}));
+  ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);  // the opened file stays in the list
+  EXPECT_EQ(Cursor->IndexCount, 3);
+  EXPECT_EQ(Cursor->Indexes.back().IndexId, opened.IndexId);
+  EXPECT_EQ(Conn->CloseCursor(Cursor), 0);
+}
+
+// AddIndex then DeleteIndex, on the open table and across a reopen: the list, the key numbers
+// and the files follow.
+TEST_F(DefinitionTest, AddedIndexesAreDeletedOnAnOpenOrReopenedTable) {
+  CTTblDesc desc = People();
+  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  const std::vector<std::string> original = Files();
+  OpenPeople();
+  AddRow(1, 30, "c");
+  AddRow(2, 10, "a");
+  AddRow(3, 20, "b");
+  ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
+  CTIdxDesc byName = Index("ByName", {3}, true);
+  ASSERT_EQ(Conn->AddIndex(Cursor.get(), &byName), 0);
+  ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
+  ASSERT_EQ(Cursor->IndexCount, 3);
+  EXPECT_EQ(Cursor->Indexes.back().Name, "ByName");
+  EXPECT_EQ(Cursor->Indexes.back().IndexId, byName.IndexId);
+  ASSERT_EQ(Conn->DeleteIndex(Cursor.get(), &byName), 0);
+  EXPECT_EQ(Cursor->IndexCount, 2);
+  EXPECT_EQ(Files(), original);
+  EXPECT_EQ(Conn->DeleteIndex(Cursor.get(), &byName), kCtInvalidIndexDesc);
+
+  // Added again, then the table closes: the reopened table has it and deletes it.
+  byName = Index("ByName", {3}, true);
+  ASSERT_EQ(Conn->AddIndex(Cursor.get(), &byName), 0);
+  ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  OpenPeople(EXCLUSIVE);
+  ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
+  ASSERT_EQ(Cursor->IndexCount, 3);
+  CTIdxDesc use = Cursor->Indexes.back();
+  EXPECT_EQ(use.Name, "ByName");
+  ASSERT_EQ(Conn->SwitchToIndex(Cursor.get(), &use, false), 0);
+  EXPECT_EQ(Walk(true), (std::vector<int32_t>{2, 3, 1}));
+  ASSERT_EQ(Conn->DeleteIndex(Cursor.get(), &use), 0);
+  // An index of the created set goes too; the remaining one keeps its number and its keys.
+  CTIdxDesc byGroup = Cursor->Indexes[1];
+  ASSERT_EQ(Conn->DeleteIndex(Cursor.get(), &byGroup), 0);
+  ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
+  ASSERT_EQ(Cursor->IndexCount, 1);
+  use = Cursor->Indexes[0];
+  ASSERT_EQ(Conn->SwitchToIndex(Cursor.get(), &use, false), 0);
+  EXPECT_EQ(Walk(true), (std::vector<int32_t>{1, 2, 3}));
+  ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  EXPECT_EQ(Files(), original);
+  OpenPeople();
+  ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
+  EXPECT_EQ(Cursor->IndexCount, 1);
   EXPECT_EQ(Conn->CloseCursor(Cursor), 0);
 }
 

@@ -191,6 +191,7 @@ typedef LONG *pLONG;
 #define CT_ENOCTX 813    /* no such context */
 #define CT_ERESDUP 814   /* a resource with that type and number already exists */
 #define CT_ETRAN 815     /* no transaction / lock set for the call, one already begun, or no such save point */
+#define CT_EUNMAPPED 816 /* index file opened on its own: map it onto a data file (setimap) first */
 #define CT_EBADPARM 820  /* malformed parameter file (sysio of GetCtreeError: the line number) */
 
 /* ---- definition records, one block per packing ------------------------------------------- *

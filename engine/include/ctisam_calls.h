@@ -105,18 +105,27 @@ CTISAM_API COUNT CREDATX(COUNT filno, pTEXT name, UCOUNT reclen, UCOUNT xtdsiz, 
 /* Opens one data file (named exactly) as filno, without its indexes; a superfile host opens as a
  * host (GETMNAME; GETFIL FILTYP gives 2). FNOP_ERR when missing or
  * held exclusively; BPWD_ERR for a wrong password; CT_EALIGN when made by another packing;
- * CT_EDAMAGED for a foreign or damaged file; NSUP_ERR for an index file on its own (next
- * engine issue). */
+ * CT_EDAMAGED for a foreign or damaged file. An index file opens on its own: it can be mapped
+ * onto an open data file (setimap), closed or deleted; other calls on it give CT_EUNMAPPED. */
 CTISAM_API COUNT OPNFIL(COUNT filno, pTEXT name, COUNT filmod);
 CTISAM_API COUNT OPNFILX(COUNT filno, pTEXT name, COUNT filmod, pTEXT password);
-/* Closes one file (mode ignored); closing a data file also closes its open indexes. */
+/* Closes one file (mode ignored); closing a data file also closes its open indexes and removes
+ * its temporary indexes (TMPIIDXX without PRMIIDX: definitions, keys and index files) and
+ * mapped ones (setimap). Closing a mapped index removes it from its data file (the index file
+ * stays). */
 CTISAM_API COUNT CLSFIL(COUNT filno, COUNT mode);
 /* Deletes a data file (or superfile host) that is open EXCLUSIVE, with the index files of its
- * set, closing them. FMOD_ERR when it is open shared; NSUP_ERR for an index number (an index
- * leaves its table through PUTIFIL or a rebuild). */
+ * set, closing them. For an index number: deletes its index file, and every index that file
+ * holds leaves its data file with its keys (their numbers close; later indexes keep their
+ * numbers). FMOD_ERR when the file (or the index's data file) is open shared. */
 CTISAM_API COUNT DELFIL(COUNT filno);
-/* Index files and members created one by one (not supported: an index is defined by its data
- * file's IFIL; TMPIIDXX adds one to an open table). */
+/* Creates index file name (exactly as named; DCRAT_ERR when it exists) holding one index of
+ * keylen bytes (keydup 1: duplicates allowed) and room for nomemb more members, and leaves it open
+ * on its own as keyno (>= 0, FNUM_ERR otherwise) in mode filmod. CREMEM defines member membno
+ * (1..nomemb: CT_EBADARG otherwise; DCRAT_ERR when defined already) of such a file open
+ * EXCLUSIVE and unmapped (FUSE_ERR when mapped). Keys live in the data file: setimap gives the
+ * members their segments and fills them. CT_EKEYLEN for a key length out of 1..CT_MAXKEYLEN;
+ * permmask, group and password are ignored (index files hold no records). */
 CTISAM_API COUNT CREIDX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup,
                         COUNT nomemb, UCOUNT xtdsiz, COUNT filmod);
 CTISAM_API COUNT CREIDXX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup,
@@ -148,9 +157,12 @@ CTISAM_API COUNT OPNIFIL(pIFIL ifil);
 CTISAM_API COUNT OPNIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, pTEXT password);
 CTISAM_API COUNT CLIFIL(pIFIL ifil);
 CTISAM_API COUNT DELIFIL(pIFIL ifil);
-/* Replaces the stored IFIL of the open data file tfilno (dfilno when tfilno < 0). The index
- * count must stay the same (NSUP_ERR otherwise: TMPIIDXX adds indexes); CT_EBADDEF for a
- * malformed ifil. The index files and open numbers are unchanged. */
+/* Replaces the stored IFIL of the open data file dfilno. With the same index count the indexes
+ * correspond by place. With fewer, each given index must be one the file has (matched by
+ * ridxnam, an unnamed one by its key layout); the others leave the file with their keys, their
+ * numbers close, and an index file no index uses any more is deleted. CT_EBADDEF for a
+ * malformed ifil, more indexes than the file has (TMPIIDXX adds them) or an unknown index.
+ * The kept indexes keep their index files and open numbers. Mapped indexes (setimap) stay. */
 CTISAM_API COUNT PUTIFIL(pIFIL ifil);
 CTISAM_API COUNT PUTIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, pTEXT password);
 /* Returns the size of the stored IFIL image; with buf (len bytes) copies it: an IFIL followed
@@ -161,13 +173,23 @@ CTISAM_API LONG GETIFIL(COUNT datno, LONG len, pVOID buf);
  * in one transaction. pfilnam names their index file (".idx" added, placed beside the data file;
  * an index with aidxnam gets a file of that name). tfilno in: the first file number wanted for
  * them (-1: the engine picks); out: the number given to the first. The indexes are stored in
- * the table's IFIL at once and marked temporary until PRMIIDX. DCRAT_ERR when an index of
+ * the table's IFIL at once and marked temporary until PRMIIDX (a temporary index is removed,
+ * with its index file, when the data file closes). DCRAT_ERR when an index of
  * that name or an index file of that name exists; KDUP_ERR when a unique index meets a
  * duplicate; nothing is left behind on failure. */
 CTISAM_API COUNT TMPIIDXX(pIFIL ifil, LONG permmask, pTEXT group, pTEXT password);
 /* Makes the temporary indexes of data file ifil->dfilno permanent; CT_ENOTIDX when it has none. */
 CTISAM_API COUNT PRMIIDX(pIFIL ifil);
-/* Index maps (not supported: an index belongs to its data file's IFIL). */
+/* Maps index file imapno, open on its own (OPNFIL, CREIDX), onto the open data file datno: its
+ * members become indexes imapno, imapno+1, ... of datno, filled from its records in one
+ * transaction and maintained by every write, until the index file or the data file closes.
+ * Members that have no segments (CREIDX/CREMEM) take those of ifil's index of the same place,
+ * whose key length and duplicate flag must agree. ifil is the caller's IFIL of the data file:
+ * its record length must be the data file's. mode must be 0 (CT_EBADARG). CT_EBADDEF for a
+ * malformed ifil or a member that cannot be built; CT_ENOTIDX when imapno is not an index file;
+ * FUSE_ERR when it is mapped already or a member's number is in use; DCRAT_ERR when the data
+ * file has an index of that name or from that file; KDUP_ERR when a unique member meets a
+ * duplicate. GETIFIL does not list mapped indexes. */
 CTISAM_API COUNT setimap(COUNT imapno, pIFIL ifil, COUNT datno, COUNT mode);
 /* Rebuilds the closed set pfilnam+dataext (".dat"): its index files are made again from the
  * data file's stored IFIL (ifil's when it has none) and every index is refilled from the

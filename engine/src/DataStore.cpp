@@ -56,8 +56,8 @@ FileHeader ReadHeader(MDB_txn* txn, MDB_dbi meta, uint8_t kind) {
   std::memcpy(&h, raw.data(), sizeof h);
   if (std::memcmp(h.magic, kMagic, sizeof kMagic) != 0 || h.version != kVersion) Throw(CT_EDAMAGED);
   if (h.pack != LibraryPack()) Throw(CT_EALIGN);
-  // An index file opened on its own is for the next engine issue's separately opened indexes.
-  if (h.kind != kind) Throw(h.kind == kKindIndex ? NSUP_ERR : CT_EDAMAGED);
+  // An index file where a data file is wanted: OPNFIL opens it on its own instead.
+  if (h.kind != kind) Throw(h.kind == kKindIndex ? CT_ENOTDAT : CT_EDAMAGED);
   return h;
 }
 
@@ -303,6 +303,28 @@ std::shared_ptr<Env> IndexFile::Create(const std::string& path, const std::strin
     if (!place.IsMember()) RemoveFile(path);
     throw;
   }
+}
+
+FileDef IndexFile::Definition(Env& env, const std::string& path) {
+  const Place place = Locate(path);
+  std::string prefix;
+  if (place.IsMember()) prefix = MemberPrefix(FindMember(env, place.member));
+  std::string raw;
+  WithShortRead(env, [&](MDB_txn* txn) {
+    MDB_dbi meta = env.Dbi(txn, prefix + "meta", false);
+    if (!GetMeta(txn, meta, "def", raw)) Throw(CT_EDAMAGED);
+  });
+  return ParseFileDef(raw);
+}
+
+void IndexFile::PutDefinition(Env& env, const std::string& path, const FileDef& def) {
+  const Place place = Locate(path);
+  std::string prefix;
+  WriteTxn w(env);
+  if (place.IsMember()) prefix = MemberPrefix(FindMember(env, place.member));
+  MDB_dbi meta = env.Dbi(w.Get(), prefix + "meta", false);
+  PutMeta(w.Get(), meta, "def", Serialize(def));
+  w.Commit(true);
 }
 
 std::shared_ptr<Env> IndexFile::Open(const std::string& path) {

@@ -117,6 +117,10 @@ class IndexFile {
                                      const std::vector<IndexDef>& members);
   // Opens and checks the header (CT_EDAMAGED, CT_EALIGN).
   static std::shared_ptr<Env> Open(const std::string& path);
+  // The definition image the index file at path holds (its members; name: the data file's).
+  static FileDef Definition(Env& env, const std::string& path);
+  // Replaces that definition (one durable write).
+  static void PutDefinition(Env& env, const std::string& path, const FileDef& def);
 };
 
 }  // namespace cte

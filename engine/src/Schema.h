@@ -26,9 +26,12 @@ struct IndexDef {
   std::string file;      // name of the index file beside the data file, assigned at creation
   std::string cond;      // condition expression (empty: every record has a key)
   int16_t keydb = -1;    // number of the key database ("k<keydb>"), assigned when stored
-  int16_t temp = 0;      // 1 while the index is temporary (TMPIIDXX until PRMIIDX)
+  int16_t temp = 0;      // kTempIndex (TMPIIDXX until PRMIIDX) or kMappedIndex (setimap)
   std::vector<uint8_t> altseq;  // alternate collating sequence: 256 weights, or empty
 };
+
+constexpr int16_t kTempIndex = 1;    // added by TMPIIDXX and not yet made permanent
+constexpr int16_t kMappedIndex = 2;  // an index file of its own mapped by setimap
 
 struct FileDef {
   std::string name;  // pfilnam

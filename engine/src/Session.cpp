@@ -73,10 +73,16 @@ void Session::SetError(int code, int sys) {
   ierr = static_cast<COUNT>(code);
 }
 
-Handle& Session::File(int filno) {
+Handle& Session::Slot(int filno) {
   if (filno < 0 || filno >= static_cast<int>(files_.size())) Throw(FNUM_ERR);
   if (!files_[filno]) Throw(CT_ENOTOPEN);
   return *files_[filno];
+}
+
+Handle& Session::File(int filno) {
+  Handle& h = Slot(filno);
+  if (h.isIndex && !h.store) Throw(CT_EUNMAPPED);
+  return h;
 }
 
 Handle& Session::Data(int datno) {
@@ -141,7 +147,7 @@ void Session::TmpName(char* buf, long len) const {
 }
 
 void Session::GetNam(int filno, char* buf, long len) {
-  Handle& h = File(filno);
+  Handle& h = Slot(filno);
   if (!buf || len <= static_cast<long>(h.name.size())) Throw(CT_EBADARG);
   std::memcpy(buf, h.name.c_str(), h.name.size() + 1);
 }

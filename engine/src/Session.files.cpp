@@ -37,6 +37,15 @@ void CheckName(const char* name) {
   if (!name || !*name) Throw(CT_EBADARG);
 }
 
+// True when two indexes build the same keys.
+bool SameLayout(const IndexDef& a, const IndexDef& b) {
+  if (a.keylen != b.keylen || a.keytype != b.keytype || a.dup != b.dup || a.segs.size() != b.segs.size()) return false;
+  for (size_t i = 0; i < a.segs.size(); ++i)
+    if (a.segs[i].offset != b.segs[i].offset || a.segs[i].length != b.segs[i].length || a.segs[i].mode != b.segs[i].mode)
+      return false;
+  return true;
+}
+
 // The index files of a definition, in the order they are first used.
 std::vector<std::string> IndexFiles(const FileDef& d) {
   std::vector<std::string> files;
@@ -81,7 +90,13 @@ void Session::OpenFile(int filno, const char* name, int filmod, const char* pass
     files_[no] = std::move(h);
     return;
   }
-  h->store = DataStore::Open(name, password);
+  try {
+    h->store = DataStore::Open(name, password);
+  } catch (const Fail& e) {
+    if (e.code != CT_ENOTDAT || Locate(name).IsMember()) throw;
+    OpenIndexAlone(no, std::move(h), name, filmod);
+    return;
+  }
   h->name = name;
   h->path = name;
   h->mode = filmod;
@@ -101,8 +116,8 @@ void Session::LockMember(Handle& h, int filmod) {
 }
 
 void Session::CloseFile(int filno) {
-  Handle& h = File(filno);
-  if (h.isHost) {
+  Handle& h = Slot(filno);
+  if (h.isHost || !h.store) {
     Release(filno);
     return;
   }
@@ -110,20 +125,33 @@ void Session::CloseFile(int filno) {
     CloseSet(filno);
     return;
   }
-  if (files_[h.datno]) files_[h.datno]->keynos[h.ordinal] = -1;
+  Handle& data = *files_[h.datno];
+  if (h.store->def().idx[h.ordinal].temp == kMappedIndex && !(data.mode & READFIL)) {
+    DropIndexes(data, {h.ordinal});
+    return;
+  }
+  data.keynos[h.ordinal] = -1;
   Release(filno);
 }
 
 void Session::CloseSet(int datno) {
   Handle& h = Data(datno);
+  // A failure leaves the indexes in the definition, still flagged, for the next close.
+  try {
+    DropTemporary(h);
+  } catch (const Fail&) {
+  }
   for (int16_t k : h.keynos)
     if (k >= 0) Release(k);
   Release(datno);
 }
 
 void Session::DeleteFile(int filno) {
-  Handle& h = File(filno);
-  if (h.isIndex) Throw(NSUP_ERR);
+  Handle& h = Slot(filno);
+  if (h.isIndex) {
+    DeleteIndexFile(filno);
+    return;
+  }
   if (h.isHost) {
     if (h.mode & SHARED) Throw(FMOD_ERR);
     std::string path = h.path;
@@ -140,7 +168,9 @@ void Session::DeleteSet(int datno) {
   CheckWritable(h);
   std::string dir = DirOf(h.path);
   std::vector<std::string> victims{h.path};
-  for (const std::string& f : IndexFiles(h.store->def())) victims.push_back(dir + f);
+  for (const IndexDef& ix : h.store->def().idx)
+    if (ix.temp != kMappedIndex && std::find(victims.begin(), victims.end(), dir + ix.file) == victims.end())
+      victims.push_back(dir + ix.file);
   CloseSet(datno);
   for (const std::string& v : victims) RemovePath(v);
 }
@@ -255,7 +285,12 @@ void Session::Rename(int filno, const char* newname) {
 FileDef Session::GetIfil(int datno) {
   Handle& h = Data(datno);
   if (!h.store->HasIfil()) Throw(RNOT_ERR);
-  return h.store->def();
+  // Index files mapped by setimap belong to the session, not to the table's definition.
+  FileDef def = h.store->def();
+  def.idx.erase(std::remove_if(def.idx.begin(), def.idx.end(),
+                               [](const IndexDef& ix) { return ix.temp == kMappedIndex; }),
+                def.idx.end());
+  return def;
 }
 
 void Session::PutIfil(const FileDef& given) {
@@ -264,13 +299,59 @@ void Session::PutIfil(const FileDef& given) {
   FileDef def = given;
   Validate(def);
   const FileDef& old = h.store->def();
-  if (def.idx.size() != old.idx.size()) Throw(NSUP_ERR);
-  for (size_t i = 0; i < def.idx.size(); ++i) {
-    def.idx[i].file = old.idx[i].file;
-    if (def.idx[i].altseq.empty()) def.idx[i].altseq = old.idx[i].altseq;
+  size_t mapped = 0;
+  for (const IndexDef& ix : old.idx) mapped += ix.temp == kMappedIndex;
+  if (def.idx.size() > old.idx.size() - mapped) Throw(CT_EBADDEF);
+  if (def.idx.size() == old.idx.size()) {
+    for (size_t i = 0; i < def.idx.size(); ++i) {
+      def.idx[i].file = old.idx[i].file;
+      def.idx[i].keydb = old.idx[i].keydb;
+      def.idx[i].temp = old.idx[i].temp;
+      if (def.idx[i].altseq.empty()) def.idx[i].altseq = old.idx[i].altseq;
+    }
+    def.dfilno = old.dfilno;
+    WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
+    return;
+  }
+  // Fewer indexes: each given one is one the file has, matched by name (unnamed ones by
+  // layout), in order. Those left unmatched are removed with their keys (and an index file
+  // no index uses any more is deleted); mapped ones (setimap) stay.
+  std::vector<bool> used(old.idx.size(), false);
+  for (size_t o = 0; o < old.idx.size(); ++o) used[o] = old.idx[o].temp == kMappedIndex;
+  for (IndexDef& ix : def.idx) {
+    size_t o = 0;
+    for (; o < old.idx.size(); ++o)
+      if (!used[o] && (ix.name.empty() ? SameLayout(ix, old.idx[o]) : ix.name == old.idx[o].name)) break;
+    if (o == old.idx.size()) Throw(CT_EBADDEF);
+    used[o] = true;
+    ix.file = old.idx[o].file;
+    ix.keydb = old.idx[o].keydb;
+    ix.temp = old.idx[o].temp;
+    if (ix.altseq.empty()) ix.altseq = old.idx[o].altseq;
+  }
+  std::vector<size_t> dropped;
+  for (size_t o = 0; o < old.idx.size(); ++o) {
+    if (!used[o]) dropped.push_back(o);
+    if (old.idx[o].temp == kMappedIndex) def.idx.push_back(old.idx[o]);
   }
   def.dfilno = old.dfilno;
-  WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
+  // The kept indexes keep their order: the dropped ones are removed in place.
+  FileDef kept = old;
+  for (auto it = dropped.rbegin(); it != dropped.rend(); ++it) kept.idx.erase(kept.idx.begin() + *it);
+  for (size_t i = 0; i < kept.idx.size(); ++i)
+    for (const IndexDef& ix : def.idx)
+      if (ix.keydb == kept.idx[i].keydb) kept.idx[i] = ix;
+  def.idx = kept.idx;
+  if (dropped.empty()) {
+    WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
+    return;
+  }
+  std::vector<std::string> before = IndexFiles(old);
+  DropIndexes(h, dropped, def);
+  const std::string dir = DirOf(h.path);
+  std::vector<std::string> after = IndexFiles(h.store->def());
+  for (const std::string& f : before)
+    if (std::find(after.begin(), after.end(), f) == after.end()) RemovePath(dir + f);
 }
 
 std::vector<FieldDef> Session::GetFields(int datno) {

@@ -191,6 +191,19 @@ class Session {
   // TMPIIDXX: adds the indexes of `added` to open data file datno as file numbers firstKeyno..
   // (-1: the engine picks), fills them from the records; returns the first number.
   int AddIndexes(int datno, int firstKeyno, FileDef added, const char* idxext, bool temp);
+  // setimap: index file imapno, opened on its own (OPNFIL), joins open data file datno: its
+  // members become indexes imapno, imapno+1, ... of datno, filled from the records, until the
+  // index file or the data file closes. ifil is the caller's definition of the data file (its
+  // record length must match); mode must be 0.
+  void MapIndexFile(int imapno, const FileDef& ifil, int datno, int mode);
+  // CREIDX: creates index file name (DCRAT_ERR when it exists) holding one index of keylen
+  // bytes (keydup 1: duplicates) and room for nomemb members (CREMEM), and leaves it open on its
+  // own as keyno (FNUM_ERR when negative) in mode filmod. Its indexes get their segments
+  // and keys when setimap maps it onto a data file.
+  int CreateIndexFile(int keyno, const char* name, int keylen, int keytyp, int keydup, int nomemb, int filmod);
+  // CREMEM: defines member membno (1..nomemb) of the index file keyno made by CREIDX (open on its
+  // own, EXCLUSIVE). DCRAT_ERR when that member is defined already.
+  void CreateMember(int keyno, int keylen, int keytyp, int keydup, int membno);
   // PRMIIDX: the temporary indexes of datno become permanent.
   void MakePermanent(int datno);
   // RBLIFIL / CMPIFIL on a closed set.
@@ -240,6 +253,10 @@ class Session {
     int16_t datno;
     std::unique_ptr<Position> pos;
   };
+  // Any open file number, including an index file opened on its own.
+  Handle& Slot(int filno);
+  // An open file number usable for records and keys (CT_EUNMAPPED for an index file opened on
+  // its own and not mapped onto a data file).
   Handle& File(int filno);
   Handle& Data(int datno);
   Handle& Index(int keyno);
@@ -248,6 +265,17 @@ class Session {
   int16_t Claim(int filno, int count);
   void Release(int filno);
   void DropContexts(int datno);
+  // Session.mapping.cpp. Opens index file name alone as file number no.
+  void OpenIndexAlone(int16_t no, std::unique_ptr<Handle> h, const char* name, int filmod);
+  // Removes indexes (ordinals of h's definition) with their keys; their handles close and the
+  // later indexes move down.
+  void DropIndexes(Handle& h, std::vector<size_t> ordinals);
+  // The same, storing def: the remaining indexes, in their order (PUTIFIL's changes applied).
+  void DropIndexes(Handle& h, std::vector<size_t> ordinals, const FileDef& def);
+  // Removes the temporary and mapped indexes of data file h (when it closes).
+  void DropTemporary(Handle& h);
+  // DELFIL of an index: the index file with every member it holds and their keys (EXCLUSIVE).
+  void DeleteIndexFile(int keyno);
   // Empties the key database of index ordinal and adds the key of every record (inside txn).
   void FillIndex(DataStore& s, MDB_txn* txn, size_t ordinal);
   // Marks index ordinal's current keys unknown in every context of data handle `data` (and

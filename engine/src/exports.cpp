@@ -120,11 +120,17 @@ CTISAM_API COUNT OPNFIL(COUNT filno, pTEXT name, COUNT filmod) {
 }
 CTISAM_API COUNT CLSFIL(COUNT filno, COUNT) { return Run([&](Session& s) { s.CloseFile(filno); }); }
 CTISAM_API COUNT DELFIL(COUNT filno) { return Run([&](Session& s) { s.DeleteFile(filno); }); }
-CTISAM_API COUNT CREIDX(COUNT, pTEXT, COUNT, COUNT, COUNT, COUNT, UCOUNT, COUNT) { return NotSupported(); }
-CTISAM_API COUNT CREIDXX(COUNT, pTEXT, COUNT, COUNT, COUNT, COUNT, UCOUNT, COUNT, LONG, pTEXT, pTEXT) {
-  return NotSupported();
+CTISAM_API COUNT CREIDXX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup, COUNT nomemb,
+                         UCOUNT, COUNT filmod, LONG, pTEXT, pTEXT) {
+  return Run([&](Session& s) { s.CreateIndexFile(keyno, name, keylen, keytyp, keydup, nomemb, filmod); });
 }
-CTISAM_API COUNT CREMEM(COUNT, COUNT, COUNT, COUNT, COUNT) { return NotSupported(); }
+CTISAM_API COUNT CREIDX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup, COUNT nomemb,
+                        UCOUNT xtdsiz, COUNT filmod) {
+  return CREIDXX(keyno, name, keylen, keytyp, keydup, nomemb, xtdsiz, filmod, 0, nullptr, nullptr);
+}
+CTISAM_API COUNT CREMEM(COUNT keyno, COUNT keylen, COUNT keytyp, COUNT keydup, COUNT membno) {
+  return Run([&](Session& s) { s.CreateMember(keyno, keylen, keytyp, keydup, membno); });
+}
 CTISAM_API COUNT ctRENFIL(COUNT filno, pTEXT newname) {
   return Run([&](Session& s) { s.Rename(filno, newname); });
 }

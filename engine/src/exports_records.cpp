@@ -236,7 +236,9 @@ CTISAM_API COUNT PRMIIDX(pIFIL ifil) {
     s.MakePermanent(ifil->dfilno);
   });
 }
-CTISAM_API COUNT setimap(COUNT, pIFIL, COUNT, COUNT) { return NotSupported(); }
+CTISAM_API COUNT setimap(COUNT imapno, pIFIL ifil, COUNT datno, COUNT mode) {
+  return Run([&](Session& s) { s.MapIndexFile(imapno, FromIfil(ifil), datno, mode); });
+}
 CTISAM_API COUNT RBLIFILX(pIFIL ifil, pTEXT dataext, pTEXT indexext, LONG, pTEXT, pTEXT password) {
   return Run([&](Session& s) { s.Rebuild(FromIfil(ifil), dataext, indexext, password, false); });
 }

@@ -181,7 +181,11 @@ TEST_F(EngineFiles, ForeignAndDamagedFilesAreRefused) {
   ASSERT_EQ(api.CLRFIL(dat), 0);
   std::filesystem::resize_file("customers.dat", std::filesystem::file_size("customers.dat") / 2);
   EXPECT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), CT_EDAMAGED);
-  EXPECT_EQ(api.OPNFIL(0, (pTEXT) "customers.idx", SHARED), NSUP_ERR);
+  // An index file opens on its own, but gives no keys until it is mapped onto a data file.
+  ASSERT_EQ(api.OPNFIL(0, (pTEXT) "customers.idx", SHARED), 0);
+  EXPECT_EQ(api.IDXENT(0), 0);
+  EXPECT_EQ(LastError(), CT_EUNMAPPED);
+  EXPECT_EQ(api.CLSFIL(0, 0), 0);
 }
 
 TEST_F(EngineFiles, FilesRememberTheirAlignment) {
