@@ -108,6 +108,10 @@ TEST_F(TableLayerTest, ListsInIndexOrderWithFindAndRange) {
   EXPECT_EQ(out.str(), "ID\n--\n 2\n 3\n 4\n(3 records)\n");
   ASSERT_EQ(Run({"list", "people", "--from", "4", "-c", "ID"}), kExitOk) << err.str();
   EXPECT_EQ(out.str(), "ID\n--\n 4\n 5\n(2 records)\n");
+  ASSERT_EQ(Run({"list", "people", "--to", "3", "-c", "ID"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "ID\n--\n 1\n 2\n 3\n(3 records)\n");
+  ASSERT_EQ(Run({"list", "people", "--index", "ByCity", "--to", "Oslo", "-c", "ID"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "ID\n--\n 1\n 3\n 2\n 4\n(4 records)\n");
 }
 
 TEST_F(TableLayerTest, ExportsCsvAndDescribesTheTable) {
