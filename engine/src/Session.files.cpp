@@ -136,10 +136,15 @@ void Session::CloseFile(int filno) {
 
 void Session::CloseSet(int datno) {
   Handle& h = Data(datno);
-  // A failure leaves the indexes in the definition, still flagged, for the next close.
-  try {
-    DropTemporary(h);
-  } catch (const Fail&) {
+  // Temporary and mapped indexes go with the last open of the file (the only one that can make
+  // its lock exclusive). A failure leaves them in the definition, still flagged, for a later close.
+  bool temporary = false;
+  for (const IndexDef& ix : h.store->def().idx) temporary = temporary || ix.temp != 0;
+  if (temporary && h.lock && h.lock->TryExclusive()) {
+    try {
+      DropTemporary(h);
+    } catch (const Fail&) {
+    }
   }
   for (int16_t k : h.keynos)
     if (k >= 0) Release(k);

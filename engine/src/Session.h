@@ -281,8 +281,14 @@ class Session {
   // Marks index ordinal's current keys unknown in every context of data handle `data` (and
   // gives its positions room for indexes added since).
   void ForgetKeys(Handle& data, size_t ordinal);
-  // Reloads the store's definition and gives every handle of it room for indexes added since.
+  // Reloads the store's definition and remaps every handle of it (Remap).
   void Refresh(DataStore& s);
+  // The key database number of each index of def, by ordinal.
+  static std::vector<int16_t> KeyDbsOf(const FileDef& def);
+  // After the store's definition changed from one whose indexes had the key databases `before`:
+  // index handles follow their index to its new ordinal or close when it is gone; key numbers
+  // and current keys of every data handle and context follow too; new indexes get room.
+  void Remap(DataStore& s, const std::vector<int16_t>& before);
   // True while writes go to held transactions (lock set or transaction active).
   bool HoldingMode() const { return lockMode_ != FREE || tranActive_; }
   // True while reads take locks (a lock set active and not suspended).

@@ -93,12 +93,9 @@ std::string Session::GetCondition(int keyno) {
 }
 
 void Session::Refresh(DataStore& s) {
+  const std::vector<int16_t> before = KeyDbsOf(s.def());
   s.Reload();
-  for (auto& p : files_) {
-    if (!p || p->isIndex || p->store.get() != &s) continue;
-    p->keynos.resize(s.IndexCount(), -1);
-    ForgetKeys(*p, s.IndexCount());
-  }
+  Remap(s, before);
 }
 
 void Session::ForgetKeys(Handle& data, size_t ordinal) {
