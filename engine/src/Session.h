@@ -274,6 +274,9 @@ class Session {
   void DropIndexes(Handle& h, std::vector<size_t> ordinals, const FileDef& def);
   // Removes the temporary and mapped indexes of data file h (when it closes).
   void DropTemporary(Handle& h);
+  // DropTemporary when h is the last open of its file anywhere (its lock can become exclusive);
+  // a failure leaves the indexes flagged for a later close or a rebuild.
+  void DropTemporaryIfLast(Handle& h);
   // DELFIL of an index: the index file with every member it holds and their keys (EXCLUSIVE).
   void DeleteIndexFile(int keyno);
   // Empties the key database of index ordinal and adds the key of every record (inside txn).

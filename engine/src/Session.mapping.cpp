@@ -223,6 +223,17 @@ void Session::DropTemporary(Handle& h) {
   for (const std::string& f : owned) RemovePath(f);
 }
 
+void Session::DropTemporaryIfLast(Handle& h) {
+  bool temporary = false;
+  for (const IndexDef& ix : h.store->def().idx) temporary = temporary || ix.temp != 0;
+  if (!temporary || !h.lock || !h.lock->TryExclusive()) return;
+  // A failure leaves them in the definition, still flagged, for a later close or a rebuild.
+  try {
+    DropTemporary(h);
+  } catch (const Fail&) {
+  }
+}
+
 void Session::DeleteIndexFile(int keyno) {
   Handle& k = Slot(keyno);
   if (k.mode & SHARED) Throw(FMOD_ERR);

@@ -111,6 +111,13 @@ TEST_F(EngineMapping, TemporaryIndexGoesWhenItsTableCloses) {
   EXPECT_EQ(IndexCount(dat), 2);
   EXPECT_EQ(api.GETFIL(k, FILTYP), -1);
   EXPECT_FALSE(std::filesystem::exists("byname.idx"));
+  // The end of the session closes the table too.
+  AddByName(dat, false);
+  ASSERT_EQ(api.CLISAM(), 0);
+  ASSERT_EQ(api.INTISAMX(10, 64, 16, 10, 0, nullptr, nullptr, nullptr), 0);
+  EXPECT_FALSE(std::filesystem::exists("byname.idx"));
+  ASSERT_EQ(api.OPNRFIL(dat, (pTEXT) "customers.dat", EXCLUSIVE), 0);
+  EXPECT_EQ(IndexCount(dat), 2);
   // A permanent one stays.
   k = AddByName(dat, true);
   Reopen(dat);
