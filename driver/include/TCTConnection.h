@@ -277,6 +277,27 @@ class TCTConnection : public fw::TComponent {
   int32_t CheckRecord(TCTCursorDesc* cursor, TCTCustomRecordBuffer* oldBuffer,
                       TCTCustomRecordBuffer* newBuffer = nullptr);
 
+  // ---- transactions (TCTConnection.transactions.cpp)
+  // A transaction groups the record changes made through every dataset open on this connection
+  // (and on any other connection of the same Alignment, which shares the engine's session): they
+  // become visible to others and durable together at Commit, and Rollback discards all of them.
+  // Open datasets stay open across Commit and Rollback; after a Rollback their record buffers
+  // may still show records that were rolled back, so move or refresh them before reading on.
+  // Record locks taken for changes inside the transaction are held until it ends. Unlike the
+  // storage methods above, these four raise, as applications expect of a database component:
+  // ECtreeException with the engine's number (47 when the connection is not active, 815 for a
+  // transaction already begun or none to end).
+  /// Begins a transaction. Raises 47 when inactive, 815 when one is already open.
+  void StartTransaction();
+  /// Commits the open transaction's changes together and releases its locks. Raises 815 when
+  /// there is none; when the engine refuses the commit the changes are discarded, the
+  /// transaction is over and the engine's number is raised.
+  void Commit();
+  /// Discards the open transaction's changes and releases its locks. Raises 815 when none.
+  void Rollback();
+  /// Whether a transaction begun here is open. Deactivating the connection rolls it back.
+  bool InTransaction() const { return FInTransaction; }
+
   // ---- table and index definition (TCTConnection.definition.cpp)
   /// Creates a table from `desc` in directory `path` (empty: current), or as member host!name
   /// when `path` names a file; `overwrite` deletes an old one first. Index conditions are applied;
@@ -358,6 +379,7 @@ class TCTConnection : public fw::TComponent {
   std::string FIndexExt;
   std::string FSuperFileExt;
   std::vector<fw::TDataSet*> FDataSets;
+  bool FInTransaction = false;
 };
 
 }  // namespace Ctdb

@@ -79,6 +79,11 @@ void TCTConnection::SetActive(bool value) {
     FActive = true;
     return;
   }
+  // An open transaction is rolled back, not left to whatever ending the session does with it.
+  if (FInTransaction) {
+    (void)CTDbIntf::TranAbort(FAlignment);
+    FInTransaction = false;
+  }
   // Last opened first; each close takes the dataset off the list. A dataset that stays
   // registered after closing is dropped here so that the loop ends.
   while (!FDataSets.empty()) {

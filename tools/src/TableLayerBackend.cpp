@@ -105,10 +105,13 @@ class TableLayerCursor : public TableCursor {
       throw;
     }
   }
-  bool HasTransactions() const override { return false; }
-  void StartTransaction() override { NotYet("transactions"); }
-  void Commit() override { NotYet("transactions"); }
-  void Rollback() override { NotYet("transactions"); }
+  bool HasTransactions() const override { return true; }
+  void StartTransaction() override { Connection().StartTransaction(); }
+  void Commit() override { Connection().Commit(); }
+  void Rollback() override {
+    // A commit the engine refused has already discarded the transaction: nothing is left to undo.
+    if (Connection().InTransaction()) Connection().Rollback();
+  }
   void AddIndex(const IndexSpec& index) override {
     // Flag4 set: the engine maintains the index's keys itself.
     FTable->AddIndex(index.Name, index.FieldsText(), "", true, false, index.Options());
@@ -128,6 +131,8 @@ class TableLayerCursor : public TableCursor {
   }
 
  private:
+  Ctdb::TCTConnection& Connection() const { return *FTable->Connection(); }
+
   std::unique_ptr<CTTables::TCTTable> FTable;
   KeyValues FFrom;
 };

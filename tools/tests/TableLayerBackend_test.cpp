@@ -189,5 +189,29 @@ TEST_F(TableLayerTest, CreateImportChangeIndexesAndDrop) {
   EXPECT_EQ(Run({"info", "orders"}), kExitNotFound);
 }
 
+TEST_F(TableLayerTest, BatchesAreCommittedOrRolledBackAndTheImportResumes) {
+  ASSERT_EQ(Run({"create", "t", "-f", "id:integer,name:string:10", "-x", "byid:id:primary"}), kExitOk) << err.str();
+  const fs::path bad = dir / "bad.csv";
+  std::ofstream(bad) << "id,name\n1,a\n2,b\n3,c\n1,dup\n5,e\n";
+  EXPECT_EQ(Run({"import", "t", bad.string(), "--batch-size", "2", "--stop-on-error"}), kExitRejected);
+  EXPECT_NE(err.str().find("line 5: Key value already exists (error 2)"), std::string::npos) << err.str();
+  EXPECT_NE(err.str().find("the batch from line 4 on was rolled back"), std::string::npos) << err.str();
+  EXPECT_NE(err.str().find("rerun with --skip-rows 2"), std::string::npos) << err.str();
+  ASSERT_EQ(Run({"export", "t"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "id,name\r\n1,a\r\n2,b\r\n");
+
+  const fs::path fixed = dir / "fixed.csv";
+  std::ofstream(fixed) << "id,name\n1,a\n2,b\n3,c\n4,d\n5,e\n";
+  ASSERT_EQ(Run({"import", "t", fixed.string(), "--batch-size", "2", "--skip-rows", "2"}), kExitOk) << err.str();
+  ASSERT_EQ(Run({"export", "t"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "id,name\r\n1,a\r\n2,b\r\n3,c\r\n4,d\r\n5,e\r\n");
+
+  // One transaction for the whole file: all rows or none.
+  std::ofstream(bad) << "id,name\n6,f\n7,g\n7,dup\n";
+  EXPECT_EQ(Run({"import", "t", bad.string(), "--batch-size", "0", "--stop-on-error"}), kExitRejected);
+  ASSERT_EQ(Run({"info", "t"}), kExitOk) << err.str();
+  EXPECT_NE(out.str().find("records  5\n"), std::string::npos) << out.str();
+}
+
 }  // namespace
 }  // namespace ctt
