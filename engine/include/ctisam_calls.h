@@ -109,9 +109,9 @@ CTISAM_API COUNT CREDATX(COUNT filno, pTEXT name, UCOUNT reclen, UCOUNT xtdsiz, 
  * onto an open data file (setimap), closed or deleted; other calls on it give CT_EUNMAPPED. */
 CTISAM_API COUNT OPNFIL(COUNT filno, pTEXT name, COUNT filmod);
 CTISAM_API COUNT OPNFILX(COUNT filno, pTEXT name, COUNT filmod, pTEXT password);
-/* Closes one file (mode ignored); closing a data file also closes its open indexes and removes
- * its temporary indexes (TMPIIDXX without PRMIIDX: definitions, keys and index files) and
- * mapped ones (setimap). Closing a mapped index removes it from its data file (the index file
+/* Closes one file (mode ignored); closing a data file also closes its open indexes, and the
+ * last open of it anywhere removes its temporary indexes (TMPIIDXX without PRMIIDX:
+ * definitions, keys and index files) and mapped ones (setimap). Closing a mapped index removes it from its data file (the index file
  * stays). */
 CTISAM_API COUNT CLSFIL(COUNT filno, COUNT mode);
 /* Deletes a data file (or superfile host) that is open EXCLUSIVE, with the index files of its

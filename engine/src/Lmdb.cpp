@@ -317,6 +317,8 @@ FileLock::FileLock(const std::string& path, bool exclusive) {
   }
 }
 
+bool FileLock::TryExclusive() { return fd_ >= 0 && ::flock(fd_, LOCK_EX | LOCK_NB) == 0; }
+
 FileLock::~FileLock() {
   if (fd_ >= 0) ::close(fd_);
 }

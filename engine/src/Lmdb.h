@@ -108,6 +108,9 @@ class FileLock {
   // Locks path shared or exclusive without waiting; throws Fail FNOP_ERR when refused.
   FileLock(const std::string& path, bool exclusive);
   ~FileLock();
+  // Makes the lock exclusive without waiting; false when another open holds the file (the lock
+  // may then have been given up: only for a file about to be closed).
+  bool TryExclusive();
   FileLock(const FileLock&) = delete;
   FileLock& operator=(const FileLock&) = delete;
 

@@ -57,6 +57,8 @@ void Session::Close() {
   tranActive_ = false;
   lockMode_ = FREE;
   suspended_ = false;
+  for (auto& f : files_)
+    if (f && f->store && !f->isIndex) DropTemporaryIfLast(*f);
   ReleaseSetLocks();
   contexts_.clear();
   for (auto& f : files_)

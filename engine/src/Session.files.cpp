@@ -136,11 +136,7 @@ void Session::CloseFile(int filno) {
 
 void Session::CloseSet(int datno) {
   Handle& h = Data(datno);
-  // A failure leaves the indexes in the definition, still flagged, for the next close.
-  try {
-    DropTemporary(h);
-  } catch (const Fail&) {
-  }
+  DropTemporaryIfLast(h);
   for (int16_t k : h.keynos)
     if (k >= 0) Release(k);
   Release(datno);
@@ -211,10 +207,16 @@ int Session::OpenIfil(int filno, const std::string& path, int filmod, const char
   h->store = DataStore::Open(path, password);
   if (!h->store->HasIfil()) Throw(RNOT_ERR);
   const FileDef& def = h->store->def();
-  int16_t no = Claim(filno, 1 + static_cast<int>(def.idx.size()));
+  // Indexes another open mapped (setimap) are maintained but get no number here.
+  auto mapped = [&](size_t i) { return def.idx[i].temp == kMappedIndex; };
+  int count = 0;
+  for (size_t i = 0; i < def.idx.size(); ++i) count += mapped(i) ? 0 : 1;
+  int16_t no = Claim(filno, 1 + count);
   std::string dir = DirOf(path);
   std::map<std::string, std::pair<std::shared_ptr<Env>, std::shared_ptr<FileLock>>> idxFiles;
   for (const std::string& f : IndexFiles(def)) {
+    if (std::all_of(def.idx.begin(), def.idx.end(), [&](const IndexDef& ix) { return ix.file != f || ix.temp == kMappedIndex; }))
+      continue;
     std::shared_ptr<FileLock> lock = LockPath(dir + f, exclusive);
     // The data file is sound but its index file is not: the set must be rebuilt (RBLIFIL).
     try {
@@ -231,7 +233,12 @@ int Session::OpenIfil(int filno, const std::string& path, int filmod, const char
   h->self = no;
   LockMember(*h, filmod);
   h->base = std::make_unique<Position>(def.idx.size());
+  int16_t next = static_cast<int16_t>(no + 1);
   for (size_t i = 0; i < def.idx.size(); ++i) {
+    if (mapped(i)) {
+      h->keynos.push_back(-1);
+      continue;
+    }
     auto k = std::make_unique<Handle>();
     k->isIndex = true;
     k->name = dir + def.idx[i].file;
@@ -241,10 +248,10 @@ int Session::OpenIfil(int filno, const std::string& path, int filmod, const char
     k->idxEnv = idxFiles[def.idx[i].file].first;
     k->idxLock = idxFiles[def.idx[i].file].second;
     k->datno = no;
-    k->self = static_cast<int16_t>(no + 1 + i);
+    k->self = next;
     k->ordinal = i;
-    h->keynos.push_back(static_cast<int16_t>(no + 1 + i));
-    files_[no + 1 + i] = std::move(k);
+    h->keynos.push_back(next);
+    files_[next++] = std::move(k);
   }
   files_[no] = std::move(h);
   return no;
@@ -261,6 +268,7 @@ void Session::Rename(int filno, const char* newname) {
   FileDef def = h.store->def();
   std::map<std::string, std::string> moves;
   for (IndexDef& ix : def.idx) {
+    if (ix.temp == kMappedIndex) continue;  // another table's file: it keeps its name
     std::string to = ix.file.compare(0, oldBase.size(), oldBase) == 0 ? newBase + ix.file.substr(oldBase.size()) : ix.file;
     moves[ix.file] = to;
     ix.file = to;

@@ -274,6 +274,9 @@ class Session {
   void DropIndexes(Handle& h, std::vector<size_t> ordinals, const FileDef& def);
   // Removes the temporary and mapped indexes of data file h (when it closes).
   void DropTemporary(Handle& h);
+  // DropTemporary when h is the last open of its file anywhere (its lock can become exclusive);
+  // a failure leaves the indexes flagged for a later close or a rebuild.
+  void DropTemporaryIfLast(Handle& h);
   // DELFIL of an index: the index file with every member it holds and their keys (EXCLUSIVE).
   void DeleteIndexFile(int keyno);
   // Empties the key database of index ordinal and adds the key of every record (inside txn).
@@ -281,8 +284,14 @@ class Session {
   // Marks index ordinal's current keys unknown in every context of data handle `data` (and
   // gives its positions room for indexes added since).
   void ForgetKeys(Handle& data, size_t ordinal);
-  // Reloads the store's definition and gives every handle of it room for indexes added since.
+  // Reloads the store's definition and remaps every handle of it (Remap).
   void Refresh(DataStore& s);
+  // The key database number of each index of def, by ordinal.
+  static std::vector<int16_t> KeyDbsOf(const FileDef& def);
+  // After the store's definition changed from one whose indexes had the key databases `before`:
+  // index handles follow their index to its new ordinal or close when it is gone; key numbers
+  // and current keys of every data handle and context follow too; new indexes get room.
+  void Remap(DataStore& s, const std::vector<int16_t>& before);
   // True while writes go to held transactions (lock set or transaction active).
   bool HoldingMode() const { return lockMode_ != FREE || tranActive_; }
   // True while reads take locks (a lock set active and not suspended).

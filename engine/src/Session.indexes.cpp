@@ -93,12 +93,9 @@ std::string Session::GetCondition(int keyno) {
 }
 
 void Session::Refresh(DataStore& s) {
+  const std::vector<int16_t> before = KeyDbsOf(s.def());
   s.Reload();
-  for (auto& p : files_) {
-    if (!p || p->isIndex || p->store.get() != &s) continue;
-    p->keynos.resize(s.IndexCount(), -1);
-    ForgetKeys(*p, s.IndexCount());
-  }
+  Remap(s, before);
 }
 
 void Session::ForgetKeys(Handle& data, size_t ordinal) {
@@ -202,6 +199,17 @@ void Session::Rebuild(const FileDef& given, const char* dataext, const char* idx
     std::unique_ptr<FileLock> lock = LockPath(path, true);
     std::shared_ptr<DataStore> s = DataStore::Open(path, password);
     FileDef def = s->HasIfil() ? s->def() : given;
+    // Nobody has the set open: temporary and mapped indexes left by an open that ended without
+    // closing go (their keys are emptied below; a temporary index's file is deleted).
+    std::vector<MDB_dbi> stale;
+    std::vector<std::string> gone;
+    for (size_t i = 0; s->HasIfil() && i < def.idx.size(); ++i) {
+      if (def.idx[i].temp == 0) continue;
+      stale.push_back(s->KeyDbi(i));
+      if (def.idx[i].temp == kTempIndex) gone.push_back(dir + def.idx[i].file);
+    }
+    def.idx.erase(std::remove_if(def.idx.begin(), def.idx.end(), [](const IndexDef& ix) { return ix.temp != 0; }),
+                  def.idx.end());
     if (!s->HasIfil()) {
       Validate(def);
       for (IndexDef& ix : def.idx) ix.file = BaseOf((ix.fileName.empty() ? def.name : ix.fileName) + ext);
@@ -221,9 +229,11 @@ void Session::Rebuild(const FileDef& given, const char* dataext, const char* idx
     }
     Env& env = s->env();
     WriteTxn w(env);
+    for (MDB_dbi dbi : stale) Check(mdb_drop(w.Get(), dbi, 0));
     s->PutDef(w.Get(), def);
     for (size_t i = 0; i < def.idx.size(); ++i) FillIndex(*s, w.Get(), i);
     w.Commit(true);
+    for (const std::string& f : gone) RemovePath(f);
     if (!compact) return;
     // The compacting copy leaves out the free pages; it replaces the file while nobody has it
     // open (the exclusive lock is still held).

@@ -44,7 +44,7 @@ void Session::EndHeld(bool commit) {
   // Definitions cached by the stores may have changed inside what was aborted.
   if (!commit || failure) {
     for (auto& f : files_)
-      if (f && f->store && !f->isIndex) f->store->Reload();
+      if (f && f->store && !f->isIndex) Refresh(*f->store);
   }
   if (failure) Throw(failure, sys);
 }
@@ -208,7 +208,7 @@ void Session::TranRestore(int savepoint) {
   }
   savepoints_ = savepoint;
   for (auto& f : files_)
-    if (f && f->store && !f->isIndex) f->store->Reload();
+    if (f && f->store && !f->isIndex) Refresh(*f->store);
 }
 
 }  // namespace cte

@@ -157,42 +157,55 @@ void Session::DropIndexes(Handle& h, std::vector<size_t> ordinals) {
 
 void Session::DropIndexes(Handle& h, std::vector<size_t> ordinals, const FileDef& def) {
   if (ordinals.empty()) return;
-  std::sort(ordinals.begin(), ordinals.end());
   DataStore& s = *h.store;
+  const std::vector<int16_t> before = KeyDbsOf(s.def());
   std::vector<MDB_dbi> victims;
   for (size_t o : ordinals) victims.push_back(s.KeyDbi(o));
   WriteDefinition(h, [&](MDB_txn* txn) {
     for (MDB_dbi dbi : victims) Check(mdb_drop(txn, dbi, 0));
     s.PutDef(txn, def);
   });
-  // Later indexes move down: their handles, key numbers and current keys follow.
-  auto gone = [&](size_t o) { return std::binary_search(ordinals.begin(), ordinals.end(), o); };
-  auto below = [&](size_t o) {
-    return static_cast<size_t>(std::lower_bound(ordinals.begin(), ordinals.end(), o) - ordinals.begin());
-  };
-  auto squeeze = [&](Position& p) {
-    std::vector<std::unique_ptr<KeyPos>> kept;
-    for (size_t o = 0; o < p.keys.size(); ++o)
-      if (!gone(o)) kept.push_back(std::move(p.keys[o]));
-    p.keys = std::move(kept);
+  Remap(s, before);
+}
+
+std::vector<int16_t> Session::KeyDbsOf(const FileDef& def) {
+  std::vector<int16_t> keydbs;
+  for (const IndexDef& ix : def.idx) keydbs.push_back(ix.keydb);
+  return keydbs;
+}
+
+void Session::Remap(DataStore& s, const std::vector<int16_t>& before) {
+  // An index is known by its key database number: where it is now, or -1 when it is gone.
+  const std::vector<int16_t> after = KeyDbsOf(s.def());
+  std::vector<long> moved(before.size(), -1);
+  for (size_t o = 0; o < before.size(); ++o)
+    for (size_t n = 0; n < after.size(); ++n)
+      if (after[n] == before[o]) moved[o] = static_cast<long>(n);
+  auto remapKeys = [&](Position& p) {
+    std::vector<std::unique_ptr<KeyPos>> keys(after.size());
+    for (size_t o = 0; o < p.keys.size() && o < moved.size(); ++o)
+      if (moved[o] >= 0) keys[moved[o]] = std::move(p.keys[o]);
+    for (auto& k : keys)
+      if (!k) k = std::make_unique<KeyPos>();
+    p.keys = std::move(keys);
   };
   for (auto& p : files_) {
     if (!p || p->store.get() != &s) continue;
     if (p->isIndex) {
-      if (gone(p->ordinal)) {
+      if (p->ordinal >= moved.size() || moved[p->ordinal] < 0) {
         Release(p->self);
         continue;
       }
-      p->ordinal -= below(p->ordinal);
+      p->ordinal = static_cast<size_t>(moved[p->ordinal]);
       continue;
     }
-    std::vector<int16_t> keynos;
-    for (size_t o = 0; o < p->keynos.size(); ++o)
-      if (!gone(o)) keynos.push_back(p->keynos[o]);
+    std::vector<int16_t> keynos(after.size(), -1);
+    for (size_t o = 0; o < p->keynos.size() && o < moved.size(); ++o)
+      if (moved[o] >= 0) keynos[moved[o]] = p->keynos[o];
     p->keynos = std::move(keynos);
-    squeeze(*p->base);
+    remapKeys(*p->base);
     for (auto& [id, ctx] : contexts_)
-      if (ctx.datno == p->self) squeeze(*ctx.pos);
+      if (ctx.datno == p->self) remapKeys(*ctx.pos);
   }
 }
 
@@ -208,6 +221,17 @@ void Session::DropTemporary(Handle& h) {
   if (ordinals.empty() || (h.mode & READFIL)) return;
   DropIndexes(h, ordinals);
   for (const std::string& f : owned) RemovePath(f);
+}
+
+void Session::DropTemporaryIfLast(Handle& h) {
+  bool temporary = false;
+  for (const IndexDef& ix : h.store->def().idx) temporary = temporary || ix.temp != 0;
+  if (!temporary || !h.lock || !h.lock->TryExclusive()) return;
+  // A failure leaves them in the definition, still flagged, for a later close or a rebuild.
+  try {
+    DropTemporary(h);
+  } catch (const Fail&) {
+  }
 }
 
 void Session::DeleteIndexFile(int keyno) {

@@ -111,11 +111,52 @@ TEST_F(EngineMapping, TemporaryIndexGoesWhenItsTableCloses) {
   EXPECT_EQ(IndexCount(dat), 2);
   EXPECT_EQ(api.GETFIL(k, FILTYP), -1);
   EXPECT_FALSE(std::filesystem::exists("byname.idx"));
+  // The end of the session closes the table too.
+  AddByName(dat, false);
+  ASSERT_EQ(api.CLISAM(), 0);
+  ASSERT_EQ(api.INTISAMX(10, 64, 16, 10, 0, nullptr, nullptr, nullptr), 0);
+  EXPECT_FALSE(std::filesystem::exists("byname.idx"));
+  ASSERT_EQ(api.OPNRFIL(dat, (pTEXT) "customers.dat", EXCLUSIVE), 0);
+  EXPECT_EQ(IndexCount(dat), 2);
   // A permanent one stays.
   k = AddByName(dat, true);
   Reopen(dat);
   EXPECT_EQ(IndexCount(dat), 3);
   EXPECT_EQ(api.IDXENT(dat + 3), 8);
+}
+
+TEST_F(EngineMapping, TemporaryIndexesStayWhileAnotherOpenHasTheTable) {
+  COUNT dat = Filled(6, SHARED);
+  ASSERT_EQ(api.OPNRFIL(20, (pTEXT) "customers.dat", SHARED), 0);
+  COUNT k = AddByName(dat, false);
+  ASSERT_EQ(api.CLRFIL(dat), 0);  // the other open still has the table: the index stays
+  EXPECT_EQ(IndexCount(20), 3);
+  EXPECT_TRUE(std::filesystem::exists("byname.idx"));
+  EXPECT_EQ(api.GETFIL(k, FILTYP), -1);
+  ASSERT_EQ(Add(20, 7, "aaa", "Rome"), 0);
+  ASSERT_EQ(api.CLRFIL(20), 0);  // the last open removes it
+  EXPECT_FALSE(std::filesystem::exists("byname.idx"));
+  ASSERT_EQ(api.OPNRFIL(dat, (pTEXT) "customers.dat", SHARED), 0);
+  EXPECT_EQ(IndexCount(dat), 2);
+  EXPECT_EQ(api.IDXENT(dat + 2), 7);
+}
+
+TEST_F(EngineMapping, AnotherOpenFollowsIndexesDroppedThroughTheFirst) {
+  COUNT dat = Filled(6, SHARED);
+  COUNT k = AddByName(dat, true);
+  ASSERT_EQ(api.OPNRFIL(20, (pTEXT) "customers.dat", SHARED), 0);  // by_name is 23 here
+  IIDX two[2] = {def_.idx[0], nameIdx[0]};
+  IFIL put = {(pTEXT) "customers", dat, sizeof(Customer), 0, SHARED, 2, 0, SHARED, two, nullptr, nullptr, -1};
+  ASSERT_EQ(api.PUTIFIL(&put), 0);
+  EXPECT_EQ(api.IDXENT(22), 0);
+  EXPECT_EQ(LastError(), CT_ENOTOPEN);
+  EXPECT_EQ(api.IDXENT(23), 6);
+  ASSERT_EQ(Add(20, 7, "aaa", "Rome"), 0);
+  Customer c{};
+  ASSERT_EQ(api.FRSREC(23, &c), 0);
+  EXPECT_STREQ(c.name, "aaa");
+  EXPECT_EQ(api.IDXENT(k), 7);
+  EXPECT_EQ(api.IDXENT(21), 7);
 }
 
 TEST_F(EngineMapping, DeletingAnIndexFileTakesItsKeysAndMovesLaterIndexesDown) {

@@ -295,4 +295,66 @@ TEST_F(EngineProcess, FullDiskIsReportedAndCommittedRecordsStay) {
   EXPECT_EQ(last, report[0] - 1);
 }
 
+// A process adds, maps and drops indexes and dies without closing: the other process follows
+// the dropped index and maintains the others; its close, the last, removes what the dead one left.
+TEST_F(EngineProcess, IndexesChangedByAnotherProcessAreFollowedAndItsLeftoversGo) {
+  static ISEG nameSeg[1] = {{4, 30, REGSEG}};
+  static IIDX nameIdx[1] = {{34, 0, 1, 0, 0, 1, nameSeg, (pTEXT) "by_name", nullptr, nullptr, nullptr}};
+  static ISEG citySeg[1] = {{34, 20, REGSEG}};
+  static IIDX cityIdx[1] = {{24, 0, 1, 0, 0, 1, citySeg, (pTEXT) "side_city", nullptr, nullptr, nullptr}};
+  IFIL side = {(pTEXT) "side", -1, sizeof(Customer), 0, SHARED, 1, 0, SHARED, cityIdx, nullptr, nullptr, -1};
+  ASSERT_EQ(api.CREIFIL(&side), 0);
+  ASSERT_EQ(api.CLRFIL(side.tfilno), 0);
+  COUNT dat = CreateCustomers();
+  for (int id = 1; id <= 5; ++id) ASSERT_EQ(Add(dat, id, "n", "C"), 0);
+  IFIL ifil = def_.ifil;
+  pid_t pid = Spawn([&](EngineApi& e) {
+    if (e.OPNRFIL(0, (pTEXT) "customers.dat", SHARED) != 0) return 1;
+    IFIL add = {(pTEXT) "byname", 0, sizeof(Customer), 0, SHARED, 1, 0, SHARED, nameIdx, nullptr, nullptr, -1};
+    if (e.TMPIIDXX(&add, 0, nullptr, nullptr) != 0) return 2;
+    if (e.OPNFIL(10, (pTEXT) "side.idx", SHARED) != 0 || e.setimap(10, &ifil, 0, 0) != 0) return 3;
+    IIDX kept[2] = {ifil.ix[0], nameIdx[0]};
+    IFIL put = ifil;
+    put.dfilno = 0;
+    put.dnumidx = 2;
+    put.ix = kept;
+    if (e.PUTIFIL(&put) != 0) return 4;
+    return 0;  // no close: the temporary and mapped indexes stay in the definition
+  });
+  ASSERT_EQ(Wait(pid), 0);
+  ASSERT_EQ(Add(dat, 6, "n", "C"), 0);
+  EXPECT_EQ(api.IDXENT(dat + 2), 0);
+  EXPECT_EQ(api.IDXENT(dat + 1), 6);
+  std::vector<char> image(4096);
+  ASSERT_GT(api.GETIFIL(dat, static_cast<LONG>(image.size()), image.data()), 0);
+  EXPECT_EQ(reinterpret_cast<IFIL*>(image.data())->dnumidx, 2);  // the mapped index is not listed
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  EXPECT_FALSE(std::filesystem::exists("byname.idx"));
+  EXPECT_TRUE(std::filesystem::exists("side.idx"));
+  ASSERT_EQ(api.OPNRFIL(dat, (pTEXT) "customers.dat", SHARED), 0);
+  ASSERT_GT(api.GETIFIL(dat, static_cast<LONG>(image.size()), image.data()), 0);
+  EXPECT_EQ(reinterpret_cast<IFIL*>(image.data())->dnumidx, 1);
+  EXPECT_EQ(api.IDXENT(dat + 1), 6);
+}
+
+TEST_F(EngineProcess, RebuildRemovesTheTemporaryIndexOfAProcessThatDied) {
+  static ISEG nameSeg[1] = {{4, 30, REGSEG}};
+  static IIDX nameIdx[1] = {{34, 0, 1, 0, 0, 1, nameSeg, (pTEXT) "by_name", nullptr, nullptr, nullptr}};
+  COUNT dat = CreateCustomers();
+  for (int id = 1; id <= 5; ++id) ASSERT_EQ(Add(dat, id, "n", "C"), 0);
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  pid_t pid = Spawn([&](EngineApi& e) {
+    if (e.OPNRFIL(0, (pTEXT) "customers.dat", SHARED) != 0) return 1;
+    IFIL add = {(pTEXT) "byname", 0, sizeof(Customer), 0, SHARED, 1, 0, SHARED, nameIdx, nullptr, nullptr, -1};
+    return e.TMPIIDXX(&add, 0, nullptr, nullptr) == 0 ? 0 : 2;
+  });
+  ASSERT_EQ(Wait(pid), 0);
+  EXPECT_TRUE(std::filesystem::exists("byname.idx"));
+  ASSERT_EQ(api.RBLIFIL(&def_.ifil), 0);
+  EXPECT_FALSE(std::filesystem::exists("byname.idx"));
+  ASSERT_EQ(api.OPNRFIL(dat, (pTEXT) "customers.dat", SHARED), 0);
+  EXPECT_EQ(api.GETFIL(dat + 3, FILTYP), -1);
+  EXPECT_EQ(api.IDXENT(dat + 2), 5);
+}
+
 }  // namespace
