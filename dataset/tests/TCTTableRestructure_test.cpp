@@ -168,12 +168,13 @@ TEST_F(Restructure, DeletingAnotherIndexKeepsTheCurrentOne) {
   TCTTable* table = NewTable();
   table->Open();
   table->AddIndex("ByAmount", "AMOUNT", "", true, false, {});
+  table->AddIndex("ByCityName", "CITY;NAME", "", true, false, {});  // a second one beside it
   table->UpdateIndexDefs();
   table->SetIndexName("ByName");
   table->DeleteIndex("NoSuchIndex");  // ignored
   table->DeleteIndex("ByAmount");
   EXPECT_EQ(table->IndexName(), "ByName");
-  EXPECT_EQ(table->Cursor()->GetIndexCount(), 3);
+  EXPECT_EQ(table->Cursor()->GetIndexCount(), 4);
   table->First();
   EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Ada");
 }

@@ -217,8 +217,13 @@ int32_t TCTConnection::AddIndex(TCTCursorDesc* cursor, CTIdxDesc* index) {
     std::string fileName;
     int32_t number = 0;
     const std::string dir = fw::ExcludeTrailingPathDelimiter(fw::ExtractFilePath(cursor->TableName));
-    FindIndexName(cursor->TableName, dir, fileName, number);
-    def.aidxnam = fw::IncludeTrailingPathDelimiter(dir) + fw::ChangeFileExt(fileName, "");
+    // FindIndexName probes the name as c-tree sees it; the engine appends its index extension
+    // to the name it is given, so a name whose index file is already there is passed over too.
+    const std::string prefix = fw::IncludeTrailingPathDelimiter(dir);
+    do {
+      FindIndexName(cursor->TableName, dir, fileName, number);
+    } while (number <= 999 && fw::FileExists(prefix + fw::ChangeFileExt(fileName, "") + ".idx"));
+    def.aidxnam = prefix + fw::ChangeFileExt(fileName, "");
     const int16_t wanted = CTDbIntf::AvailableFileNbr(a, 1);
     if (wanted < 0) return NotFound(a);
 

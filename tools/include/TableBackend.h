@@ -97,8 +97,7 @@ class TableBackend {
 };
 
 /// The backend of this build: TCTTable tables on a TCTConnection configured by ConnectionSetup
-/// from `options` (whose errors it raises). Operations the table layer does not offer yet raise
-/// ToolError with kExitUnavailable, naming the operation.
+/// from `options` (whose errors it raises).
 std::unique_ptr<TableBackend> MakeTableBackend(const ConnectionOptions& options);
 
 }  // namespace ctt

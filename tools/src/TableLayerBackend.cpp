@@ -1,6 +1,8 @@
 // The table seam filled by the package's components: TCTConnection and TCTTable (tools layer).
 #include "TableLayerBackend.h"
 
+#include <algorithm>
+
 #include "CTTables.h"
 #include "ConnectionSetup.h"
 #include "TField.h"
@@ -13,11 +15,6 @@ namespace ctt {
 namespace {
 
 std::vector<fw::Variant> Values(const KeyValues& key) { return {key.begin(), key.end()}; }
-
-// What the table layer of this build does not offer yet: said plainly, with its own exit code.
-[[noreturn]] void NotYet(const std::string& what) {
-  throw ToolError(kExitUnavailable, what + " is not available in this build of ctt yet");
-}
 
 class TableLayerCursor : public TableCursor {
  public:
@@ -68,7 +65,16 @@ class TableLayerCursor : public TableCursor {
       FTable->CancelRange();
       FFrom = from;
     } else if (from.empty()) {
-      NotYet("a range with only an end (--to without --from)");
+      // Open at the start: the range begins at the key of the index's first record. An empty
+      // table has nothing to restrict.
+      FTable->CancelRange();
+      FTable->First();
+      if (!FTable->Eof()) {
+        std::vector<fw::Variant> start;
+        const int count = std::min(FTable->GetIndexFieldCount(), static_cast<int>(to.size()));
+        for (int i = 0; i < count; ++i) start.push_back(FTable->GetIndexField(i)->AsVariant());
+        FTable->SetRange(start, Values(to));
+      }
     } else {
       FTable->SetRange(Values(from), Values(to));
     }

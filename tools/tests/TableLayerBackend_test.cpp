@@ -108,6 +108,10 @@ TEST_F(TableLayerTest, ListsInIndexOrderWithFindAndRange) {
   EXPECT_EQ(out.str(), "ID\n--\n 2\n 3\n 4\n(3 records)\n");
   ASSERT_EQ(Run({"list", "people", "--from", "4", "-c", "ID"}), kExitOk) << err.str();
   EXPECT_EQ(out.str(), "ID\n--\n 4\n 5\n(2 records)\n");
+  ASSERT_EQ(Run({"list", "people", "--to", "3", "-c", "ID"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "ID\n--\n 1\n 2\n 3\n(3 records)\n");
+  ASSERT_EQ(Run({"list", "people", "--index", "ByCity", "--to", "Oslo", "-c", "ID"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "ID\n--\n 1\n 3\n 2\n 4\n(4 records)\n");
 }
 
 TEST_F(TableLayerTest, ExportsCsvAndDescribesTheTable) {
@@ -184,6 +188,13 @@ TEST_F(TableLayerTest, CreateImportChangeIndexesAndDrop) {
   ASSERT_EQ(Run({"list", "orders", "--index", "byamount", "--from", "5", "--to", "8", "-c", "no"}), kExitOk)
       << err.str();
   EXPECT_EQ(out.str(), "no\n--\n 6\n 1\n(2 records)\n");
+  // A second added index beside the first; then the first goes.
+  ASSERT_EQ(Run({"add-index", "orders", "bycustdesc:customer:desc"}), kExitOk) << err.str();
+  ASSERT_EQ(Run({"drop-index", "orders", "byamount"}), kExitOk) << err.str();
+  ASSERT_EQ(Run({"list", "orders", "--index", "bycustdesc", "-n", "1", "-c", "no"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str().substr(0, 9), "no\n--\n 6\n") << out.str();
+  ASSERT_EQ(Run({"info", "orders"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str().find("byamount"), std::string::npos) << out.str();
 
   ASSERT_EQ(Run({"drop", "orders"}), kExitOk) << err.str();
   EXPECT_EQ(Run({"info", "orders"}), kExitNotFound);
