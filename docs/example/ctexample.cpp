@@ -1,5 +1,6 @@
-// ctexample: a table opened from a form file, browsed by two indexes, searched, restricted to a
-// range, edited and posted (example program of the dataset layer).
+// ctexample: a table created from field and index definitions and filled in a transaction, then
+// opened from a form file, browsed by two indexes, searched, restricted to a range, edited and
+// posted (example program of the dataset layer).
 //
 // Usage: ctexample [form-file [directory]]. The table "people" is created in `directory` (a new
 // temporary directory by default) and the form (people.fm beside this source by default) is read
@@ -31,44 +32,24 @@ class TPeopleModule : public fw::TComponent {
   const fw::TClassInfo& ClassType() const override { return StaticClass(); }
 };
 
-Ctdb::CTFldDesc Field(uint16_t no, const char* name, int16_t type, int16_t subType, int16_t length) {
-  Ctdb::CTFldDesc desc;
-  desc.FieldNo = no;
-  desc.Name = name;
-  desc.FieldType = type;
-  desc.SubType = subType;
-  desc.Units1 = length;
-  desc.Length = length;
-  return desc;
-}
-
-Ctdb::CTIdxDesc Index(const char* name, std::initializer_list<int32_t> fields, bool unique) {
-  Ctdb::CTIdxDesc desc;
-  desc.Name = name;
-  desc.Unique = unique ? Ctdb::kWordTrue : Ctdb::kWordFalse;
-  desc.Maintained = Ctdb::kWordTrue;
-  for (int32_t field : fields) desc.KeyFields[static_cast<size_t>(desc.FieldsInKey++)] = field;
-  return desc;
-}
-
-// Creates the table and adds a few people through a table component.
+// Creates the table from field and index definitions and adds a few people in one transaction.
 void CreatePeople() {
   fw::TComponentPtr<Ctdb::TCTConnection> conn(new Ctdb::TCTConnection(nullptr));
   conn->SetActive(true);
-  Ctdb::CTTblDesc desc;
-  desc.Name = "people";
-  desc.TableType = "CTree";
-  desc.Fields = {Field(1, "ID", Ctdb::fldINT32, 0, 4), Field(2, "NAME", Ctdb::fldZSTRING, Ctdb::fldstFSTRING, 20),
-                 Field(3, "CITY", Ctdb::fldZSTRING, Ctdb::fldstFSTRING, 16),
-                 Field(4, "AMOUNT", Ctdb::fldFLOAT, 0, 8)};
-  desc.Indexes = {Index("ById", {1}, true), Index("ByCity", {3, 1}, true), Index("ByName", {2}, false)};
-  desc.Indexes[0].Primary = Ctdb::kWordTrue;
-  CTDbIntf::CtError(conn->CreateTable(".", true, desc));
-
   fw::TComponentPtr<CTTables::TCTTable> table(new CTTables::TCTTable(nullptr));
   table->SetConnection(conn.get());
   table->SetDatabase(".");
   table->SetTableName("people");
+  table->FieldDefs()->Add("ID", fw::ftInteger);
+  table->FieldDefs()->Add("NAME", fw::ftString, 20);
+  table->FieldDefs()->Add("CITY", fw::ftString, 16);
+  table->FieldDefs()->Add("AMOUNT", fw::ftFloat);
+  // Name, key fields, expression, engine-maintained, subset, options.
+  table->IndexDefs()->Add("ById", "ID", "", true, false, {fw::ixPrimary, fw::ixUnique});
+  table->IndexDefs()->Add("ByCity", "CITY;ID", "", true, false, {fw::ixUnique});
+  table->IndexDefs()->Add("ByName", "NAME", "", true, false, {});
+  table->CreateTable();  // replaces a table of that name
+
   table->Open();
   const struct {
     int32_t id;
@@ -77,9 +58,16 @@ void CreatePeople() {
     double amount;
   } people[] = {{1, "Alan", "Bergen", 10}, {2, "Barbara", "Oslo", 20}, {3, "Ada", "Bergen", 30},
                 {4, "Donald", "Oslo", 40}, {5, "Edsger", "Tromso", 50}, {6, "Grace", "Oslo", 60}};
-  for (const auto& p : people)
-    table->AppendRecord({fw::Variant(p.id), fw::Variant(std::string(p.name)), fw::Variant(std::string(p.city)),
-                         fw::Variant(p.amount)});
+  conn->StartTransaction();
+  try {
+    for (const auto& p : people)
+      table->AppendRecord({fw::Variant(p.id), fw::Variant(std::string(p.name)), fw::Variant(std::string(p.city)),
+                           fw::Variant(p.amount)});
+    conn->Commit();  // all six become visible and durable together
+  } catch (...) {
+    if (conn->InTransaction()) conn->Rollback();
+    throw;
+  }
 }
 
 void PrintAll(CTTables::TCTTable& table, const char* title) {
