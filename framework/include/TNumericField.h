@@ -20,6 +20,11 @@ class TNumericField : public TField {
  protected:
   /// Picks the pattern for display or editing; empty when none applies.
   const std::string& FormatFor(bool DisplayText) const;
+  /// The integer classes' float and text setters: a float rounds half to even (out of the
+  /// 64-bit range raises), text "" clears, other text must be a whole number; both then store
+  /// through SetAsLargeInt, which applies the class's range.
+  void SetIntegerFromFloat(double Value);
+  void SetIntegerFromText(const std::string& Value);
 
  private:
   std::string FDisplayFormat;

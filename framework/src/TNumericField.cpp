@@ -38,6 +38,24 @@ const std::string& TNumericField::FormatFor(bool DisplayText) const {
   return DisplayText || FEditFormat.empty() ? FDisplayFormat : FEditFormat;
 }
 
+void TNumericField::SetIntegerFromFloat(double Value) {
+  const double rounded = RoundHalfEven(Value);
+  if (!(rounded >= -9.2e18 && rounded <= 9.2e18))
+    DatabaseError(FmtMsg(SFieldRangeError, {FloatToStr(Value), DisplayName(), "", ""}));
+  SetAsLargeInt(static_cast<int64_t>(rounded));
+}
+
+void TNumericField::SetIntegerFromText(const std::string& Value) {
+  if (Value.empty()) {
+    Clear();
+    return;
+  }
+  int64_t value = 0;
+  if (!TryStrToInt64(Trim(Value), value))
+    DatabaseError(FmtMsg(SInvalidIntegerValue, {Value, DisplayName()}));
+  SetAsLargeInt(value);
+}
+
 // --- TIntegerField ------------------------------------------------------------------------------
 
 TIntegerField::TIntegerField(TComponent* AOwner) : TNumericField(AOwner) { SetDataType(ftInteger); }
@@ -124,23 +142,9 @@ void TIntegerField::SetAsLargeInt(int64_t Value) {
   }
 }
 
-void TIntegerField::SetAsFloat(double Value) {
-  const double rounded = RoundHalfEven(Value);
-  if (!(rounded >= -9.2e18 && rounded <= 9.2e18))
-    DatabaseError(FmtMsg(SFieldRangeError, {FloatToStr(Value), DisplayName(), "", ""}));
-  SetAsLargeInt(static_cast<int64_t>(rounded));
-}
+void TIntegerField::SetAsFloat(double Value) { SetIntegerFromFloat(Value); }
 
-void TIntegerField::SetAsString(const std::string& Value) {
-  if (Value.empty()) {
-    Clear();
-    return;
-  }
-  int64_t value = 0;
-  if (!TryStrToInt64(Trim(Value), value))
-    DatabaseError(FmtMsg(SInvalidIntegerValue, {Value, DisplayName()}));
-  SetAsLargeInt(value);
-}
+void TIntegerField::SetAsString(const std::string& Value) { SetIntegerFromText(Value); }
 
 void TIntegerField::SetVarValue(const Variant& Value) { SetAsLargeInt(Value.AsInt64()); }
 
@@ -183,23 +187,9 @@ void TLargeintField::SetAsLargeInt(int64_t Value) {
   SetData(&Value);
 }
 
-void TLargeintField::SetAsFloat(double Value) {
-  const double rounded = RoundHalfEven(Value);
-  if (!(rounded >= -9.2e18 && rounded <= 9.2e18))
-    DatabaseError(FmtMsg(SFieldRangeError, {FloatToStr(Value), DisplayName(), "", ""}));
-  SetAsLargeInt(static_cast<int64_t>(rounded));
-}
+void TLargeintField::SetAsFloat(double Value) { SetIntegerFromFloat(Value); }
 
-void TLargeintField::SetAsString(const std::string& Value) {
-  if (Value.empty()) {
-    Clear();
-    return;
-  }
-  int64_t value = 0;
-  if (!TryStrToInt64(Trim(Value), value))
-    DatabaseError(FmtMsg(SInvalidIntegerValue, {Value, DisplayName()}));
-  SetAsLargeInt(value);
-}
+void TLargeintField::SetAsString(const std::string& Value) { SetIntegerFromText(Value); }
 
 void TLargeintField::SetVarValue(const Variant& Value) { SetAsLargeInt(Value.AsInt64()); }
 
