@@ -20,15 +20,15 @@ struct Console {
 };
 
 struct CreateOptions {
-  std::vector<FieldSpec> Fields;
-  std::vector<IndexSpec> Indexes;
+  std::vector<FieldDefinition> Fields;
+  std::vector<IndexDefinition> Indexes;
 };
 
 struct ImportOptions {
   std::string File;                  ///< "-" reads standard input
   char Separator = ',';
-  std::vector<FieldSpec> Fields;     ///< when not empty, the table is created (replaced) first
-  std::vector<IndexSpec> Indexes;    ///< indexes of the table created
+  std::vector<FieldDefinition> Fields;     ///< when not empty, the table is created (replaced) first
+  std::vector<IndexDefinition> Indexes;    ///< indexes of the table created
   /// Rows per transaction; 0: one transaction for all rows. Small batches are fastest: the engine
   /// keeps an operating-system lock per added record until the commit, and a long list of them
   /// slows every further lock down.
@@ -69,7 +69,7 @@ struct ListOptions {
 /// - list, info: print aligned tables on Out.
 ExitCode RunCreate(TableBackend& backend, const TableRef& table, const CreateOptions& options, Console& console);
 ExitCode RunDrop(TableBackend& backend, const TableRef& table, Console& console);
-ExitCode RunAddIndex(TableBackend& backend, const TableRef& table, const IndexSpec& index, Console& console);
+ExitCode RunAddIndex(TableBackend& backend, const TableRef& table, const IndexDefinition& index, Console& console);
 ExitCode RunDropIndex(TableBackend& backend, const TableRef& table, const std::string& index, Console& console);
 ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOptions& options, Console& console);
 ExitCode RunExport(TableBackend& backend, const TableRef& table, const ExportOptions& options, Console& console);

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "ConnectionOptions.h"
-#include "FieldSpec.h"
-#include "IndexSpec.h"
+#include "FieldDefinition.h"
+#include "IndexDefinition.h"
 
 namespace ctt {
 
@@ -26,8 +26,8 @@ struct TableRef {
 
 /// What `info` shows of an open table.
 struct TableInfo {
-  std::vector<FieldSpec> Fields;
-  std::vector<IndexSpec> Indexes;
+  std::vector<FieldDefinition> Fields;
+  std::vector<IndexDefinition> Indexes;
   std::int64_t RecordCount = 0;
   std::vector<std::string> Files;  ///< data file first, then the index file(s)
 };
@@ -73,7 +73,7 @@ class TableCursor {
   virtual void Rollback() = 0;
 
   /// Adds an index to the table and builds its keys from the records present.
-  virtual void AddIndex(const IndexSpec& index) = 0;
+  virtual void AddIndex(const IndexDefinition& index) = 0;
   /// Deletes the index `name`. Raises for a name the table does not have.
   virtual void DeleteIndex(const std::string& name) = 0;
 };
@@ -88,8 +88,8 @@ class TableBackend {
 
   /// Creates the table's files with these fields and indexes; an existing table of that name is
   /// replaced.
-  virtual void CreateTable(const TableRef& table, const std::vector<FieldSpec>& fields,
-                           const std::vector<IndexSpec>& indexes) = 0;
+  virtual void CreateTable(const TableRef& table, const std::vector<FieldDefinition>& fields,
+                           const std::vector<IndexDefinition>& indexes) = 0;
   /// Deletes the table's files. Raises (number 12) when the table does not exist.
   virtual void DeleteTable(const TableRef& table) = 0;
   /// Opens the table. Raises (number 12) when it does not exist.

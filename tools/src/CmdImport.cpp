@@ -25,7 +25,7 @@ std::vector<std::size_t> MapHeader(const std::vector<std::string>& header, const
     while (i < info.Fields.size() && !fw::SameText(info.Fields[i].Name, name)) ++i;
     if (i == info.Fields.size()) {
       std::string known;
-      for (const FieldSpec& f : info.Fields) known += (known.empty() ? "" : ", ") + f.Name;
+      for (const FieldDefinition& f : info.Fields) known += (known.empty() ? "" : ", ") + f.Name;
       throw ToolError(kExitFile, "CSV column " + std::to_string(c + 1) + " '" + name +
                                      "' is not a field of the table (fields: " + known + ")");
     }
@@ -169,7 +169,7 @@ ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOpt
 
   if (!options.Fields.empty()) {
     CreateOptions create{options.Fields, options.Indexes};
-    for (const IndexSpec& index : create.Indexes) CheckIndexFields(index, create.Fields);
+    for (const IndexDefinition& index : create.Indexes) CheckIndexFields(index, create.Fields);
     backend.CreateTable(table, create.Fields, create.Indexes);
   }
   std::unique_ptr<TableCursor> cursor = backend.Open(table, OpenMode::ReadWrite);

@@ -27,7 +27,7 @@ std::vector<std::size_t> ResolveColumns(const std::vector<std::string>& columns,
     while (i < info.Fields.size() && !fw::SameText(info.Fields[i].Name, name)) ++i;
     if (i == info.Fields.size()) {
       std::string known;
-      for (const FieldSpec& f : info.Fields) known += (known.empty() ? "" : ", ") + f.Name;
+      for (const FieldDefinition& f : info.Fields) known += (known.empty() ? "" : ", ") + f.Name;
       throw UsageError("'" + name + "' is not a field of the table (fields: " + known + ")");
     }
     positions.push_back(i);
@@ -42,7 +42,7 @@ std::unique_ptr<TableCursor> OpenForReading(TableBackend& backend, const TableRe
   info = cursor->Info();
   if (!read.Index.empty()) {
     bool known = false;
-    for (const IndexSpec& index : info.Indexes) known = known || fw::SameText(index.Name, read.Index);
+    for (const IndexDefinition& index : info.Indexes) known = known || fw::SameText(index.Name, read.Index);
     if (!known) throw ToolError(kExitNotFound, "table " + table.Display() + " has no index '" + read.Index + "'");
   }
   cursor->UseIndex(read.Index);

@@ -18,7 +18,7 @@ std::string Plural(std::size_t n, const char* one, const char* many) {
 
 ExitCode RunCreate(TableBackend& backend, const TableRef& table, const CreateOptions& options, Console& console) {
   if (options.Fields.empty()) throw UsageError("a table needs at least one field (--field name:type[:size])");
-  for (const IndexSpec& index : options.Indexes) CheckIndexFields(index, options.Fields);
+  for (const IndexDefinition& index : options.Indexes) CheckIndexFields(index, options.Fields);
   backend.CreateTable(table, options.Fields, options.Indexes);
   console.Out << "created " << table.Display() << " with " << Plural(options.Fields.size(), "field", "fields")
               << " and " << Plural(options.Indexes.size(), "index", "indexes") << '\n';
@@ -31,11 +31,11 @@ ExitCode RunDrop(TableBackend& backend, const TableRef& table, Console& console)
   return kExitOk;
 }
 
-ExitCode RunAddIndex(TableBackend& backend, const TableRef& table, const IndexSpec& index, Console& console) {
+ExitCode RunAddIndex(TableBackend& backend, const TableRef& table, const IndexDefinition& index, Console& console) {
   std::unique_ptr<TableCursor> cursor = backend.Open(table, OpenMode::Exclusive);
   const TableInfo info = cursor->Info();
   CheckIndexFields(index, info.Fields);
-  for (const IndexSpec& existing : info.Indexes)
+  for (const IndexDefinition& existing : info.Indexes)
     if (fw::SameText(existing.Name, index.Name))
       throw UsageError("table " + table.Display() + " already has an index '" + existing.Name + "'");
   cursor->AddIndex(index);
@@ -46,8 +46,8 @@ ExitCode RunAddIndex(TableBackend& backend, const TableRef& table, const IndexSp
 ExitCode RunDropIndex(TableBackend& backend, const TableRef& table, const std::string& index, Console& console) {
   std::unique_ptr<TableCursor> cursor = backend.Open(table, OpenMode::Exclusive);
   const TableInfo info = cursor->Info();
-  const IndexSpec* found = nullptr;
-  for (const IndexSpec& existing : info.Indexes)
+  const IndexDefinition* found = nullptr;
+  for (const IndexDefinition& existing : info.Indexes)
     if (fw::SameText(existing.Name, index)) found = &existing;
   // The table component ignores an unknown name; a script deserves to hear about it.
   if (!found) throw ToolError(kExitNotFound, "table " + table.Display() + " has no index '" + index + "'");
@@ -67,7 +67,7 @@ ExitCode RunInfo(TableBackend& backend, const TableRef& table, Console& console)
   TablePrinter fields({"#", "field", "type", "size"}, {TablePrinter::Right, TablePrinter::Left, TablePrinter::Left,
                                                        TablePrinter::Right});
   for (std::size_t i = 0; i < info.Fields.size(); ++i) {
-    const FieldSpec& f = info.Fields[i];
+    const FieldDefinition& f = info.Fields[i];
     std::string size;
     if (f.DataType == fw::ftBCD && f.Precision > 0)
       size = std::to_string(f.Precision) + "." + std::to_string(f.Size);
@@ -82,7 +82,7 @@ ExitCode RunInfo(TableBackend& backend, const TableRef& table, Console& console)
     return kExitOk;
   }
   TablePrinter indexes({"index", "fields", "options"});
-  for (const IndexSpec& index : info.Indexes) indexes.AddRow({index.Name, index.FieldsText(), index.OptionsText()});
+  for (const IndexDefinition& index : info.Indexes) indexes.AddRow({index.Name, index.FieldsText(), index.OptionsText()});
   indexes.Print(out);
   return kExitOk;
 }

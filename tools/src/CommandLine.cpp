@@ -182,20 +182,20 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
     CollectConnection(app, p);
     if (p.Table.Name.empty()) throw UsageError("the table name is empty");
     if (chosen == create) {
-      CreateOptions options{ParseFieldSpecs(p.FieldTexts), ParseIndexSpecs(p.IndexTexts)};
+      CreateOptions options{ParseFieldDefinitions(p.FieldTexts), ParseIndexDefinitions(p.IndexTexts)};
       if (options.Fields.empty()) throw UsageError("a table needs at least one field (--field name:type[:size])");
-      for (const IndexSpec& index : options.Indexes) CheckIndexFields(index, options.Fields);
+      for (const IndexDefinition& index : options.Indexes) CheckIndexFields(index, options.Fields);
       return RunCreate(*factory(p.Connection), p.Table, options, console);
     }
     if (chosen == import) {
       ImportOptions options = p.Import;
       options.File = p.File;
       options.Separator = ParseSeparator(p.Separator);
-      options.Fields = ParseFieldSpecs(p.FieldTexts);
-      options.Indexes = ParseIndexSpecs(p.IndexTexts);
+      options.Fields = ParseFieldDefinitions(p.FieldTexts);
+      options.Indexes = ParseIndexDefinitions(p.IndexTexts);
       if (options.Fields.empty() && !options.Indexes.empty())
         throw UsageError("--index on import needs --field: indexes are only defined for a table created here");
-      for (const IndexSpec& index : options.Indexes) CheckIndexFields(index, options.Fields);
+      for (const IndexDefinition& index : options.Indexes) CheckIndexFields(index, options.Fields);
       return RunImport(*factory(p.Connection), p.Table, options, console);
     }
     if (chosen == exportCmd) {
@@ -209,7 +209,7 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
       return RunList(*factory(p.Connection), p.Table, options, console);
     }
     if (chosen == info) return RunInfo(*factory(p.Connection), p.Table, console);
-    if (chosen == addIndex) return RunAddIndex(*factory(p.Connection), p.Table, ParseIndexSpec(p.IndexText), console);
+    if (chosen == addIndex) return RunAddIndex(*factory(p.Connection), p.Table, ParseIndexDefinition(p.IndexText), console);
     if (chosen == dropIndex) return RunDropIndex(*factory(p.Connection), p.Table, p.IndexName, console);
     if (chosen == drop) return RunDrop(*factory(p.Connection), p.Table, console);
     throw ToolError(kExitInternal, "no handler for command '" + name + "'");

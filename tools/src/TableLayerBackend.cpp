@@ -31,21 +31,21 @@ class TableLayerCursor : public TableCursor {
     const CTTables::TCTIndexDefs& indexes = *FTable->IndexDefs();
     for (int i = 0; i < indexes.Count(); ++i) {
       const fw::TIndexDef& d = *indexes.Items(i);
-      IndexSpec spec;
-      spec.Name = d.Name();
+      IndexDefinition entry;
+      entry.Name = d.Name();
       std::size_t start = 0;
       const std::string& fields = d.Fields();
       while (start <= fields.size() && !fields.empty()) {
         const std::size_t end = fields.find(';', start);
-        spec.Fields.push_back(fields.substr(start, end == std::string::npos ? std::string::npos : end - start));
+        entry.Fields.push_back(fields.substr(start, end == std::string::npos ? std::string::npos : end - start));
         if (end == std::string::npos) break;
         start = end + 1;
       }
-      spec.Primary = d.Options().Contains(fw::ixPrimary);
-      spec.Unique = spec.Primary || d.Options().Contains(fw::ixUnique);
-      spec.Descending = d.Options().Contains(fw::ixDescending);
-      spec.CaseInsensitive = d.Options().Contains(fw::ixCaseInsensitive);
-      info.Indexes.push_back(std::move(spec));
+      entry.Primary = d.Options().Contains(fw::ixPrimary);
+      entry.Unique = entry.Primary || d.Options().Contains(fw::ixUnique);
+      entry.Descending = d.Options().Contains(fw::ixDescending);
+      entry.CaseInsensitive = d.Options().Contains(fw::ixCaseInsensitive);
+      info.Indexes.push_back(std::move(entry));
     }
     info.RecordCount = FTable->RecordCount();
     if (FTable->Cursor()) info.Files.push_back(FTable->Cursor()->TableName);
@@ -118,7 +118,7 @@ class TableLayerCursor : public TableCursor {
     // A commit the engine refused has already discarded the transaction: nothing is left to undo.
     if (Connection().InTransaction()) Connection().Rollback();
   }
-  void AddIndex(const IndexSpec& index) override {
+  void AddIndex(const IndexDefinition& index) override {
     // Flag4 set: the engine maintains the index's keys itself.
     FTable->AddIndex(index.Name, index.FieldsText(), "", true, false, index.Options());
   }
@@ -147,14 +147,14 @@ class TableLayerBackend : public TableBackend {
  public:
   explicit TableLayerBackend(const ConnectionOptions& options) : FSetup(options) {}
 
-  void CreateTable(const TableRef& ref, const std::vector<FieldSpec>& fields,
-                   const std::vector<IndexSpec>& indexes) override {
+  void CreateTable(const TableRef& ref, const std::vector<FieldDefinition>& fields,
+                   const std::vector<IndexDefinition>& indexes) override {
     std::unique_ptr<CTTables::TCTTable> table = NewTable(ref);
-    for (const FieldSpec& field : fields) {
+    for (const FieldDefinition& field : fields) {
       fw::TFieldDef* def = table->FieldDefs()->Add(field.Name, field.DataType, field.Size);
       if (field.Precision > 0) def->SetPrecision(field.Precision);
     }
-    for (const IndexSpec& index : indexes)
+    for (const IndexDefinition& index : indexes)
       table->IndexDefs()->Add(index.Name, index.FieldsText(), "", true, false, index.Options());
     table->CreateTable();
   }

@@ -25,8 +25,8 @@ class CommandsTest : public ::testing::Test {
     fs::remove_all(dir);
     fs::create_directories(dir);
     table.Name = "customers";
-    create.Fields = ParseFieldSpecs({"id:integer,name:string:30,city:string:20"});
-    create.Indexes = ParseIndexSpecs({"byid:id:unique", "bycity:city;name:nocase"});
+    create.Fields = ParseFieldDefinitions({"id:integer,name:string:30,city:string:20"});
+    create.Indexes = ParseIndexDefinitions({"byid:id:unique", "bycity:city;name:nocase"});
     ASSERT_EQ(RunCreate(backend, table, create, console), kExitOk);
     out.str("");
   }
@@ -175,8 +175,8 @@ TEST_F(CommandsTest, ImportInputErrors) {
 
 TEST_F(CommandsTest, ImportCanCreateTheTableFirst) {
   ImportOptions options;
-  options.Fields = ParseFieldSpecs({"code:string:4,qty:integer"});
-  options.Indexes = ParseIndexSpecs({"bycode:code:unique"});
+  options.Fields = ParseFieldDefinitions({"code:string:4,qty:integer"});
+  options.Indexes = ParseIndexDefinitions({"bycode:code:unique"});
   table.Name = "stock";
   EXPECT_EQ(Import("qty,code\n5,A1\n", options), kExitOk);
   EXPECT_EQ(Stored().Records, (std::vector<std::vector<std::string>>{{"A1", "5"}}));
@@ -291,10 +291,10 @@ TEST_F(CommandsTest, InfoDescribesFieldsIndexesAndFiles) {
 
 TEST_F(CommandsTest, StructuralCommands) {
   EXPECT_EQ(out.str(), "");
-  EXPECT_EQ(RunAddIndex(backend, table, ParseIndexSpec("byname:name"), console), kExitOk);
+  EXPECT_EQ(RunAddIndex(backend, table, ParseIndexDefinition("byname:name"), console), kExitOk);
   EXPECT_EQ(Stored().Indexes.size(), 3u);
-  EXPECT_EQ(Failure([&] { RunAddIndex(backend, table, ParseIndexSpec("BYNAME:city"), console); }).Code, kExitUsage);
-  EXPECT_EQ(Failure([&] { RunAddIndex(backend, table, ParseIndexSpec("byzip:zip"), console); }).Message,
+  EXPECT_EQ(Failure([&] { RunAddIndex(backend, table, ParseIndexDefinition("BYNAME:city"), console); }).Code, kExitUsage);
+  EXPECT_EQ(Failure([&] { RunAddIndex(backend, table, ParseIndexDefinition("byzip:zip"), console); }).Message,
             "index 'byzip': 'zip' is not a field of the table");
   EXPECT_EQ(RunDropIndex(backend, table, "BYNAME", console), kExitOk);
   EXPECT_EQ(Stored().Indexes.size(), 2u);

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "ConnectionOptions.h"
-#include "FieldSpec.h"
-#include "IndexSpec.h"
+#include "FieldDefinition.h"
+#include "IndexDefinition.h"
 #include "ToolError.h"
 
 namespace ctt {
@@ -18,54 +18,54 @@ std::string UsageMessage(const std::function<void()>& f) {
   return "(no error)";
 }
 
-TEST(FieldSpec, ParsesTypesSizesAndBcdPrecision) {
-  const auto specs = ParseFieldSpecs({"id:integer, name:String:40", "amount:bcd:12.2,rate:bcd:4,photo:blob"});
-  ASSERT_EQ(specs.size(), 5u);
-  EXPECT_EQ(specs[0].DataType, fw::ftInteger);
-  EXPECT_EQ(specs[1].Name, "name");
-  EXPECT_EQ(specs[1].DataType, fw::ftString);
-  EXPECT_EQ(specs[1].Size, 40);
-  EXPECT_EQ(specs[2].Precision, 12);
-  EXPECT_EQ(specs[2].Size, 2);
-  EXPECT_EQ(specs[3].Precision, 0);
-  EXPECT_EQ(specs[3].Size, 4);
-  EXPECT_EQ(specs[4].Size, 0);
-  EXPECT_EQ(ParseFieldSpec("b:bool").DataType, fw::ftBoolean);
+TEST(FieldDefinition, ParsesTypesSizesAndBcdPrecision) {
+  const auto entries = ParseFieldDefinitions({"id:integer, name:String:40", "amount:bcd:12.2,rate:bcd:4,photo:blob"});
+  ASSERT_EQ(entries.size(), 5u);
+  EXPECT_EQ(entries[0].DataType, fw::ftInteger);
+  EXPECT_EQ(entries[1].Name, "name");
+  EXPECT_EQ(entries[1].DataType, fw::ftString);
+  EXPECT_EQ(entries[1].Size, 40);
+  EXPECT_EQ(entries[2].Precision, 12);
+  EXPECT_EQ(entries[2].Size, 2);
+  EXPECT_EQ(entries[3].Precision, 0);
+  EXPECT_EQ(entries[3].Size, 4);
+  EXPECT_EQ(entries[4].Size, 0);
+  EXPECT_EQ(ParseFieldDefinition("b:bool").DataType, fw::ftBoolean);
 }
 
-TEST(FieldSpec, FormatReadsBack) {
+TEST(FieldDefinition, FormatReadsBack) {
   for (const char* text : {"a:string:40", "a:bcd:12.2", "a:bcd:3", "a:integer", "a:varbytes:9", "a:memo"}) {
-    const FieldSpec spec = ParseFieldSpec(text);
-    EXPECT_EQ("a:" + FormatFieldSpec(spec), text);
+    const FieldDefinition entry = ParseFieldDefinition(text);
+    EXPECT_EQ("a:" + FormatFieldDefinition(entry), text);
   }
   EXPECT_EQ(FieldTypeName(fw::ftGuid), "type#35");
   EXPECT_EQ(FieldTypeName(fw::ftLargeint), "largeint");
   EXPECT_FALSE(FieldTypeFromName("largeint").has_value()) << "shown, but not offered by create";
 }
 
-TEST(FieldSpec, ErrorsNameTheDefinitionAndTheProblem) {
-  EXPECT_EQ(UsageMessage([] { ParseFieldSpec("name"); }),
+TEST(FieldDefinition, ErrorsNameTheDefinitionAndTheProblem) {
+  EXPECT_EQ(UsageMessage([] { ParseFieldDefinition("name"); }),
             "field definition 'name': expected name:type or name:type:size");
-  EXPECT_EQ(UsageMessage([] { ParseFieldSpec("1st:integer"); }),
+  EXPECT_EQ(UsageMessage([] { ParseFieldDefinition("1st:integer"); }),
             "field definition '1st:integer': the name must start with a letter or '_' and hold only letters, "
             "digits and '_'");
-  EXPECT_NE(UsageMessage([] { ParseFieldSpec("x:strng:4"); }).find("unknown type 'strng' (known: string,"),
+  EXPECT_NE(UsageMessage([] { ParseFieldDefinition("x:strng:4"); }).find("unknown type 'strng' (known: string,"),
             std::string::npos);
-  EXPECT_EQ(UsageMessage([] { ParseFieldSpec("x:string"); }),
+  EXPECT_EQ(UsageMessage([] { ParseFieldDefinition("x:string"); }),
             "field definition 'x:string': type string needs a size (1 to 65535)");
-  EXPECT_EQ(UsageMessage([] { ParseFieldSpec("x:integer:4"); }),
+  EXPECT_EQ(UsageMessage([] { ParseFieldDefinition("x:integer:4"); }),
             "field definition 'x:integer:4': type integer takes no size");
   for (const char* bad : {"x:string:0", "x:string:65536", "x:string:4x", "x:bytes:-1"})
-    EXPECT_NE(UsageMessage([bad] { ParseFieldSpec(bad); }).find("from 1 to 65535"), std::string::npos) << bad;
-  EXPECT_NE(UsageMessage([] { ParseFieldSpec("x:bcd:4.6"); }).find("precision"), std::string::npos);
-  EXPECT_NE(UsageMessage([] { ParseFieldSpec("x:bcd:33"); }).find("scale"), std::string::npos);
-  EXPECT_EQ(UsageMessage([] { ParseFieldSpecs({"a:integer,A:string:3"}); }), "field 'A' is defined twice");
-  EXPECT_EQ(UsageMessage([] { ParseFieldSpecs({"a:integer,"}); }),
+    EXPECT_NE(UsageMessage([bad] { ParseFieldDefinition(bad); }).find("from 1 to 65535"), std::string::npos) << bad;
+  EXPECT_NE(UsageMessage([] { ParseFieldDefinition("x:bcd:4.6"); }).find("precision"), std::string::npos);
+  EXPECT_NE(UsageMessage([] { ParseFieldDefinition("x:bcd:33"); }).find("scale"), std::string::npos);
+  EXPECT_EQ(UsageMessage([] { ParseFieldDefinitions({"a:integer,A:string:3"}); }), "field 'A' is defined twice");
+  EXPECT_EQ(UsageMessage([] { ParseFieldDefinitions({"a:integer,"}); }),
             "field definition '': expected name:type or name:type:size");
 }
 
-TEST(IndexSpec, ParsesFieldsAndOptions) {
-  const IndexSpec byName = ParseIndexSpec("byname:last+first:nocase,DESC");
+TEST(IndexDefinition, ParsesFieldsAndOptions) {
+  const IndexDefinition byName = ParseIndexDefinition("byname:last+first:nocase,DESC");
   EXPECT_EQ(byName.Name, "byname");
   EXPECT_EQ(byName.Fields, (std::vector<std::string>{"last", "first"}));
   EXPECT_EQ(byName.FieldsText(), "last;first");
@@ -75,27 +75,27 @@ TEST(IndexSpec, ParsesFieldsAndOptions) {
   EXPECT_EQ(byName.OptionsText(), "desc,nocase");
   EXPECT_TRUE(byName.Options().Contains(fw::ixCaseInsensitive));
 
-  const IndexSpec primary = ParseIndexSpec("pk:id:primary");
+  const IndexDefinition primary = ParseIndexDefinition("pk:id:primary");
   EXPECT_TRUE(primary.Unique);
   EXPECT_EQ(primary.OptionsText(), "primary");
   EXPECT_TRUE(primary.Options().Contains(fw::ixUnique));
-  EXPECT_EQ(ParseIndexSpec("k:a;b").OptionsText(), "");
+  EXPECT_EQ(ParseIndexDefinition("k:a;b").OptionsText(), "");
 }
 
-TEST(IndexSpec, ErrorsNameTheDefinitionAndTheProblem) {
-  EXPECT_EQ(UsageMessage([] { ParseIndexSpec("k"); }), "index definition 'k': expected name:fields or name:fields:options");
-  EXPECT_EQ(UsageMessage([] { ParseIndexSpec("k:a;;b"); }), "index definition 'k:a;;b': a key field name is empty");
-  EXPECT_EQ(UsageMessage([] { ParseIndexSpec("k:a+A"); }), "index definition 'k:a+A': field 'A' is in the key twice");
-  EXPECT_EQ(UsageMessage([] { ParseIndexSpec("k:a:unique,sorted"); }),
+TEST(IndexDefinition, ErrorsNameTheDefinitionAndTheProblem) {
+  EXPECT_EQ(UsageMessage([] { ParseIndexDefinition("k"); }), "index definition 'k': expected name:fields or name:fields:options");
+  EXPECT_EQ(UsageMessage([] { ParseIndexDefinition("k:a;;b"); }), "index definition 'k:a;;b': a key field name is empty");
+  EXPECT_EQ(UsageMessage([] { ParseIndexDefinition("k:a+A"); }), "index definition 'k:a+A': field 'A' is in the key twice");
+  EXPECT_EQ(UsageMessage([] { ParseIndexDefinition("k:a:unique,sorted"); }),
             "index definition 'k:a:unique,sorted': unknown option 'sorted' (known: unique, primary, desc, nocase)");
-  EXPECT_EQ(UsageMessage([] { ParseIndexSpecs({"k:a", "K:b"}); }), "index 'K' is defined twice");
+  EXPECT_EQ(UsageMessage([] { ParseIndexDefinitions({"k:a", "K:b"}); }), "index 'K' is defined twice");
 
-  const auto fields = ParseFieldSpecs({"id:integer,photo:blob"});
-  EXPECT_EQ(UsageMessage([&] { CheckIndexFields(ParseIndexSpec("k:id;nope"), fields); }),
+  const auto fields = ParseFieldDefinitions({"id:integer,photo:blob"});
+  EXPECT_EQ(UsageMessage([&] { CheckIndexFields(ParseIndexDefinition("k:id;nope"), fields); }),
             "index 'k': 'nope' is not a field of the table");
-  EXPECT_EQ(UsageMessage([&] { CheckIndexFields(ParseIndexSpec("k:photo"), fields); }),
+  EXPECT_EQ(UsageMessage([&] { CheckIndexFields(ParseIndexDefinition("k:photo"), fields); }),
             "index 'k': field 'photo' is a blob and cannot be a key");
-  EXPECT_EQ(UsageMessage([&] { CheckIndexFields(ParseIndexSpec("k:ID"), fields); }), "(no error)");
+  EXPECT_EQ(UsageMessage([&] { CheckIndexFields(ParseIndexDefinition("k:ID"), fields); }), "(no error)");
 }
 
 TEST(ConnectionOptions, AlignmentNames) {

@@ -16,8 +16,8 @@ namespace ctt::test {
 
 // One table: its definition and its records, each record one text per field.
 struct FakeTable {
-  std::vector<FieldSpec> Fields;
-  std::vector<IndexSpec> Indexes;
+  std::vector<FieldDefinition> Fields;
+  std::vector<IndexDefinition> Indexes;
   std::vector<std::vector<std::string>> Records;
 };
 
@@ -40,7 +40,7 @@ class FakeCursor : public TableCursor {
 
   void UseIndex(const std::string& name) override {
     FIndex = nullptr;
-    for (const IndexSpec& index : FTable.Indexes)
+    for (const IndexDefinition& index : FTable.Indexes)
       if (name.empty() ? FIndex == nullptr : fw::SameText(index.Name, name)) FIndex = &index;
     if (!name.empty() && !FIndex) CTDbIntf::CtError(1137);
     FFrom.clear();
@@ -89,9 +89,9 @@ class FakeCursor : public TableCursor {
       }
       record.push_back(text);
     }
-    for (const IndexSpec& index : FTable.Indexes) {
+    for (const IndexDefinition& index : FTable.Indexes) {
       if (!index.Unique) continue;
-      const IndexSpec* saved = FIndex;
+      const IndexDefinition* saved = FIndex;
       FIndex = &index;
       for (const auto& other : FTable.Records)
         if (Compare(Key(other), Key(record)) == 0) {
@@ -113,10 +113,10 @@ class FakeCursor : public TableCursor {
     FTable.Records = FSnapshot;
   }
 
-  void AddIndex(const IndexSpec& index) override { FTable.Indexes.push_back(index); }
+  void AddIndex(const IndexDefinition& index) override { FTable.Indexes.push_back(index); }
   void DeleteIndex(const std::string& name) override {
     auto& list = FTable.Indexes;
-    list.erase(std::remove_if(list.begin(), list.end(), [&](const IndexSpec& i) { return i.Name == name; }), list.end());
+    list.erase(std::remove_if(list.begin(), list.end(), [&](const IndexDefinition& i) { return i.Name == name; }), list.end());
   }
 
  private:
@@ -166,7 +166,7 @@ class FakeCursor : public TableCursor {
 
   FakeStore& FStore;
   FakeTable& FTable;
-  const IndexSpec* FIndex = nullptr;
+  const IndexDefinition* FIndex = nullptr;
   KeyValues FFrom, FTo;
   std::vector<std::size_t> FOrder;
   std::size_t FPos = 0;
@@ -177,8 +177,8 @@ class FakeBackend : public TableBackend {
  public:
   explicit FakeBackend(FakeStore& store) : FStore(store) {}
 
-  void CreateTable(const TableRef& table, const std::vector<FieldSpec>& fields,
-                   const std::vector<IndexSpec>& indexes) override {
+  void CreateTable(const TableRef& table, const std::vector<FieldDefinition>& fields,
+                   const std::vector<IndexDefinition>& indexes) override {
     FStore.Tables[table.Display()] = FakeTable{fields, indexes, {}};
   }
   void DeleteTable(const TableRef& table) override {

@@ -1,5 +1,5 @@
-// FieldSpec: the field-definition syntax of the tool's `create` command (tools layer).
-#include "FieldSpec.h"
+// FieldDefinition: the field-definition syntax of the tool's `create` command (tools layer).
+#include "FieldDefinition.h"
 
 #include <array>
 #include <charconv>
@@ -69,19 +69,19 @@ bool ParseInt(std::string_view text, int& value) {
 
 }  // namespace
 
-FieldSpec ParseFieldSpec(std::string_view text) {
+FieldDefinition ParseFieldDefinition(std::string_view text) {
   const std::string where = "field definition '" + std::string(text) + "': ";
   std::vector<std::string_view> parts = Split(text, ':');
   if (parts.size() < 2 || parts.size() > 3)
     throw UsageError(where + "expected name:type or name:type:size");
-  FieldSpec spec;
-  spec.Name = std::string(Trim(parts[0]));
-  if (!IsIdentifier(spec.Name))
+  FieldDefinition entry;
+  entry.Name = std::string(Trim(parts[0]));
+  if (!IsIdentifier(entry.Name))
     throw UsageError(where + "the name must start with a letter or '_' and hold only letters, digits and '_'");
   const TypeEntry* type = FindType(Trim(parts[1]));
   if (!type)
     throw UsageError(where + "unknown type '" + std::string(Trim(parts[1])) + "' (known: " + KnownTypes() + ")");
-  spec.DataType = type->Type;
+  entry.DataType = type->Type;
   const bool hasSize = parts.size() == 3;
   const std::string_view sizeText = hasSize ? Trim(parts[2]) : std::string_view();
   switch (type->Size) {
@@ -94,38 +94,38 @@ FieldSpec ParseFieldSpec(std::string_view text) {
         if (type->Size == srRequired) throw UsageError(where + "type " + type->Name + " needs a size (1 to 65535)");
         break;
       }
-      if (!ParseInt(sizeText, spec.Size) || spec.Size < 1 || spec.Size > kMaxSize)
+      if (!ParseInt(sizeText, entry.Size) || entry.Size < 1 || entry.Size > kMaxSize)
         throw UsageError(where + "the size must be a whole number from 1 to 65535");
       break;
     case srScale: {
       if (!hasSize) break;
       const std::size_t dot = sizeText.find('.');
       const std::string_view scale = dot == std::string_view::npos ? sizeText : sizeText.substr(dot + 1);
-      if (!ParseInt(scale, spec.Size) || spec.Size < 0 || spec.Size > kMaxBcdDigits)
+      if (!ParseInt(scale, entry.Size) || entry.Size < 0 || entry.Size > kMaxBcdDigits)
         throw UsageError(where + "the scale must be a whole number from 0 to 32");
       if (dot != std::string_view::npos) {
-        if (!ParseInt(sizeText.substr(0, dot), spec.Precision) || spec.Precision < 1 ||
-            spec.Precision > kMaxBcdDigits || spec.Precision < spec.Size)
+        if (!ParseInt(sizeText.substr(0, dot), entry.Precision) || entry.Precision < 1 ||
+            entry.Precision > kMaxBcdDigits || entry.Precision < entry.Size)
           throw UsageError(where + "the precision must be a whole number from the scale to 32");
       }
       break;
     }
   }
-  return spec;
+  return entry;
 }
 
-std::vector<FieldSpec> ParseFieldSpecs(const std::vector<std::string>& texts) {
-  std::vector<FieldSpec> specs;
+std::vector<FieldDefinition> ParseFieldDefinitions(const std::vector<std::string>& texts) {
+  std::vector<FieldDefinition> entries;
   for (const std::string& text : texts) {
     for (std::string_view one : Split(text, ',')) {
-      FieldSpec spec = ParseFieldSpec(Trim(one));
-      for (const FieldSpec& earlier : specs)
-        if (fw::SameText(earlier.Name, spec.Name))
-          throw UsageError("field '" + spec.Name + "' is defined twice");
-      specs.push_back(std::move(spec));
+      FieldDefinition entry = ParseFieldDefinition(Trim(one));
+      for (const FieldDefinition& earlier : entries)
+        if (fw::SameText(earlier.Name, entry.Name))
+          throw UsageError("field '" + entry.Name + "' is defined twice");
+      entries.push_back(std::move(entry));
     }
   }
-  return specs;
+  return entries;
 }
 
 std::string FieldTypeName(fw::TFieldType type) {
@@ -141,17 +141,17 @@ std::optional<fw::TFieldType> FieldTypeFromName(std::string_view name) {
   return std::nullopt;
 }
 
-std::string FormatFieldSpec(const FieldSpec& spec) {
-  std::string out = FieldTypeName(spec.DataType);
+std::string FormatFieldDefinition(const FieldDefinition& entry) {
+  std::string out = FieldTypeName(entry.DataType);
   const TypeEntry* type = FindType(out);
   const SizeRule rule = type ? type->Size : srOptional;
   if (rule == srScale) {
-    if (spec.Precision > 0)
-      out += ":" + std::to_string(spec.Precision) + "." + std::to_string(spec.Size);
-    else if (spec.Size > 0)
-      out += ":" + std::to_string(spec.Size);
-  } else if (rule != srNone && spec.Size > 0) {
-    out += ":" + std::to_string(spec.Size);
+    if (entry.Precision > 0)
+      out += ":" + std::to_string(entry.Precision) + "." + std::to_string(entry.Size);
+    else if (entry.Size > 0)
+      out += ":" + std::to_string(entry.Size);
+  } else if (rule != srNone && entry.Size > 0) {
+    out += ":" + std::to_string(entry.Size);
   }
   return out;
 }

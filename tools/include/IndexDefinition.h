@@ -1,16 +1,16 @@
-// IndexSpec: one index of a table, parsed from "name:field;field[:options]" (tools layer).
+// IndexDefinition: one index of a table, parsed from "name:field;field[:options]" (tools layer).
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "FieldSpec.h"
+#include "FieldDefinition.h"
 
 namespace ctt {
 
 /// An index definition: its key fields in order and its options.
-struct IndexSpec {
+struct IndexDefinition {
   std::string Name;
   std::vector<std::string> Fields;
   bool Primary = false;  ///< the table's primary index; implies Unique
@@ -30,14 +30,14 @@ struct IndexSpec {
 /// shell quoting). Options, separated by commas, case-insensitive: unique, primary (implies
 /// unique), desc or descending, nocase or caseinsensitive. Raises UsageError naming the
 /// definition and what is wrong (empty name or field, a field twice, unknown option).
-IndexSpec ParseIndexSpec(std::string_view text);
+IndexDefinition ParseIndexDefinition(std::string_view text);
 
-/// Parses several definitions (each as ParseIndexSpec) and checks that no index name occurs
+/// Parses several definitions (each as ParseIndexDefinition) and checks that no index name occurs
 /// twice (case-insensitively). Raises UsageError.
-std::vector<IndexSpec> ParseIndexSpecs(const std::vector<std::string>& texts);
+std::vector<IndexDefinition> ParseIndexDefinitions(const std::vector<std::string>& texts);
 
 /// Checks that every key field of `index` is one of `fields` (case-insensitively) and is not a
 /// blob or memo field. Raises UsageError naming the index and the field.
-void CheckIndexFields(const IndexSpec& index, const std::vector<FieldSpec>& fields);
+void CheckIndexFields(const IndexDefinition& index, const std::vector<FieldDefinition>& fields);
 
 }  // namespace ctt

@@ -1,4 +1,4 @@
-// FieldSpec: one field of a table to create, parsed from "name:type[:size]" (tools layer).
+// FieldDefinition: one field of a table to create, parsed from "name:type[:size]" (tools layer).
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@ namespace ctt {
 /// characters for strings, bytes for byte fields, the scale (digits after the point) for BCD,
 /// and 0 where the type has a fixed size; `Precision` is the total number of digits for BCD
 /// (0 when not given) and 0 otherwise.
-struct FieldSpec {
+struct FieldDefinition {
   std::string Name;
   fw::TFieldType DataType = fw::ftUnknown;
   int Size = 0;
@@ -26,11 +26,11 @@ struct FieldSpec {
 /// or "s", s 0..32, p s..32), date, time, datetime, bytes and varbytes (size 1..65535 required),
 /// autoinc, blob and memo (size optional). A name starts with a letter or "_" and holds letters,
 /// digits and "_" only. Raises UsageError naming the definition and what is wrong.
-FieldSpec ParseFieldSpec(std::string_view text);
+FieldDefinition ParseFieldDefinition(std::string_view text);
 
-/// Parses a list of definitions separated by commas (each element as ParseFieldSpec) and
+/// Parses a list of definitions separated by commas (each element as ParseFieldDefinition) and
 /// checks that no name occurs twice (names compare case-insensitively). Raises UsageError.
-std::vector<FieldSpec> ParseFieldSpecs(const std::vector<std::string>& texts);
+std::vector<FieldDefinition> ParseFieldDefinitions(const std::vector<std::string>& texts);
 
 /// The tool's name for a field type ("string", "integer", ...; also names a few types `create`
 /// does not offer, such as "largeint"), or "type#n" with the framework's ordinal for the rest.
@@ -39,7 +39,7 @@ std::string FieldTypeName(fw::TFieldType type);
 /// The field type with the tool's name `name` (case-insensitive), or nullopt.
 std::optional<fw::TFieldType> FieldTypeFromName(std::string_view name);
 
-/// "string:40", "bcd:12.2", "integer": a definition in the syntax ParseFieldSpec reads back.
-std::string FormatFieldSpec(const FieldSpec& spec);
+/// "string:40", "bcd:12.2", "integer": a definition in the syntax ParseFieldDefinition reads back.
+std::string FormatFieldDefinition(const FieldDefinition& entry);
 
 }  // namespace ctt
