@@ -381,7 +381,10 @@ CTISAM_API COUNT CLSICON(COUNT contextid);
  * (locks taken with LOKREC stay); RESET does the same and starts a new set in the same mode;
  * SUSPEND stops taking locks, RESTORE resumes (CT_ETRAN outside a set). Inside a transaction
  * FREE and RESET only stop taking locks: writes and locks stay until the transaction ends.
- * A commit failure (CT_EDISKFULL, CT_EIO) discards the set's writes. CT_EBADARG for other modes. */
+ * A commit failure (CT_EDISKFULL, CT_EIO) discards the set's writes. CT_EBADARG for other modes.
+ * A set that wrote several files commits all or none of them even if the process dies between
+ * the files' commits: a journal next to each file lets the next open roll back the ones that
+ * committed (other processes may see the first files' part for the instant of the commits). */
 CTISAM_API COUNT LKISAM(COUNT mode);
 /* Locks (ENABLE, ENABLE_BLK: write; READREC: read) or frees (FREE) the record at pos of datno.
  * DLOK2_ERR / DTMO_ERR when refused; FREE of a lock this handle does not hold gives DLOK_ERR.
@@ -393,7 +396,9 @@ CTISAM_API COUNT LOKREC(COUNT datno, COUNT mode, LONG pos);
 CTISAM_API LONG TRANBEG(COUNT mode);
 /* Commits the transaction (CT_ETRAN without one). mode FREE also ends the lock set and
  * releases its locks; any other mode keeps the lock set going. Files commit one after the
- * other: a failure of one (CT_EDISKFULL, CT_EIO) discards it and those after it. */
+ * other, all or none: a failure of one (CT_EDISKFULL, CT_EIO) discards the whole transaction,
+ * and a process dying between two commits leaves a journal by which the next open of any of
+ * the files rolls back those that committed. */
 CTISAM_API COUNT TRANEND(COUNT mode);
 /* Discards every write of the transaction, ends its lock set and releases its locks (CT_ETRAN
  * without one). Current records may then name records that no longer exist. */

@@ -34,7 +34,7 @@ bool GetMeta(MDB_txn* txn, MDB_dbi dbi, const char* key, std::string& out) {
 
 void PutMeta(MDB_txn* txn, MDB_dbi dbi, const char* key, const std::string& value) {
   MDB_val k = Val(key), v = Val(value);
-  Check(mdb_put(txn, dbi, &k, &v, 0));
+  Check(Put(txn, dbi, &k, &v, 0));
 }
 
 FileHeader MakeHeader(uint8_t kind, uint16_t filmod, uint32_t reclen, const char* password) {

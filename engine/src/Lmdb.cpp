@@ -6,7 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstring>
+
 #include "LockTable.h"
+#include "SetJournal.h"
 #include "ctisam.h"
 
 namespace cte {
@@ -73,6 +76,7 @@ std::shared_ptr<Env> Env::Acquire(const std::string& path, bool create) {
   Check(mdb_env_create(&raw));
   std::shared_ptr<Env> env(new Env(raw));
   env->path_ = path;
+  mdb_env_set_userctx(raw, env.get());
   mdb_env_set_maxdbs(raw, kMaxDbs);
   size_t map = kInitialMap;
   while (map < static_cast<size_t>(st.st_size) * 2) map *= 2;
@@ -93,6 +97,9 @@ std::shared_ptr<Env> Env::Acquire(const std::string& path, bool create) {
   int dead = 0;
   mdb_reader_check(raw, &dead);
   reg[id] = env;
+  // A set journal left next to the file by a process that died between the commits of a
+  // multi-file set is resolved before the file is used.
+  if (FileSize(path + ".setlog") >= 0) SetJournal::Recover(path);
   return env;
 }
 
@@ -129,6 +136,10 @@ void Env::Hold() {
   MDB_txn* parent = held_.empty() ? nullptr : held_.back();
   if (!parent) Reserve(kHeldRoom);
   MDB_txn* txn = parent ? nullptr : BeginWrite();
+  if (!parent) {
+    undo_.clear();
+    touched_.clear();
+  }
   if (parent) Check(mdb_txn_begin(env_, parent, 0, &txn));
   held_.push_back(txn);
   ++epoch_;
@@ -162,6 +173,72 @@ void Env::AbortTop() {
   // Handles opened inside the aborted transaction are closed by LMDB; names still open are
   // found again by mdb_dbi_open.
   dbis_.clear();
+}
+
+void Env::Remember(MDB_txn* txn, MDB_dbi dbi, const MDB_val& key) {
+  std::string k(static_cast<const char*>(key.mv_data), key.mv_size);
+  if (!touched_.emplace(std::make_pair(dbi, k), true).second) return;
+  auto name = names_.find(dbi);
+  if (name == names_.end()) Throw(CT_EIO);
+  unsigned flags = 0;
+  Check(mdb_dbi_flags(txn, dbi, &flags));
+  MDB_val kv = key, old{};
+  int rc = mdb_get(txn, dbi, &kv, &old);
+  if (rc != 0 && rc != MDB_NOTFOUND) ThrowLmdb(rc);
+  undo_.push_back(Undo{name->second, flags, std::move(k), rc == 0,
+                       rc == 0 ? std::string(static_cast<const char*>(old.mv_data), old.mv_size) : std::string()});
+}
+
+void Env::RememberAll(MDB_txn* txn, MDB_dbi dbi) {
+  MDB_cursor* c = nullptr;
+  Check(mdb_cursor_open(txn, dbi, &c));
+  MDB_val k{}, v{};
+  std::vector<std::string> keys;
+  for (int rc = mdb_cursor_get(c, &k, &v, MDB_FIRST); rc == 0; rc = mdb_cursor_get(c, &k, &v, MDB_NEXT))
+    keys.emplace_back(static_cast<const char*>(k.mv_data), k.mv_size);
+  mdb_cursor_close(c);
+  for (std::string& key : keys) Remember(txn, dbi, MDB_val{key.size(), key.data()});
+}
+
+void Env::MarkSet(uint64_t id) {
+  MDB_txn* txn = held_.back();
+  MDB_dbi dbi = Dbi(txn, "setid", true);
+  MDB_val k{2, const_cast<char*>("id")}, v{sizeof id, &id};
+  Check(mdb_put(txn, dbi, &k, &v, 0));
+}
+
+uint64_t Env::LastSet() {
+  MDB_txn* txn = nullptr;
+  Check(mdb_txn_begin(env_, nullptr, MDB_RDONLY, &txn));
+  MDB_dbi dbi = 0;
+  uint64_t id = 0;
+  MDB_val k{2, const_cast<char*>("id")}, v{};
+  if (mdb_dbi_open(txn, "setid", 0, &dbi) == 0 && mdb_get(txn, dbi, &k, &v) == 0 && v.mv_size == sizeof id)
+    std::memcpy(&id, v.mv_data, sizeof id);
+  mdb_txn_abort(txn);
+  return id;
+}
+
+namespace {
+Env* Holder(MDB_txn* txn) {
+  Env* env = static_cast<Env*>(mdb_env_get_userctx(mdb_txn_env(txn)));
+  return env && env->Holding() ? env : nullptr;
+}
+}  // namespace
+
+int Put(MDB_txn* txn, MDB_dbi dbi, MDB_val* key, MDB_val* val, unsigned flags) {
+  if (Env* env = Holder(txn)) env->Remember(txn, dbi, *key);
+  return mdb_put(txn, dbi, key, val, flags);
+}
+
+int Del(MDB_txn* txn, MDB_dbi dbi, MDB_val* key, MDB_val* val) {
+  if (Env* env = Holder(txn)) env->Remember(txn, dbi, *key);
+  return mdb_del(txn, dbi, key, val);
+}
+
+int Drop(MDB_txn* txn, MDB_dbi dbi, int del) {
+  if (Env* env = Holder(txn)) env->RememberAll(txn, dbi);
+  return mdb_drop(txn, dbi, del);
 }
 
 void Env::DropSnapshot() {
@@ -205,6 +282,7 @@ MDB_dbi Env::Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned fl
   if (rc == MDB_NOTFOUND) Throw(CT_EDAMAGED);
   Check(rc);
   dbis_[name] = dbi;
+  names_[dbi] = name;
   // A read snapshot begun before the handle existed cannot use it: the next one is fresh.
   if (rtxnLive_ && txn != rtxn_) {
     mdb_txn_reset(rtxn_);

@@ -58,6 +58,28 @@ class Env {
   void CommitTop(bool durable);
   void AbortTop();
   uint64_t Epoch() const { return epoch_; }
+  const std::string& Path() const { return path_; }
+
+  // Undo log of the base held transaction: the value every key written since the base Hold had
+  // before it (first write wins), kept so that a set spanning several files can be rolled back
+  // in a file that committed when another did not (SetJournal). Filled by Put/Del/Drop below.
+  struct Undo {
+    std::string db;     // database name as given to Dbi
+    unsigned flags;     // its LMDB flags (to recreate it after a drop)
+    std::string key;
+    bool existed;       // false: the key was absent (undo deletes it)
+    std::string value;  // the previous value when existed
+  };
+  const std::vector<Undo>& UndoLog() const { return undo_; }
+  // Writes id as the set id of the base held transaction (nested levels must be committed);
+  // SetJournal tells by it whether this file committed a multi-file set.
+  void MarkSet(uint64_t id);
+  // The set id of the file's last commit that carried one; 0 when none.
+  uint64_t LastSet();
+  // Records the previous value of key (in dbi, read inside txn) unless already recorded.
+  void Remember(MDB_txn* txn, MDB_dbi dbi, const MDB_val& key);
+  // Records the previous value of every key of dbi (before a drop).
+  void RememberAll(MDB_txn* txn, MDB_dbi dbi);
 
   // The record lock table of this file (created on first use).
   LockTable& Locks();
@@ -77,7 +99,16 @@ class Env {
   bool rtxnLive_ = false;
   uint64_t gen_ = 1;
   std::map<std::string, MDB_dbi> dbis_;
+  std::map<MDB_dbi, std::string> names_;
+  std::vector<Undo> undo_;
+  std::map<std::pair<MDB_dbi, std::string>, bool> touched_;
 };
+
+// Writes through these keep the undo log of a held transaction; same results as mdb_put,
+// mdb_del and mdb_drop, which engine code does not call directly.
+int Put(MDB_txn* txn, MDB_dbi dbi, MDB_val* key, MDB_val* val, unsigned flags);
+int Del(MDB_txn* txn, MDB_dbi dbi, MDB_val* key, MDB_val* val);
+int Drop(MDB_txn* txn, MDB_dbi dbi, int del);
 
 // A read cursor bound to an Env's snapshot generation; re-bound (and marked unpositioned) when
 // the snapshot changes. While the Env holds a write transaction the cursor is one opened on

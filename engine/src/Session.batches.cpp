@@ -143,9 +143,9 @@ void Session::DeleteBatch(int keyno, BatchRequest& req) {
         rc = mdb_get(txn, s.KeyDbi(i), &k, &v);
         if (rc == MDB_NOTFOUND) continue;
         Check(rc);
-        if (v.mv_size == 4 && std::memcmp(v.mv_data, &pos, 4) == 0) Check(mdb_del(txn, s.KeyDbi(i), &k, nullptr));
+        if (v.mv_size == 4 && std::memcmp(v.mv_data, &pos, 4) == 0) Check(Del(txn, s.KeyDbi(i), &k, nullptr));
       }
-      Check(mdb_del(txn, s.RecDbi(), &rk, nullptr));
+      Check(Del(txn, s.RecDbi(), &rk, nullptr));
     }
   });
   req.total = static_cast<long>(sel.positions.size());

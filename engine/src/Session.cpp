@@ -42,6 +42,10 @@ void Session::Init(int fils, const char* servname) {
   ops_ = 0;
   const char* timeout = std::getenv("CTISAM_LOCK_TIMEOUT_MS");
   lockTimeoutMs_ = timeout && std::atoi(timeout) > 0 ? std::atoi(timeout) : 5000;
+  // Test hook: the process exits right after the first file of a multi-file set committed, as
+  // if killed there (recovery tests).
+  const char* crash = std::getenv("CTISAM_TEST_CRASH_BETWEEN_COMMITS");
+  crashBetweenCommits_ = crash && std::strcmp(crash, "1") == 0;
   active_ = true;
 }
 

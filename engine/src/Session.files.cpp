@@ -401,7 +401,7 @@ void Session::AddRes(int datno, const void* res, long len, bool update) {
     if (rc != 0 && rc != MDB_NOTFOUND) Check(rc);
     if (update && rc == MDB_NOTFOUND) Throw(RNOT_ERR);
     if (!update && rc == 0) Throw(CT_ERESDUP);
-    Check(mdb_put(txn, h.store->ResDbi(), &k, &v, 0));
+    Check(Put(txn, h.store->ResDbi(), &k, &v, 0));
   });
 }
 
@@ -412,7 +412,7 @@ void Session::DelRes(int datno, const void* res) {
   std::string key = ResKey(res);
   Write(h, [&](MDB_txn* txn) {
     MDB_val k{key.size(), key.data()};
-    int rc = mdb_del(txn, h.store->ResDbi(), &k, nullptr);
+    int rc = Del(txn, h.store->ResDbi(), &k, nullptr);
     if (rc == MDB_NOTFOUND) Throw(RNOT_ERR);
     Check(rc);
   });

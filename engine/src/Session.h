@@ -359,6 +359,7 @@ class Session {
   int savepoints_ = 0;
   long tranNo_ = 0;
   int lockTimeoutMs_ = 5000;
+  bool crashBetweenCommits_ = false;  // test hook CTISAM_TEST_CRASH_BETWEEN_COMMITS
   std::vector<std::unique_ptr<Handle>> files_;
   std::map<int, Context> contexts_;
   std::vector<uint8_t> scratch_;

@@ -32,7 +32,7 @@ std::vector<std::string> FilesOf(const FileDef& d) {
 
 void Session::FillIndex(DataStore& s, MDB_txn* txn, size_t ordinal) {
   const MDB_dbi dbi = s.KeyDbi(ordinal);
-  Check(mdb_drop(txn, dbi, 0));
+  Check(Drop(txn, dbi, 0));
   const KeyLayout& layout = s.Layout(ordinal);
   uint8_t key[CT_MAXKEYLEN];
   MDB_cursor* c = nullptr;
@@ -46,7 +46,7 @@ void Session::FillIndex(DataStore& s, MDB_txn* txn, size_t ordinal) {
       const uint8_t* r = static_cast<const uint8_t*>(v.mv_data);
       if (layout.Build(r, v.mv_size, pos, key) || !s.Accepts(ordinal, r, v.mv_size)) continue;
       MDB_val kk{static_cast<size_t>(layout.KeyLen()), key}, pv{sizeof pos, &pos};
-      int put = mdb_put(txn, dbi, &kk, &pv, MDB_NOOVERWRITE);
+      int put = Put(txn, dbi, &kk, &pv, MDB_NOOVERWRITE);
       if (put == MDB_KEYEXIST) Throw(KDUP_ERR);
       Check(put);
     }
@@ -229,7 +229,7 @@ void Session::Rebuild(const FileDef& given, const char* dataext, const char* idx
     }
     Env& env = s->env();
     WriteTxn w(env);
-    for (MDB_dbi dbi : stale) Check(mdb_drop(w.Get(), dbi, 0));
+    for (MDB_dbi dbi : stale) Check(Drop(w.Get(), dbi, 0));
     s->PutDef(w.Get(), def);
     for (size_t i = 0; i < def.idx.size(); ++i) FillIndex(*s, w.Get(), i);
     w.Commit(true);

@@ -156,7 +156,7 @@ void Session::AddKey(int keyno, const void* key, uint32_t pos) {
   int keylen = s.def().idx[f.ordinal].keylen;
   Write(f, [&](MDB_txn* txn) {
     MDB_val k{static_cast<size_t>(keylen), const_cast<void*>(key)}, v{sizeof pos, &pos};
-    int rc = mdb_put(txn, s.KeyDbi(f.ordinal), &k, &v, MDB_NOOVERWRITE);
+    int rc = Put(txn, s.KeyDbi(f.ordinal), &k, &v, MDB_NOOVERWRITE);
     if (rc == MDB_KEYEXIST) Throw(KDUP_ERR);
     Check(rc);
   });
@@ -174,7 +174,7 @@ void Session::DeleteKey(int keyno, const void* key, uint32_t pos, bool checkPos)
     if (rc == MDB_NOTFOUND) Throw(INOT_ERR);
     Check(rc);
     if (checkPos && (v.mv_size != 4 || std::memcmp(v.mv_data, &pos, 4) != 0)) Throw(INOT_ERR);
-    Check(mdb_del(txn, s.KeyDbi(f.ordinal), &k, nullptr));
+    Check(Del(txn, s.KeyDbi(f.ordinal), &k, nullptr));
   });
 }
 

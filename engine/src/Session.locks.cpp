@@ -3,9 +3,13 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <memory>
 #include <thread>
 
+#include <unistd.h>
+
 #include "LockTable.h"
+#include "SetJournal.h"
 #include "Session.h"
 
 namespace cte {
@@ -27,12 +31,30 @@ void Session::EndHeld(bool commit) {
   held_.clear();
   savepoints_ = 0;
   int failure = 0, sys = 0;
+  // A set over several files commits them one after another; its undo journal, flushed before
+  // the first commit, lets a failure or a death between two commits be rolled back.
+  std::unique_ptr<SetJournal> journal;
+  size_t committed = 0;
+  if (commit) {
+    try {
+      for (HeldEnv& he : held)
+        while (he.env->HeldDepth() > 1) he.env->CommitTop(false);
+      if (held.size() > 1) {
+        std::vector<std::shared_ptr<Env>> envs;
+        for (HeldEnv& he : held) envs.push_back(he.env);
+        journal = std::make_unique<SetJournal>(envs);
+      }
+    } catch (const Fail& e) {
+      failure = e.code;
+      sys = e.sysio;
+    }
+  }
   for (HeldEnv& he : held) {
     Env& env = *he.env;
     if (commit && !failure) {
       try {
-        while (env.HeldDepth() > 1) env.CommitTop(false);
-        env.CommitTop(he.durable);
+        env.CommitTop(he.durable || journal);
+        if (journal && ++committed == 1 && crashBetweenCommits_) _exit(0);
         continue;
       } catch (const Fail& e) {
         failure = e.code;
@@ -40,6 +62,17 @@ void Session::EndHeld(bool commit) {
       }
     }
     while (env.Holding()) env.AbortTop();
+  }
+  if (journal) {
+    if (failure && committed) {
+      try {
+        journal->RollBack();
+      } catch (const Fail&) {
+        // The journal stays: the next open of any file of the set rolls it back.
+      }
+    } else {
+      journal->Remove();
+    }
   }
   // Definitions cached by the stores may have changed inside what was aborted.
   if (!commit || failure) {

@@ -162,7 +162,7 @@ void Session::DropIndexes(Handle& h, std::vector<size_t> ordinals, const FileDef
   std::vector<MDB_dbi> victims;
   for (size_t o : ordinals) victims.push_back(s.KeyDbi(o));
   WriteDefinition(h, [&](MDB_txn* txn) {
-    for (MDB_dbi dbi : victims) Check(mdb_drop(txn, dbi, 0));
+    for (MDB_dbi dbi : victims) Check(Drop(txn, dbi, 0));
     s.PutDef(txn, def);
   });
   Remap(s, before);

@@ -33,14 +33,14 @@ size_t RecordLength(const DataStore& s, long len) {
 
 void PutKey(MDB_txn* txn, MDB_dbi dbi, const uint8_t* key, int keylen, uint32_t pos) {
   MDB_val k{static_cast<size_t>(keylen), const_cast<uint8_t*>(key)}, v = PosKey(pos);
-  int rc = mdb_put(txn, dbi, &k, &v, MDB_NOOVERWRITE);
+  int rc = Put(txn, dbi, &k, &v, MDB_NOOVERWRITE);
   if (rc == MDB_KEYEXIST) Throw(KDUP_ERR);
   Check(rc);
 }
 
 void DelKey(MDB_txn* txn, MDB_dbi dbi, const uint8_t* key, int keylen) {
   MDB_val k{static_cast<size_t>(keylen), const_cast<uint8_t*>(key)};
-  int rc = mdb_del(txn, dbi, &k, nullptr);
+  int rc = Del(txn, dbi, &k, nullptr);
   if (rc != MDB_NOTFOUND) Check(rc);
 }
 
@@ -111,7 +111,7 @@ void Session::AddRec(int datno, void* rec, long len) {
       if (!k.Build(r, n, pos, key) && s.Accepts(i, r, n)) PutKey(txn, s.KeyDbi(i), key, k.KeyLen(), pos);
     }
     MDB_val k = PosKey(pos), v{n, r};
-    Check(mdb_put(txn, s.RecDbi(), &k, &v, MDB_APPEND));
+    Check(Put(txn, s.RecDbi(), &k, &v, MDB_APPEND));
     s.WriteCounters(txn, c);
   });
   if (serial) std::memcpy(rec, r, n);
@@ -161,7 +161,7 @@ void Session::Rewrite(int datno, const void* rec, long len) {
       if (!newNull) PutKey(txn, s.KeyDbi(i), nk, layout.KeyLen(), pos);
     }
     MDB_val v{n, const_cast<uint8_t*>(r)};
-    Check(mdb_put(txn, s.RecDbi(), &k, &v, 0));
+    Check(Put(txn, s.RecDbi(), &k, &v, 0));
   });
   p.curGen = 0;
   p.recAt = false;
@@ -197,7 +197,7 @@ void Session::DeleteRec(int datno) {
       if (!layout.Build(o, old.mv_size, pos, key) && s.Accepts(i, o, old.mv_size))
         DelKey(txn, s.KeyDbi(i), key, layout.KeyLen());
     }
-    Check(mdb_del(txn, s.RecDbi(), &k, nullptr));
+    Check(Del(txn, s.RecDbi(), &k, nullptr));
   });
   // The deleted record's keys stay as the current keys, so that the next step in any order
   // gives the record that followed it.
@@ -381,7 +381,7 @@ uint32_t Session::NewRec(int datno, long len) {
     pos = c.nextPos;
     c.nextPos = Advance(pos, n);
     MDB_val k = PosKey(pos), v{n, scratch_.data()};
-    Check(mdb_put(txn, s.RecDbi(), &k, &v, MDB_APPEND));
+    Check(Put(txn, s.RecDbi(), &k, &v, MDB_APPEND));
     s.WriteCounters(txn, c);
   });
   return pos;
@@ -399,7 +399,7 @@ void Session::WriteAt(int datno, uint32_t pos, const void* rec, long len) {
     if (rc == MDB_NOTFOUND) Throw(INOT_ERR);
     Check(rc);
     MDB_val v{n, const_cast<void*>(rec)};
-    Check(mdb_put(txn, s.RecDbi(), &k, &v, 0));
+    Check(Put(txn, s.RecDbi(), &k, &v, 0));
   });
 }
 
@@ -409,7 +409,7 @@ void Session::ReleaseAt(int datno, uint32_t pos) {
   DataStore& s = *h.store;
   Write(h, [&](MDB_txn* txn) {
     MDB_val k = PosKey(pos);
-    int rc = mdb_del(txn, s.RecDbi(), &k, nullptr);
+    int rc = Del(txn, s.RecDbi(), &k, nullptr);
     if (rc == MDB_NOTFOUND) Throw(INOT_ERR);
     Check(rc);
   });

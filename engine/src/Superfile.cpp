@@ -56,7 +56,7 @@ std::shared_ptr<Env> OpenHost(const std::string& host, bool create) {
       MDB_dbi meta = env->Dbi(w.Get(), "sfmeta", true);
       env->Dbi(w.Get(), "sfdir", true);
       MDB_val k = Lit("hdr"), v{sizeof kHostMagic, const_cast<char*>(kHostMagic)};
-      Check(mdb_put(w.Get(), meta, &k, &v, 0));
+      Check(Put(w.Get(), meta, &k, &v, 0));
       w.Commit(true);
       return env;
     } catch (...) {
@@ -96,8 +96,8 @@ uint32_t CreateMember(Env& env, MDB_txn* txn, const std::string& member) {
   if (mdb_get(txn, meta, &nk, &nv) == 0 && nv.mv_size == sizeof id) std::memcpy(&id, nv.mv_data, sizeof id);
   uint32_t next = id + 1;
   MDB_val idv{sizeof id, &id}, nextv{sizeof next, &next};
-  Check(mdb_put(txn, dir, &k, &idv, 0));
-  Check(mdb_put(txn, meta, &nk, &nextv, 0));
+  Check(Put(txn, dir, &k, &idv, 0));
+  Check(Put(txn, meta, &nk, &nextv, 0));
   return id;
 }
 
@@ -152,12 +152,12 @@ bool RemovePath(const std::string& path) {
   mdb_cursor_close(c);
   for (const std::string& n : names) {
     MDB_dbi dbi = env->Dbi(w.Get(), n, false);
-    Check(mdb_drop(w.Get(), dbi, 1));
+    Check(Drop(w.Get(), dbi, 1));
     env->Forget(n);
   }
   MDB_dbi dir = env->Dbi(w.Get(), "sfdir", false);
   MDB_val mk = Val(p.member);
-  Check(mdb_del(w.Get(), dir, &mk, nullptr));
+  Check(Del(w.Get(), dir, &mk, nullptr));
   w.Commit(true);
   return true;
 }
@@ -173,8 +173,8 @@ void RenamePath(const std::string& from, const std::string& to) {
   WriteTxn w(*env);
   MDB_dbi dir = env->Dbi(w.Get(), "sfdir", false);
   MDB_val ak = Val(a.member), bk = Val(b.member), idv{sizeof id, &id};
-  Check(mdb_del(w.Get(), dir, &ak, nullptr));
-  Check(mdb_put(w.Get(), dir, &bk, &idv, 0));
+  Check(Del(w.Get(), dir, &ak, nullptr));
+  Check(Put(w.Get(), dir, &bk, &idv, 0));
   w.Commit(true);
 }
 

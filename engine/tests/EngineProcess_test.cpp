@@ -358,3 +358,56 @@ TEST_F(EngineProcess, RebuildRemovesTheTemporaryIndexOfAProcessThatDied) {
 }
 
 }  // namespace
+
+// A set that wrote two files, ended by end in a child that the test hook makes exit right after
+// the first file's commit: on the next open, both files are as before the set.
+void DieBetweenCommits(EngineApi& api, IFIL& customers, int (*begin)(EngineApi&), int (*end)(EngineApi&)) {
+  Customer kept = MakeCustomer(1, "kept", "K");
+  ASSERT_EQ(api.ADDREC(customers.tfilno, &kept), 0);
+  ASSERT_EQ(api.CREDAT(30, (pTEXT) "log.dat", 8, 0, SHARED), 0);
+  ASSERT_EQ(api.ADDREC(30, (pTEXT) "kept...."), 0);
+  ASSERT_EQ(api.CLIFIL(&customers), 0);
+  ASSERT_EQ(api.CLSFIL(30, 0), 0);
+  setenv("CTISAM_TEST_CRASH_BETWEEN_COMMITS", "1", 1);
+  pid_t pid = Spawn([&](EngineApi& e) {
+    if (e.OPNRFIL(0, (pTEXT) "customers.dat", SHARED) != 0) return 1;
+    if (e.OPNFIL(5, (pTEXT) "log.dat", SHARED) != 0) return 4;
+    if (begin(e) != 0) return 2;
+    Customer c = MakeCustomer(2, "set", "S");
+    if (e.ADDREC(0, &c) != 0 || e.ADDREC(5, (pTEXT) "set.....") != 0) return 3;
+    end(e);
+    return 7;  // the hook did not fire
+  });
+  unsetenv("CTISAM_TEST_CRASH_BETWEEN_COMMITS");
+  ASSERT_EQ(Wait(pid), 0);
+  EXPECT_TRUE(std::filesystem::exists("customers.dat.setlog"));
+  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+  ASSERT_EQ(api.OPNFIL(5, (pTEXT) "log.dat", SHARED), 0);
+  EXPECT_EQ(api.DATENT(0), 1);
+  EXPECT_EQ(api.DATENT(5), 1);
+  EXPECT_FALSE(std::filesystem::exists("customers.dat.setlog"));
+  EXPECT_FALSE(std::filesystem::exists("log.dat.setlog"));
+  // The files work normally afterwards, and an uninterrupted two-file set commits both.
+  ASSERT_EQ(api.LKISAM(ENABLE), 0);
+  Customer c = MakeCustomer(3, "after", "A");
+  ASSERT_EQ(api.ADDREC(0, &c), 0);
+  ASSERT_EQ(api.ADDREC(5, (pTEXT) "after..."), 0);
+  ASSERT_EQ(api.LKISAM(FREE), 0);
+  EXPECT_EQ(api.DATENT(0), 2);
+  EXPECT_EQ(api.DATENT(5), 2);
+  EXPECT_FALSE(std::filesystem::exists("log.dat.setlog"));
+}
+
+TEST_F(EngineProcess, LockSetDyingBetweenFileCommitsIsRolledBackOnOpen) {
+  CreateCustomers();
+  DieBetweenCommits(
+      api, def_.ifil, [](EngineApi& e) { return static_cast<int>(e.LKISAM(ENABLE)); },
+      [](EngineApi& e) { return static_cast<int>(e.LKISAM(FREE)); });
+}
+
+TEST_F(EngineProcess, TransactionDyingBetweenFileCommitsIsRolledBackOnOpen) {
+  CreateCustomers();
+  DieBetweenCommits(
+      api, def_.ifil, [](EngineApi& e) { return e.TRANBEG(ENABLE) > 0 ? 0 : 1; },
+      [](EngineApi& e) { return static_cast<int>(e.TRANEND(FREE)); });
+}
