@@ -38,6 +38,7 @@ struct Customer {  // the record image of the table (byte alignment)
   char name[30];
   char city[20];
   double balance;
+  char slack[10];  // the connection makes records 10 bytes longer than their fields
 };
 #pragma pack(pop)
 
@@ -203,6 +204,8 @@ void RunEngine(System& s, Ctdb::TCTConnection& conn) {
   std::unique_ptr<Ctdb::TCTCursorDesc> cursor;
   CTDbIntf::CtError(conn.OpenCursor(cursor, "enginecust", gDir, 0));
   const int16_t dat = cursor->DataFileNo, byId = static_cast<int16_t>(dat + 1), byCity = static_cast<int16_t>(dat + 2);
+  if (cursor->FixedRecLength != static_cast<int32_t>(sizeof(Customer)))
+    throw std::runtime_error("the table's records are not laid out as Customer");
   auto fail = [&](const char* what) {
     throw std::runtime_error(std::string(what) + " failed: " + std::to_string(CTDbIntf::GetCtIsamErr(a)));
   };
