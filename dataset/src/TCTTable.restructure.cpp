@@ -125,6 +125,10 @@ void TCTTable::CreateTable() {
     // Types from ftInteger on carry sizes of at most 0xFFFF; BCD carries its scale as the size.
     int size = def.Size();
     if (def.DataType() >= fw::ftInteger) size = std::min(size, 0xFFFF);
+    // Fixed-width text and bytes live in the record, whose length the storage keeps in 16 bits:
+    // a larger size would be cut to another width here, so it is refused before anything exists.
+    if ((def.DataType() == fw::ftString || def.DataType() == fw::ftBytes) && size > Ctdb::kCtMaxRecordLength)
+      CTDbIntf::CtError(Ctdb::kCtRecordTooLong);
     Ctdb::CTFldDesc& field = encoded[static_cast<size_t>(i)];
     EncodeFieldDesc(field, def.Name(), def.DataType(), size);
     field.FieldNo = static_cast<uint16_t>(i + 1);

@@ -76,15 +76,20 @@ enum : int32_t {
   kCtNoResource = 408,       // IFIL or DODA resource missing, empty or unreadable
   kCtBeginOfTable = 1101,    // current record asked for before the first record
   kCtEndOfTable = 1102,      // current record asked for after the last record
+  kCtRecordTooLong = 1103,   // a table definition whose record exceeds kCtMaxRecordLength
   kCtOffsetBeyondData = 1112,  // a field lies beyond the end of the record held
   kCtInvalidCursor = 1113,   // nil cursor
   kCtNoIndexes = 1114,       // the table has no index
   kCtNoFields = 1115,        // a table definition without fields
   kCtOutOfMemory = 1116,     // an allocation failed
+  kCtRecordCorrupted = 1117,  // a stored value contradicts its field (a length prefix too large)
   kCtRecordChanged = 1135,   // the stored record changed since it was read
   kCtAlignmentMismatch = 1136,  // the file was made by a library of another alignment
   kCtInvalidIndexDesc = 1137,   // nil index descriptor or index ordinal out of range
 };
+
+/// Longest record the storage keeps: record lengths are 16-bit signed numbers in its definitions.
+inline constexpr int32_t kCtMaxRecordLength = 32767;
 
 /// c-tree's day 0 (2 March 1700) as a framework day number (days since 0001-01-01, plus one).
 inline constexpr int32_t kCtDateOffset = 620606;

@@ -73,6 +73,15 @@ int32_t TCTConnection::CreateTable(const std::string& path, bool overwrite, CTTb
   if (desc.Fields.empty()) return kCtNoFields;
   const CTDbIntf::TLoadAlignment a = Alignment();
   const int32_t fieldCount = static_cast<int32_t>(desc.Fields.size());
+  // The definition keeps the record length in 16 bits: a longer record would be cut to a
+  // different length, so it is refused before anything is deleted or created.
+  int64_t recordLength = kRecordSlack;
+  for (int32_t i = 0; i < fieldCount; ++i) {
+    const CTFldDesc& field = desc.Fields[static_cast<size_t>(i)];
+    if (IsVariable(field)) break;  // as GetCTreeRecLength: the variable part is not counted
+    recordLength += std::max(field.FieldType == fldDATE ? int32_t{field.Length} : GetCTreeFieldLength(i + 1, desc.Fields), 0);
+  }
+  if (recordLength > kCtMaxRecordLength) return kCtRecordTooLong;
 
   // `path` names a superfile host when it ends in a file name that is not a directory; the table
   // then becomes the member host!name.
@@ -83,6 +92,10 @@ int32_t TCTConnection::CreateTable(const std::string& path, bool overwrite, CTTb
     if (dir.empty()) dir = fw::GetCurrentDir();
     tableName = fw::ExtractFileName(path) + "!" + fw::ExtractFileName(desc.Name);
   }
+  // The files are created with the table's folder made current, so a relative folder is
+  // resolved against the caller's folder first: otherwise it would be applied twice.
+  if (ServerName().empty() && dir.front() != fw::PathDelim)
+    dir = fw::IncludeTrailingPathDelimiter(fw::GetCurrentDir()) + dir;
   std::string fullName = BuildFullPath(dir, tableName);
   fullName = fullName.c_str();
   // The data extension is what BuildFullPath put at the end of the name: the member's or

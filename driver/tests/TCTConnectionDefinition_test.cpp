@@ -177,10 +177,30 @@ TEST_F(DefinitionTest, FailedCreatesLeaveNoFiles) {
   EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), CT_EBADDEF);
   desc.Fields.clear();
   EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), kCtNoFields);
+  // Records beyond 32767 bytes: the stored 16-bit length would be another one.
+  desc = People();
+  desc.Fields.push_back(Field("memo", fldZSTRING, fldstF2STRING, 32767 - 20 - 10));
+  EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  ASSERT_EQ(Conn->DeleteTable(Dir.Path(), "people"), 0);
+  desc.Fields.push_back(Field("one", fldBOOL, 0, 1));
+  EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), kCtRecordTooLong);
   EXPECT_TRUE(Files().empty());
   Conn->SetActive(false);
   desc = People();
   EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), kCtNotActive);
+}
+
+TEST_F(DefinitionTest, ARelativePathIsTakenFromTheCurrentFolderOnce) {
+  const std::filesystem::path saved = std::filesystem::current_path();
+  std::filesystem::current_path(Dir.Path());
+  std::filesystem::create_directory("rel");
+  CTTblDesc desc = People();
+  const int32_t created = Conn->CreateTable("rel", false, desc);
+  const int32_t opened = Conn->OpenCursor(Cursor, "people", "rel", SHARED);
+  std::filesystem::current_path(saved);
+  EXPECT_EQ(created, 0);
+  EXPECT_EQ(opened, 0);
+  EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(Dir.Path()) / "rel" / "people"));
 }
 
 TEST_F(DefinitionTest, RenamedTableOpensUnderItsNewName) {

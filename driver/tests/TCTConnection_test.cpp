@@ -155,7 +155,7 @@ TEST_F(ConnectionTest, ASecondConnectionSharesTheOpenSession) {
 }
 
 TEST_F(ConnectionTest, AServerThatIsNotThereLeavesTheConnectionInactive) {
-  Conn->SetServerName("FAIRCOMS");
+  Conn->SetServerName("LARKHOLLOW");
   try {
     Conn->SetActive(true);
     FAIL() << "no exception";

@@ -140,6 +140,7 @@ ExitCode RunList(TableBackend& backend, const TableRef& table, const ListOptions
     console.Out << "(more records follow; --limit " << options.Limit << " stopped the listing, --limit 0 shows all)\n";
   else
     console.Out << "(" << printer.RowCount() << (printer.RowCount() == 1 ? " record" : " records") << ")\n";
+  CheckWritten(console.Out, "standard output");
   return kExitOk;
 }
 

@@ -5,6 +5,7 @@
 
 #include "CTTables.h"
 #include "ConnectionSetup.h"
+#include "StringUtils.h"
 #include "TField.h"
 #include "TFieldDefs.h"
 #include "TFields.h"
@@ -174,6 +175,10 @@ class TableLayerBackend : public TableBackend {
  private:
   // A closed table on the connection for `ref`.
   std::unique_ptr<CTTables::TCTTable> NewTable(const TableRef& ref) {
+    // The connection drops a local folder that does not exist and takes the name relative to the
+    // current folder instead, and create would even make the folder's name a superfile there.
+    if (!ref.Directory.empty() && FSetup.Connection().ServerName().empty() && !fw::DirectoryExists(ref.Directory))
+      throw ToolError(kExitNotFound, "folder " + ref.Directory + " does not exist");
     auto table = std::make_unique<CTTables::TCTTable>(nullptr);
     table->SetConnection(&FSetup.Connection());
     if (!ref.SuperFile.empty()) {
