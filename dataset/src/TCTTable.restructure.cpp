@@ -167,6 +167,9 @@ void TCTTable::AddIndex(const std::string& Name, const std::string& Fields, cons
 }
 
 void TCTTable::DeleteIndex(const std::string& Name) {
+  // The name is looked up in the index definitions: read them from the open table first, or a
+  // call right after Open would find nothing and silently do nothing.
+  if (FCursor != nullptr) IndexDefs()->Update();
   const int position = IndexDefs()->IndexOf(Name);
   if (position < 0) return;
   const TCTIndexDef& def = *IndexDefs()->Items(position);

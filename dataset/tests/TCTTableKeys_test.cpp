@@ -132,7 +132,7 @@ TEST_F(Keys, SetRangeWalksOneCityAndCancelRangeRestoresAll) {
   table->SetIndexName("ByCity");
   table->Open();
   table->SetRange({V("Oslo")}, {V("Oslo")});
-  EXPECT_EQ(table->RangeFlag(), rfRangeEnd);
+  EXPECT_EQ(table->RangeFlag(), Ctdb::rfRangeEnd) << "the table's flag is the driver's";
   EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{2, 4, 7, 10}));
   EXPECT_EQ(table->RecordCount(), 4);
   EXPECT_FALSE(table->FindKey({V("Bergen"), V(1)}));  // outside the range

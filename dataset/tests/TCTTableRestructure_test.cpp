@@ -192,6 +192,18 @@ TEST_F(Restructure, DeletingTheCurrentIndexThatStoodLastLeavesNoneNamed) {
   EXPECT_EQ(table->RecordCount(), 10);
 }
 
+TEST_F(Restructure, DeleteIndexRightAfterOpenDeletesIt) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  table->DeleteIndex("ByCity");
+  table->Close();
+  fw::TStringList names;
+  NewTable()->GetIndexNames(names);
+  EXPECT_EQ(names.IndexOf("ByCity"), -1);
+  EXPECT_GE(names.IndexOf("ByName"), 0);
+}
+
 TEST_F(Restructure, IndexesOfTheTablesOwnSetAreDeletedAndTheOthersStayIntact) {
   FillPeople();
   TCTTable* table = NewTable();

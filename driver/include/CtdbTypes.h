@@ -19,8 +19,9 @@ enum CTOpenMode : uint8_t { dbiREADWRITE, dbiREADONLY };
 /// Whether a table is opened shared or exclusively.
 enum CTShareMode : uint8_t { dbiOPENSHARED, dbiOPENEXCL };
 
-/// Which key buffer a table is filling, and whether a master/detail range is in force.
-enum TRangeFlag : uint8_t { rfRangeStart, rfRangeEnd, rfMasterDetail };
+/// Which key buffer a table is filling, and whether a master/detail range is in force; rfNone: no
+/// range (a table's initial value) or the key buffer of a seek.
+enum TRangeFlag : uint8_t { rfRangeStart, rfRangeEnd, rfMasterDetail, rfNone };
 
 /// The connection's index-key hook: asked, for an index the package maintains itself, whether the
 /// record `recPtr` (`recLen` bytes) belongs in the index `indexDesc`; clearing `accept` keeps the

@@ -124,7 +124,6 @@ class TableLayerCursor : public TableCursor {
     FTable->AddIndex(index.Name, index.FieldsText(), "", true, false, index.Options());
   }
   void DeleteIndex(const std::string& name) override {
-    FTable->UpdateIndexDefs();  // the list DeleteIndex looks the name up in
     FTable->DeleteIndex(name);
     // Read the definitions back from the files: an index the engine kept must not be reported
     // as deleted.
