@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "CTTables.h"
+#include "CtRecords.h"
 #include "ConnectionSetup.h"
 #include "StringUtils.h"
 #include "TField.h"
@@ -48,7 +49,18 @@ class TableLayerCursor : public TableCursor {
       entry.CaseInsensitive = d.Options().Contains(fw::ixCaseInsensitive);
       info.Indexes.push_back(std::move(entry));
     }
-    info.RecordCount = FTable->RecordCount();
+    // The data file's own count: an index that leaves blank keys out counts fewer records.
+    const Ctdb::TCTCursorDesc* cursor = FTable->Cursor();
+    const CTDbIntf::TLoadAlignment alignment = Connection().Alignment();
+    info.RecordCount = cursor != nullptr ? CTDbIntf::NbrOfRecords(alignment, cursor->DataFileNo) : FTable->RecordCount();
+    for (const IndexDefinition& index : info.Indexes) {
+      const int ordinal = cursor != nullptr ? cursor->FindIndex(index.Name, -1) : -1;
+      if (ordinal < 0) {
+        info.IndexKeys.clear();
+        break;
+      }
+      info.IndexKeys.push_back(CTDbIntf::NbrOfKeyEntries(alignment, cursor->Indexes[static_cast<size_t>(ordinal)].IndexId));
+    }
     if (FTable->Cursor()) info.Files.push_back(FTable->Cursor()->TableName);
     return info;
   }

@@ -215,6 +215,32 @@ TEST_F(TableLayerTest, ListExportAndInfoKeepRecordsWhoseKeyIsBlank) {
   EXPECT_NE(out.str().find("records  3\n"), std::string::npos) << out.str();
 }
 
+TEST_F(TableLayerTest, AnIndexThatLeavesBlankKeysOutIsNamedInsteadOfLosingRecords) {
+  {
+    // Made by a program with NullKeys off: ByName has no key for a record with a blank name.
+    Ctdb::TCTConnection conn(nullptr);
+    conn.SetActive(true);
+    Ctdb::CTTblDesc desc;
+    desc.Name = "tags";
+    desc.Fields = {Field(1, "ID", Ctdb::fldINT32, 0, 4), Field(2, "NAME", Ctdb::fldZSTRING, Ctdb::fldstFSTRING, 8)};
+    desc.Indexes = {Index("ById", {1}, true, true), Index("ByName", {2}, false, false)};
+    ASSERT_EQ(conn.CreateTable(dir.string(), true, desc), 0);
+  }
+  std::ofstream(dir / "tags.csv") << "ID,NAME\n1,x\n2,\n";
+  ASSERT_EQ(Run({"import", "tags", (dir / "tags.csv").string()}), kExitOk) << err.str();
+  ASSERT_EQ(Run({"info", "tags"}), kExitOk) << err.str();
+  EXPECT_NE(out.str().find("records  2\n"), std::string::npos) << out.str();
+  ASSERT_EQ(Run({"export", "tags"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "ID,NAME\r\n1,x\r\n2,\r\n");
+  EXPECT_EQ(Run({"export", "tags", "--index", "ByName"}), kExitStorage);
+  EXPECT_EQ(out.str(), "");
+  EXPECT_EQ(err.str(), "ctt: export: index ByName holds 1 of the table's 2 records: it leaves out those whose key "
+                       "is blank; read through an index that holds them all\n");
+  ASSERT_EQ(Run({"list", "tags", "--index", "ByName"}), kExitOk) << err.str();
+  EXPECT_NE(err.str().find("ctt: list: warning: index ByName holds 1 of the table's 2 records"), std::string::npos)
+      << err.str();
+}
+
 TEST_F(TableLayerTest, CreateRefusesRecordsBeyondTheStorageLimitBeforeMakingAnything) {
   for (const char* fields : {"a:string:30000,b:string:30000,c:string:30000", "a:string:40000"}) {
     EXPECT_EQ(Run({"create", "big", "-f", fields}), kExitStorage) << fields;
