@@ -337,6 +337,16 @@ int32_t TCTConnection::DeleteIndex(TCTCursorDesc* cursor, CTIdxDesc* index) {
       IfilImage image(ifil, RecordPacking());
       if (const int32_t r = CTDbIntf::PutIFile(a, image.Data())) return r;
       cursor->Ifil = ifil;
+      // An unnamed index is known by its place in the set: those after the deleted one move up
+      // a place, and their names with them (the engine keeps their numbers).
+      for (size_t i = static_cast<size_t>(setOrdinal); i < ifil.ix.size(); ++i) {
+        if (ifil.ix[i].ridxnam && !ifil.ix[i].ridxnam->empty()) continue;
+        for (size_t l = 0; l < cursor->Indexes.size(); ++l)
+          if (static_cast<int32_t>(l) != ordinal && cursor->Indexes[l].Name == std::to_string(i + 1)) {
+            cursor->Indexes[l].Name = std::to_string(i);
+            break;
+          }
+      }
     } else {
       // An index file of its own: closed, then opened alone and exclusively to be deleted.
       std::string name;

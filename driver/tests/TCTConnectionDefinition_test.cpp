@@ -416,6 +416,29 @@ TEST_F(DefinitionTest, AddedIndexesAreDeletedOnAnOpenOrReopenedTable) {
   EXPECT_EQ(Conn->CloseCursor(Cursor), 0);
 }
 
+TEST_F(DefinitionTest, UnnamedIndexesAfterADeletedOneMoveUpAPlaceAndAName) {
+  // Three unnamed indexes, known by their places "0", "1" and "2": id, grp, name.
+  MakeTable("codes", {{"id", CT_INT4, 4}, {"grp", CT_INT4, 4}, {"name", CT_FSTRING, 12}},
+            {{{{0, 4, SCHSEG}}, false}, {{{1, 4, SCHSEG}}, true}, {{{2, 12, SCHSEG}}, true}});
+  ASSERT_EQ(Conn->OpenCursor(Cursor, "codes.dat", Dir.Path(), SHARED), 0);
+  ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
+  const int16_t nameIndex = Cursor->Indexes[2].IndexId;
+  CTIdxDesc victim;
+  victim.Name = "1";
+  victim.IndexId = -1;
+  ASSERT_EQ(Conn->DeleteIndex(Cursor.get(), &victim), 0);
+  // The name index is now the second in the set: its name follows its place, its number stays.
+  const int32_t moved = Cursor->FindIndex("1", -1);
+  ASSERT_GE(moved, 0);
+  EXPECT_EQ(Cursor->Indexes[static_cast<size_t>(moved)].IndexId, nameIndex);
+  EXPECT_EQ(Cursor->Indexes[static_cast<size_t>(moved)].KeyFields[0], 3);
+  EXPECT_LT(Cursor->FindIndex("2", -1), 0);
+  ASSERT_EQ(Conn->DeleteIndex(Cursor.get(), &victim), 0);
+  ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  ASSERT_EQ(Conn->OpenCursor(Cursor, "codes.dat", Dir.Path(), SHARED), 0);
+  EXPECT_EQ(Cursor->Ifil.ix.size(), 1u);
+}
+
 TEST_F(DefinitionTest, IndexCallsCheckTheirArguments) {
   CTTblDesc desc = People();
   ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
