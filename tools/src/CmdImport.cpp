@@ -182,8 +182,7 @@ class StopSignals {
     const int signal = gStopSignal;
     if (signal == 0) return;
     throw ToolError(signal == SIGINT ? kExitInterrupted : kExitTerminated,
-                    std::string("stopped by ") + (signal == SIGINT ? "SIGINT" : "SIGTERM") +
-                        "; the open batch was rolled back");
+                    std::string("stopped by ") + (signal == SIGINT ? "SIGINT" : "SIGTERM"));
   }
 
  private:

@@ -267,6 +267,11 @@ TEST_F(TableLayerTest, FoldersAreResolvedOnceAndAMissingOneIsNamed) {
   ASSERT_EQ(run({"--dir", "./rel/", "export", "t"}), kExitOk) << err.str();
   EXPECT_EQ(out.str(), "id\r\n7\r\n");
   EXPECT_TRUE(fs::exists("rel/t"));
+  ASSERT_EQ(run({"--dir", "rel", "add-index", "t", "byid2:id:desc"}), kExitOk) << err.str();
+  ASSERT_EQ(run({"--dir", "rel", "drop-index", "t", "byid2"}), kExitOk) << err.str();
+  ASSERT_EQ(run({"--dir", "rel", "--superfile", "host", "create", "m", "-f", "id:integer", "-x", "k:id"}), kExitOk)
+      << err.str();
+  ASSERT_EQ(run({"--dir", "rel", "--superfile", "host", "info", "m"}), kExitOk) << err.str();
 
   EXPECT_EQ(run({"--dir", "missing", "create", "t", "-f", "id:integer"}), kExitNotFound);
   EXPECT_EQ(err.str(), "ctt: create: folder missing does not exist\n");
