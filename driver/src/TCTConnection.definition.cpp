@@ -79,7 +79,8 @@ int32_t TCTConnection::CreateTable(const std::string& path, bool overwrite, CTTb
   for (int32_t i = 0; i < fieldCount; ++i) {
     const CTFldDesc& field = desc.Fields[static_cast<size_t>(i)];
     if (IsVariable(field)) break;  // as GetCTreeRecLength: the variable part is not counted
-    recordLength += std::max(field.FieldType == fldDATE ? int32_t{field.Length} : GetCTreeFieldLength(i + 1, desc.Fields), 0);
+    const int32_t length = field.FieldType == fldDATE ? field.Length : GetCTreeFieldLength(i + 1, desc.Fields);
+    recordLength += std::max(length, 0);
   }
   if (recordLength > kCtMaxRecordLength) return kCtRecordTooLong;
 

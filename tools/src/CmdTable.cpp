@@ -102,7 +102,8 @@ ExitCode RunInfo(TableBackend& backend, const TableRef& table, Console& console)
     out << "no indexes\n";
   } else {
     TablePrinter indexes({"index", "fields", "options"});
-    for (const IndexDefinition& index : info.Indexes) indexes.AddRow({index.Name, index.FieldsText(), index.OptionsText()});
+    for (const IndexDefinition& index : info.Indexes)
+      indexes.AddRow({index.Name, index.FieldsText(), index.OptionsText()});
     indexes.Print(out);
   }
   CheckWritten(out, "standard output");

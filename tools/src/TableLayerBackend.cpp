@@ -52,14 +52,16 @@ class TableLayerCursor : public TableCursor {
     // The data file's own count: an index that leaves blank keys out counts fewer records.
     const Ctdb::TCTCursorDesc* cursor = FTable->Cursor();
     const CTDbIntf::TLoadAlignment alignment = Connection().Alignment();
-    info.RecordCount = cursor != nullptr ? CTDbIntf::NbrOfRecords(alignment, cursor->DataFileNo) : FTable->RecordCount();
+    info.RecordCount =
+        cursor != nullptr ? CTDbIntf::NbrOfRecords(alignment, cursor->DataFileNo) : FTable->RecordCount();
     for (const IndexDefinition& index : info.Indexes) {
       const int ordinal = cursor != nullptr ? cursor->FindIndex(index.Name, -1) : -1;
       if (ordinal < 0) {
         info.IndexKeys.clear();
         break;
       }
-      info.IndexKeys.push_back(CTDbIntf::NbrOfKeyEntries(alignment, cursor->Indexes[static_cast<size_t>(ordinal)].IndexId));
+      const int16_t keyNo = cursor->Indexes[static_cast<size_t>(ordinal)].IndexId;
+      info.IndexKeys.push_back(CTDbIntf::NbrOfKeyEntries(alignment, keyNo));
     }
     if (FTable->Cursor()) info.Files.push_back(FTable->Cursor()->TableName);
     return info;
