@@ -313,10 +313,11 @@ int32_t StepRecord(TCTConnection& conn, TCTCursorDesc* cursor, bool forward, int
   if (fromEnd && cursor->RangeActive) {
     pos = forward ? conn.GetGKey(cursor, rangeKey) : conn.GetLKey(cursor, rangeKey);
     key = rangeKey.data();
-  } else if (fromEnd)
+  } else if (fromEnd) {
     pos = forward ? CTDbIntf::FirstKey(a, keyno, key) : CTDbIntf::LastKey(a, keyno, key);
-  else
+  } else {
     pos = forward ? CTDbIntf::NextKey(a, keyno, key) : CTDbIntf::PreviousKey(a, keyno, key);
+  }
   if (pos == 0) return NotFound(a);
   if (cursor->RangeActive) {
     if (const int32_t r = conn.IsInRange(cursor, key, KeyLength(cursor))) return r;
