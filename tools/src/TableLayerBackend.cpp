@@ -81,6 +81,13 @@ class TableLayerCursor : public TableCursor {
     First();
   }
 
+  void SetFilter(const std::string& text) override {
+    // Each of the two re-opens the table, which forgets a range and a nearest-key start.
+    FTable->SetFilter(text);
+    FTable->SetFiltered(!text.empty());
+    FFrom.clear();
+  }
+
   void First() override {
     FTable->First();
     if (!FFrom.empty()) FTable->FindNearest(Values(FFrom));
