@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     given.emplace_back(input.substr(at + 1, next == std::string_view::npos ? next : next - at - 1));
     at = next;
   }
-  const CTTables::FilterProgram program(filter);
+  CTTables::FilterProgram program(filter);
   std::vector<std::string> values;
   for (std::size_t i = 0; i < program.FieldNames().size(); ++i) values.push_back(i < given.size() ? given[i] : "'x'");
   const std::string text = program.Substitute(values);

@@ -309,6 +309,7 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   // table closes. FFilterFields[i] is the field of reference i, null when it is not a field.
   std::unique_ptr<FilterProgram> FFilterProgram;
   std::vector<fw::TField*> FFilterFields;
+  std::vector<std::string> FFilterValues;  // their substituted texts, reused record after record
   std::vector<std::unique_ptr<TCTFilter>> FFilterConditions;
   int FKeyFieldsSet = 0;  // leading key positions assigned since the key buffer was emptied
   TCTIndexRecordEvent FOnIndexRecord;

@@ -313,19 +313,20 @@ bool FilterProgram::EvaluateByText(const std::vector<std::string>& Values) const
   return UnitFilterParser::ParseFilter(Substitute(Values));
 }
 
-bool FilterProgram::Evaluate(const std::vector<std::string>& Values) const {
+bool FilterProgram::Evaluate(const std::vector<std::string>& Values) {
   if (!FTree) return EvaluateByText(Values);
   for (const std::string& value : Values)
     if (!IsPlainValue(value)) return EvaluateByText(Values);
-  std::vector<std::string_view> dynamics(FTree->Dynamics.size());
-  std::vector<std::string> joined;
-  joined.reserve(FTree->Dynamics.size());
+  std::vector<std::string_view>& dynamics = FDynamicTexts;
+  dynamics.resize(FTree->Dynamics.size());
+  FJoined.resize(FTree->Dynamics.size());
   for (std::size_t i = 0; i < dynamics.size(); ++i) {
     const std::vector<Piece>& pieces = FTree->Dynamics[i];
     if (pieces.size() == 1) {
       dynamics[i] = Values[static_cast<std::size_t>(pieces.front().Slot)];
     } else {
-      std::string& text = joined.emplace_back();
+      std::string& text = FJoined[i];
+      text.clear();
       for (const Piece& piece : pieces) text += piece.Slot >= 0 ? Values[static_cast<std::size_t>(piece.Slot)] : piece.Text;
       dynamics[i] = text;
     }

@@ -27,8 +27,9 @@ class FilterProgram {
   /// The substituted text: tokens joined without separators, each field reference replaced by
   /// `Values[i]` (one per FieldNames entry) and each NULL by "*NULL*".
   std::string Substitute(const std::vector<std::string>& Values) const;
-  /// ParseFilter(Substitute(Values)): the same result, raising the same exceptions.
-  bool Evaluate(const std::vector<std::string>& Values) const;
+  /// ParseFilter(Substitute(Values)): the same result, raising the same exceptions. Not for
+  /// concurrent use: it keeps its working space between calls.
+  bool Evaluate(const std::vector<std::string>& Values);
   /// Whether the analysis is used for records whose values are plain (false: every Evaluate goes
   /// through the text evaluator).
   bool Analysed() const { return FTree != nullptr; }
@@ -46,6 +47,9 @@ class FilterProgram {
   std::vector<std::string> FFieldNames;
   std::vector<Piece> FPieces;
   std::unique_ptr<Tree> FTree;
+  // Working space of Evaluate, kept so that a record costs no allocation.
+  std::vector<std::string_view> FDynamicTexts;
+  std::vector<std::string> FJoined;
 };
 
 }  // namespace CTTables

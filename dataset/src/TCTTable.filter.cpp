@@ -9,17 +9,20 @@ namespace CTTables {
 
 namespace {
 
-// The text that stands for `Field` in the substituted filter: text kinds quoted (an empty value
-// as two quotes), any other kind as its text or "*NULL*" when it has none.
-std::string Replacement(fw::TField& Field) {
-  std::string value = Field.AsString();
+// The text that stands for `Field` in the substituted filter, into `Out`: text kinds quoted (an
+// empty value as two quotes), any other kind as its text or "*NULL*" when it has none.
+void Replacement(fw::TField& Field, std::string& Out) {
+  const std::string value = Field.AsString();
   switch (Field.DataType()) {
     case fw::ftString:
     case fw::ftMemo:
     case fw::ftWideString:
-      return "'" + value + "'";
+      Out.assign(1, '\'');
+      Out += value;
+      Out += '\'';
+      break;
     default:
-      return value.empty() ? std::string("*NULL*") : value;
+      Out.assign(value.empty() ? std::string_view("*NULL*") : std::string_view(value));
   }
 }
 
@@ -85,7 +88,9 @@ std::string TCTTable::BuildparsString() {
     if (t.empty()) continue;
     if (t.front() == '"') {
       // The name is the token without its first and last character, whatever that last one is.
-      result += Replacement(*FieldByName(t.size() >= 2 ? t.substr(1, t.size() - 2) : std::string()));
+      std::string replacement;
+      Replacement(*FieldByName(t.size() >= 2 ? t.substr(1, t.size() - 2) : std::string()), replacement);
+      result += replacement;
     } else if (fw::UpperCase(fw::Trim(t)) == "NULL") {
       result += "*NULL*";
     } else {
@@ -103,14 +108,13 @@ bool TCTTable::FilterTextAccepts() {
     FFilterFields = std::move(fields);
     FFilterProgram = std::move(program);
   }
-  std::vector<std::string> values;
-  values.reserve(FFilterFields.size());
-  for (fw::TField* field : FFilterFields) {
+  FFilterValues.resize(FFilterFields.size());
+  for (std::size_t i = 0; i < FFilterFields.size(); ++i) {
     // A name that is no field: the described substitution raises the framework's error for it.
-    if (field == nullptr) return UnitFilterParser::ParseFilter(BuildparsString());
-    values.push_back(Replacement(*field));
+    if (FFilterFields[i] == nullptr) return UnitFilterParser::ParseFilter(BuildparsString());
+    Replacement(*FFilterFields[i], FFilterValues[i]);
   }
-  return FFilterProgram->Evaluate(values);
+  return FFilterProgram->Evaluate(FFilterValues);
 }
 
 // --- Condition list -------------------------------------------------------------------------

@@ -130,6 +130,14 @@ TEST_F(Filtering, ErrorsOfTheTextRaiseDuringTheFetchWithTheStateRestored) {
   EXPECT_NE(table->State(), fw::dsFilter);
   table->SetFilter("\"ID\" = 3");
   EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{3}));
+  // A parenthesis in a value is counted like one in the text.
+  Add(*table, 11, "Kim (Jr", "1");
+  EXPECT_THROW(
+      {
+        table->SetFilter("\"NAME\" = 'Kim'");
+        while (!table->Eof()) table->Next();
+      },
+      UnitFilterParser::EParserError);
 }
 
 TEST_F(Filtering, BuildparsStringSubstitutesTheFilterBuffersValues) {
