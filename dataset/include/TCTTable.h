@@ -165,31 +165,27 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// cursor's index count) becomes current, or none when the table has no index left.
   void DeleteIndex(const std::string& Name);
 
-  // --- Filtering (TCTTable.filter.cpp) -------------------------------------------------------
-  /// Each writer stores the value and then re-reads the table from the start: controls disabled,
-  /// Close, Open, controls enabled again even when the open fails. That happens even when the
-  /// value does not change and even while Filtered is false; a closed table is opened (while the
-  /// component is loading, the open waits for Loaded). Raises what Open raises.
-  /// The Filter language is UnitFilterParser's, with fields written as "NAME" in double quotes
-  /// and NULL for an empty non-text field (see BuildparsString).
+  // --- Filtering (TCTTable.filter.cpp; the Filter language: UnitFilterParser.h) ------------
+  /// Each writer stores the value, then (controls disabled) closes and opens the table, even for
+  /// an unchanged value or while Filtered is false: a closed table opens (after loading, when
+  /// loading). Raises what Open raises. Assigning OnFilterRecord, even an empty handler, also
+  /// sets Filtered to true through SetFiltered.
   void SetFilterText(const std::string& Value) override;
   void SetFiltered(bool Value) override;
-  /// Stores the handler, then sets Filtered to true through SetFiltered: assigning any handler,
-  /// an empty one included, switches filtering on and re-opens the table.
   void SetOnFilterRecord(const fw::TFilterRecordEvent& Value) override;
-  /// The Filter text with every field reference replaced by the current value: a string, memo or
-  /// wide-string field as the value in single quotes, any other field as its text or "*NULL*"
-  /// when that is empty; NULL becomes "*NULL*"; tokens are joined without separators. Fields are
-  /// read in the current state's buffer (the filter buffer in dsFilter). An unknown field name
-  /// raises the framework's field-not-found error.
+  /// Filter with each "FIELD" replaced by the value read in the current state's buffer (text
+  /// kinds in single quotes, others as their text or "*NULL*" when empty) and NULL by "*NULL*",
+  /// tokens joined without separators. An unknown field raises the framework's error.
   std::string BuildparsString();
-  /// Appends a condition to the condition list. The visible records do not change: the record
-  /// filter does not read the list, and the table is not re-opened.
+  /// Whether the record in `Buffer` is shown: in dsFilter state on `Buffer`, OnFilterRecord first,
+  /// then (if accepted and Filter is not empty) the Filter text. State and filter buffer are
+  /// restored before an exception leaves. RecordFilter, which the fetch calls, answers with it.
+  bool DoRecordFilter(TCTRecordBuffer* Buffer);
+  /// Appends a condition to the condition list, which nothing reads (the view does not change).
   void AddFilterCondition(const std::string& FieldName, int32_t FieldIndex, TCTFilterComp Comp,
                           const fw::Variant& Value);
-  /// Frees every condition, the last first, and empties the list.
+  /// Frees every condition, the last first.
   void ClearFilter();
-  /// The condition list, in the order the conditions were added; owned by the table.
   const std::vector<std::unique_ptr<TCTFilter>>& FilterConditions() const { return FFilterConditions; }
 
   // --- Framework overrides callable by applications ----------------------------------------
@@ -257,12 +253,8 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
                          const fw::TStrings* FieldPairs);
   /// The connection's index-key hook: shows the record to OnIndexRecord in dsFilter state.
   void DoIndexKey(Ctdb::CTIdxDesc* IndexDesc, const void* RecPtr, int32_t RecLen, bool& Accept);
-  /// Whether the record in `Buffer` is shown: in dsFilter state with `Buffer` as the filter
-  /// buffer, OnFilterRecord is asked first, then (when it accepted and Filter is not empty) the
-  /// Filter text is evaluated for the record. The previous state and filter buffer are restored
-  /// before any exception of the handler, of a field lookup or of the parser leaves. The record
-  /// fetch calls it for each record read while Filtered is true; Locate may call it too.
-  virtual bool DoRecordFilter(TCTRecordBuffer* Buffer);
+  /// Whether a fetched record passes the filter (OnFilterRecord in dsFilter state).
+  virtual bool RecordFilter(TCTRecordBuffer* Buffer);
 
  private:
   static TCTRecordBuffer* RecBuf(fw::TRecordBuffer Buffer) { return reinterpret_cast<TCTRecordBuffer*>(Buffer); }
@@ -281,10 +273,8 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void AfterIndexSwitch();
   void UnlockEditedRecord();
   int32_t CountKeysBeforeRange();
-  /// Close and Open with the controls disabled: how the filter writers re-apply the filter.
   void ReopenForFilter();
-  /// Filter's verdict on the record in the filter buffer, through the analysed text (made on
-  /// first use after Filter or the fields change).
+  /// Filter's verdict on the filter buffer's record, through the analysed text (made on first use).
   bool FilterTextAccepts();
 
   std::unique_ptr<Ctdb::TCTCursorDesc> FCursor;
@@ -310,11 +300,11 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   std::unique_ptr<TCTRecordBuffer> FKeyBuffer;
   std::unique_ptr<TCTRecordBuffer> FIndexRecord;
   TCTRecordBuffer* FFilterBuffer = nullptr;
-  // The Filter text analysed for the open table's fields; forgotten when Filter changes or the
-  // table closes. FFilterFields[i] is the field of reference i, null when it is not a field.
+  // Filter analysed for the open table, forgotten when Filter changes or the table closes; the
+  // field of each reference (null: no such field) and its substituted text, reused per record.
   std::unique_ptr<FilterProgram> FFilterProgram;
   std::vector<fw::TField*> FFilterFields;
-  std::vector<std::string> FFilterValues;  // their substituted texts, reused record after record
+  std::vector<std::string> FFilterValues;
   std::vector<std::unique_ptr<TCTFilter>> FFilterConditions;
   int FKeyFieldsSet = 0;  // leading key positions assigned since the key buffer was emptied
   TCTIndexRecordEvent FOnIndexRecord;

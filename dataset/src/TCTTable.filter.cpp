@@ -79,6 +79,8 @@ bool TCTTable::DoRecordFilter(TCTRecordBuffer* Buffer) {
   return accept;
 }
 
+bool TCTTable::RecordFilter(TCTRecordBuffer* Buffer) { return DoRecordFilter(Buffer); }
+
 std::string TCTTable::BuildparsString() {
   const std::string normal = UnitFilterParser::Encrypter(UnitFilterParser::Spacer(Filter()));
   std::string result;

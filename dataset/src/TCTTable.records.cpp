@@ -101,7 +101,7 @@ fw::TGetResult TCTTable::GetRecord(fw::TRecordBuffer Buffer, fw::TGetMode GetMod
         }
         if (result != fw::grOK || !Filtered()) break;
         GetCalcFields(Buffer);
-        if (DoRecordFilter(buffer)) break;
+        if (RecordFilter(buffer)) break;
       }
       break;
     }
