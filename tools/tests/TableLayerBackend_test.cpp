@@ -118,6 +118,11 @@ TEST_F(TableLayerTest, FilterSelectsRecordsWithinARangeAndBadFiltersAreUsageErro
   ASSERT_EQ(Run({"list", "people", "--filter", "(\"CITY\" = 'oslo') OR (\"ID\" < 2)", "-c", "ID"}), kExitOk)
       << err.str();
   EXPECT_EQ(out.str(), "ID\n--\n 1\n 2\n 4\n(3 records)\n");
+  // A key search that lands on a record the filter rejects starts at the next one it accepts.
+  ASSERT_EQ(Run({"list", "people", "--find", "3", "--filter", "\"CITY\" = 'Oslo'", "-c", "ID"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "ID\n--\n 4\n(1 record)\n");
+  ASSERT_EQ(Run({"list", "people", "--from", "3", "--filter", "\"CITY\" = 'Oslo'", "-c", "ID"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "ID\n--\n 4\n(1 record)\n");
   ASSERT_EQ(Run({"export", "people", "-i", "ByCity", "--from", "Bergen", "--to", "Oslo", "--filter", "\"ID\" > 2",
                  "-c", "ID"}),
             kExitOk)
