@@ -1,5 +1,6 @@
 // TCTTable: filtering by the Filter text and OnFilterRecord, and the condition list, over real engine files.
 #include "TField.h"
+#include "TReader.h"
 #include "TableTestSupport.h"
 #include "UnitFilterParser.h"
 
@@ -177,6 +178,27 @@ TEST_F(Filtering, BuildparsStringSubstitutesTheFilterBuffersValues) {
   table->SetFilter("(\"name\" = 'x y') and (\"AMOUNT\"<>NULL)");
   ASSERT_FALSE(texts.empty());
   EXPECT_EQ(texts.front(), "('Arvid'='xy')&(10<>*NULL*)");
+}
+
+TEST_F(Filtering, AFilterReadFromAFormOpensTheTableOnceLoaded) {
+  FillPeople();
+  const std::string form = "object Root: TComponent\n"
+                           "  object Db: TCTConnection\n"
+                           "  end\n"
+                           "  object People: TCTTable\n"
+                           "    Connection = Db\n"
+                           "    Database = '" + Dir.string() + "'\n"
+                           "    TableName = 'people'\n"
+                           "    IndexName = 'ByName'\n"
+                           "    Filtered = True\n"
+                           "    Filter = '\"CITY\" = ''Oslo'''\n"
+                           "  end\n"
+                           "end\n";
+  fw::ReadComponentText(form, Owner.get());
+  auto* table = dynamic_cast<TCTTable*>(Owner->FindComponent("People"));
+  ASSERT_NE(table, nullptr);
+  EXPECT_TRUE(table->Active());
+  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{2, 4, 7, 10}));
 }
 
 TEST_F(Filtering, TheConditionListIsKeptAsDataOnly) {
