@@ -2,7 +2,7 @@
 # Installs the Debian packages the build needs, if any is missing. Safe to run again.
 set -euo pipefail
 
-# libsqlite3-dev is only for bench/customers_bench (the comparison with SQLite).
+# libsqlite3-dev is only for the benchmarks that compare with SQLite (bench/).
 packages=(g++ cmake make pkg-config liblmdb-dev libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev libsqlite3-dev)
 missing=()
 for p in "${packages[@]}"; do
