@@ -15,7 +15,6 @@ namespace Ctdb {
 namespace {
 
 constexpr int32_t kNotABlob = 1127;
-constexpr int32_t kRecordCorrupted = 1117;
 
 // Finds the blob stream of field `fieldNo` after the checks every blob routine makes: 47, 1113,
 // 1127 for a field that is not a blob (or a buffer that cannot hold its stream).
@@ -70,7 +69,7 @@ int32_t TCTConnection::OpenBlob(TCTCursorDesc* cursor, int32_t fieldNo, TCTCusto
   switch (code) {
     case CT_STRING:
       length = strnlen(reinterpret_cast<const char*>(at), room);
-      if (length == room) return kRecordCorrupted;
+      if (length == room) return kCtRecordCorrupted;
       break;
     case CT_PSTRING: start = 1; break;
     case CT_2STRING: start = 2; break;
@@ -78,9 +77,9 @@ int32_t TCTConnection::OpenBlob(TCTCursorDesc* cursor, int32_t fieldNo, TCTCusto
     default: return 0;
   }
   if (start > 0) {
-    if (room < start) return kRecordCorrupted;
+    if (room < start) return kCtRecordCorrupted;
     length = ReadLittleEndian(at, static_cast<int>(start));
-    if (length > room - start) return kRecordCorrupted;
+    if (length > room - start) return kCtRecordCorrupted;
   }
   try {
     if (length > 0) stream->Write(at + start, static_cast<int64_t>(length));
