@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "CText.h"
 #include "CursorKeys.h"
@@ -337,7 +338,7 @@ int32_t LoadCurrent(TCTConnection& conn, TCTCursorDesc* cursor, CTLockType lockT
   } else {
     std::vector<uint8_t> data;
     if (const int32_t r = conn.ReadRecord(cursor, data)) return r;
-    buffer->SetRecord(data.data(), static_cast<int32_t>(data.size()));
+    buffer->SetRecord(std::move(data));
   }
   buffer->SetBookmark(&pos);
   return 0;
@@ -430,7 +431,7 @@ int32_t TCTConnection::GetCurrentRecord(TCTCursorDesc* cursor, CTLockType lockTy
       }
     }
     if (buffer != nullptr) {
-      buffer->SetRecord(data.data(), static_cast<int32_t>(data.size()));
+      buffer->SetRecord(std::move(data));
       buffer->SetBookmark(&pos);
     }
   } catch (const std::bad_alloc&) {
