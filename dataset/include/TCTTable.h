@@ -61,11 +61,13 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void SetIsSuperFile(bool Value);
   /// The current index's name. Setting it on an open table switches the cursor to that index
   /// (an unknown name leaves the cursor's order alone and makes the name empty); on a closed
-  /// table it only records the name, looked up at open ("" selects the primary index).
+  /// table it only records the name, looked up at open ("" selects the primary index; a name
+  /// the table does not have opens it in the order it has, with the name empty).
   std::string IndexName() const { return FIndexDesc.Name; }
   void SetIndexName(const std::string& Value);
-  /// The ";"-separated key fields of the current index. Setting it selects the index whose key
-  /// fields are these (or start with them); EDatabaseError when no index matches.
+  /// The ";"-separated key fields of the current index (of a closed table: what was set).
+  /// Setting it selects the index whose key fields are these (or start with them), on a closed
+  /// table when it opens; EDatabaseError when no index matches. "" returns to the primary index.
   std::string IndexFieldNames() const;
   void SetIndexFieldNames(const std::string& Value);
   const TCTIndexRecordEvent& OnIndexRecord() const { return FOnIndexRecord; }
@@ -261,6 +263,7 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   std::unique_ptr<fw::TStringList> FKeyFieldNames;
   std::unique_ptr<TCTIndexDefs> FIndexDefs;
   Ctdb::CTIdxDesc FIndexDesc;
+  std::string FIndexFieldNames;  // set on a closed table; the index is chosen by them at open
   TRangeFlag FRangeFlag = rfNone;
   std::unique_ptr<TCTRecordBuffer> FRangeStart;
   std::unique_ptr<TCTRecordBuffer> FRangeEnd;

@@ -76,6 +76,7 @@ enum : int32_t {
   kCtNoResource = 408,       // IFIL or DODA resource missing, empty or unreadable
   kCtBeginOfTable = 1101,    // current record asked for before the first record
   kCtEndOfTable = 1102,      // current record asked for after the last record
+  kCtValueDoesNotFit = 1104,  // a value the field's stored form cannot hold (BCD over 16 digits)
   kCtOffsetBeyondData = 1112,  // a field lies beyond the end of the record held
   kCtInvalidCursor = 1113,   // nil cursor
   kCtNoIndexes = 1114,       // the table has no index
