@@ -21,8 +21,13 @@ namespace CTTables {
 
 class TCTTable;
 
-/// What the range buffers mean. rfNone (no range) is the initial value.
-enum TRangeFlag : uint8_t { rfRangeStart, rfRangeEnd, rfMasterDetail, rfNone };
+/// What the range buffers mean: the driver's flag, one type for both units. rfNone (no range) is
+/// the initial value.
+using Ctdb::TRangeFlag;
+using Ctdb::rfMasterDetail;
+using Ctdb::rfNone;
+using Ctdb::rfRangeEnd;
+using Ctdb::rfRangeStart;
 
 /// OnIndexRecord(DataSet, IndexName, Accept): asked while keys of a package-maintained index are
 /// added or rebuilt whether the record (readable through the table's fields) belongs in the index.
@@ -48,7 +53,8 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// Directory of the table, passed to the connection as it is. Raises while open.
   const std::string& Database() const { return FDatabase; }
   void SetDatabase(const std::string& Value);
-  /// Opens with 8 (read only) added to the open mode; field writes are then ignored silently.
+  /// Opens with 8 (read only) added to the open mode; record field writes are then ignored
+  /// silently, while key, range, calculated and filter values are written as usual.
   bool ReadOnly() const { return FReadOnly; }
   void SetReadOnly(bool Value);
   /// Opens without the shared flag. An exclusive table takes no record locks when editing.
@@ -141,11 +147,12 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   // --- Creating and changing the table's files (TCTTable.restructure.cpp) --------------------
   /// Fills `Desc` for a new table's field: Name, logical FieldType and SubType by `DataType`
   /// (strings and variable bytes choose their length-prefix subtype by `Size`), and the unit
-  /// counts the type keeps (characters or bytes; 32 and the scale for BCD). Other members are
-  /// left as they are.
+  /// counts the type keeps (characters or bytes; 32 and the scale for BCD). Currency becomes BCD
+  /// with scale 4 (money would keep whole cents only). Other members are left as they are.
   static void EncodeFieldDesc(Ctdb::CTFldDesc& Desc, const std::string& Name, fw::TFieldType DataType, int Size);
   /// Creates the table's files (directory Database, name TableName) from FieldDefs (filled from
-  /// the persistent fields when empty) and IndexDefs; an existing table of that name is replaced.
+  /// the persistent data fields when empty: calculated and lookup fields are not stored) and
+  /// IndexDefs; an existing table of that name is replaced.
   /// Requires an inactive table; raises ECtreeException with the driver's number (e.g. 1115 no
   /// fields, 802 a field with no c-tree form) and the framework's error for an unknown key field.
   void CreateTable();

@@ -54,7 +54,7 @@ TEST_F(Editing, APostTheStorageRefusesRaisesAndKeepsTheEdit) {
     table->Post();
     EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Dora");
     EXPECT_TRUE(table->FindKey({fw::Variant(int32_t{3})}));
-    EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Ada");
+    EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Aino");
     table->Close();
     FillPeople();
   }
@@ -65,10 +65,10 @@ TEST_F(Editing, AppendRecordLeavesTheNewRecordCurrent) {
   TCTTable* table = NewTable();
   table->SetIndexName("ByName");
   table->Open();
-  table->AppendRecord({fw::Variant(int32_t{11}), fw::Variant("Aino"), fw::Variant("Oslo"), fw::Variant(1.0)});
+  table->AppendRecord({fw::Variant(int32_t{11}), fw::Variant("Aase"), fw::Variant("Oslo"), fw::Variant(1.0)});
   EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 11);
   table->Next();
-  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Alan");
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Aino");
 }
 
 TEST_F(Editing, ReadingRecNoInsideTheWindowLeavesTheStorageCursor) {
@@ -142,7 +142,7 @@ TEST_F(Editing, AReadOnlyTableIsSearchedRangedAndCalculated) {
   table->CancelRange();
   table->SetIndexName("ById");
   ASSERT_TRUE(table->FindKey({fw::Variant(int32_t{2})}));
-  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Barbara");
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Brita");
 }
 
 }  // namespace
