@@ -310,13 +310,14 @@ void TCTTable::InternalPost() {
   fw::TDataSet::InternalPost();
   TCTRecordBuffer* active = RecBuf(ActiveBuffer());
   Ctdb::TCTConnection& conn = Conn();
+  // The record rewritten is the active one, wherever the storage cursor stood.
+  if (State() == fw::dsEdit) InternalSetToRecord(ActiveBuffer());
   int32_t before = 0;
   const bool hadPosition = conn.GetBookMark(FCursor.get(), before) == 0;
   if (State() == fw::dsEdit) {
     // A refused rewrite (a duplicate key, a record changed by another user) raises here and
     // leaves the table in dsEdit with the user's values and the record lock, so that they can
     // be corrected and posted again or cancelled.
-    InternalSetToRecord(ActiveBuffer());
     CTDbIntf::CtError(conn.ModifyRecord(FCursor.get(), active, FOldRecord.get(), true));
     UnlockEditedRecord();
     // A rewritten record may move in the file: bookmarks handed out for it follow it.
