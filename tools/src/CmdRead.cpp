@@ -46,6 +46,7 @@ std::unique_ptr<TableCursor> OpenForReading(TableBackend& backend, const TableRe
     if (!known) throw ToolError(kExitNotFound, "table " + table.Display() + " has no index '" + read.Index + "'");
   }
   cursor->UseIndex(read.Index);
+  if (!read.Filter.empty()) cursor->SetFilter(read.Filter);
   if (!read.From.empty() || !read.To.empty()) cursor->SetRange(read.From, read.To);
   cursor->First();
   return cursor;
