@@ -409,6 +409,10 @@ void TCTTable::CreateRangeBuffer(std::unique_ptr<TCTRecordBuffer>& Buffer, fw::T
         CTDbIntf::CtError(conn.SetField(FCursor.get(), number, Buffer.get(), native.data()));
         break;
       }
+      case fw::ftMemo:
+      case fw::ftFmtMemo:
+        CopyMemoToKey(*Buffer, detail, master);
+        break;
       default:
         break;
     }
