@@ -277,12 +277,14 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   int32_t CountKeysBeforeRange();
   // Search by value (TCTTable.locate.cpp) and lookup fields (TCTTable.lookup.cpp).
   bool FindRecord(const std::string& KeyFields, const fw::Variant& KeyValues, fw::TLocateOptions Options,
-                  TCTRecordBuffer& Found);
+                  TCTRecordBuffer& Found, bool& Positioned);
   int ChooseLocateIndex(const LocateMatch& Match, int& BestCount) const;
-  bool FindByIndex(LocateMatch& Match, int Ordinal, int BestCount, TCTRecordBuffer& Found);
+  bool FindByIndex(LocateMatch& Match, int Ordinal, int BestCount, TCTRecordBuffer& Found, bool& Positioned);
   bool FindByScan(LocateMatch& Match, TCTRecordBuffer& Found);
   bool CandidateMatches(const LocateMatch& Match, size_t From, TCTRecordBuffer& Candidate);
   void RefreshLookupClients();
+  TCTRecordBuffer& AcquireSearchBuffer();
+  void ReleaseSearchBuffer() { --FSearchDepth; }
 
   std::unique_ptr<Ctdb::TCTCursorDesc> FCursor;
   std::string FTableName;
@@ -313,6 +315,10 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   // Positions handed out by GetBookmark; a post that moves a record forwards the old position.
   std::vector<int32_t> FBookmarks;
   std::vector<std::pair<int32_t, int32_t>> FMovedBookmarks;
+  // Record buffers of searches in progress, kept for the next ones (a search may run inside
+  // another: a lookup field computed for a candidate record).
+  std::vector<std::unique_ptr<TCTRecordBuffer>> FSearchBuffers;
+  size_t FSearchDepth = 0;
 };
 
 }  // namespace CTTables

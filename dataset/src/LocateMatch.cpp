@@ -70,13 +70,16 @@ LocateMatch::LocateMatch(fw::TDataSet* DataSet, const std::vector<fw::TField*>& 
     : FDataSet(DataSet),
       FCaseInsensitive(Options.Contains(fw::loCaseInsensitive)),
       FByteCollation(ByteCollation()) {
-  // The case table is taken from AnsiUpperCase itself, byte by byte as it maps, so that the byte
-  // comparison below and the locale-aware one can never disagree.
-  std::string all(255, '\0');
-  for (int i = 1; i < 256; ++i) all[static_cast<size_t>(i - 1)] = static_cast<char>(i);
-  const std::string upper = fw::AnsiUpperCase(all);
-  FUpper[0] = 0;
-  for (int i = 1; i < 256; ++i) FUpper[static_cast<size_t>(i)] = static_cast<uint8_t>(upper[static_cast<size_t>(i - 1)]);
+  if (FCaseInsensitive) {
+    // The case table is taken from AnsiUpperCase itself, byte by byte as it maps, so that the
+    // byte comparison below and the locale-aware one can never disagree.
+    std::string all(255, '\0');
+    for (int i = 1; i < 256; ++i) all[static_cast<size_t>(i - 1)] = static_cast<char>(i);
+    const std::string upper = fw::AnsiUpperCase(all);
+    FUpper[0] = 0;
+    for (int i = 1; i < 256; ++i)
+      FUpper[static_cast<size_t>(i)] = static_cast<uint8_t>(upper[static_cast<size_t>(i - 1)]);
+  }
 
   FConditions.resize(Fields.size());
   for (size_t i = 0; i < Fields.size(); ++i) {

@@ -66,7 +66,7 @@ class LocateMatch {
   std::vector<LocateCondition> FConditions;
   bool FCaseInsensitive;
   bool FByteCollation;              // the locale collates by byte value: compare bytes directly
-  std::array<uint8_t, 256> FUpper;  // AnsiUpperCase of every byte, for case-insensitive tests
+  std::array<uint8_t, 256> FUpper{};  // AnsiUpperCase of every byte (case-insensitive searches only)
   std::vector<uint8_t> FNative;     // decoding buffer
 };
 

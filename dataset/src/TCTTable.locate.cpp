@@ -1,6 +1,7 @@
 // TCTTable: Locate and Lookup, by an index's key range or by reading the table (dataset, unit CTTables).
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "CtError.h"
 #include "LocateMatch.h"
@@ -15,15 +16,20 @@ constexpr int32_t kNoRecord = 101;
 
 fw::TRecordBuffer AsRecordBuffer(TCTRecordBuffer* Buffer) { return reinterpret_cast<fw::TRecordBuffer>(Buffer); }
 
-// The cursor as a search found it. The search moves in a c-tree context of its own and may switch
-// the index and set a key range; Restore puts back the context, the index, the range and the
-// cursor's own position and sequence number, so the table stands where it stood.
+// The cursor as a search found it. A search moves the cursor and may switch the index and set a
+// key range; Restore puts back the index, the range and the cursor's own position and sequence
+// number. The c-tree position is kept in a context of its own while the search moves, or, for a
+// search that is to leave the cursor on what it finds in the table's own index (Locate), by the
+// bookmark of the record the table stood on: then a successful search costs no context and no
+// second positioning, and only a failed one goes back.
 class SearchState {
  public:
-  SearchState(Ctdb::TCTConnection& Conn, Ctdb::TCTCursorDesc* Cursor, const Ctdb::CTIdxDesc& TableIndex)
+  SearchState(Ctdb::TCTConnection& Conn, Ctdb::TCTCursorDesc* Cursor, const Ctdb::CTIdxDesc& TableIndex,
+              bool KeepFound)
       : FConn(Conn),
         FCursor(Cursor),
         FTableIndex(TableIndex),
+        FKeepFound(KeepFound),
         FPosition(Cursor->Position),
         FSeqNo(Cursor->SeqNo),
         FRangeActive(Cursor->RangeActive),
@@ -31,11 +37,15 @@ class SearchState {
         FRangeLowInclusive(Cursor->RangeLowInclusive),
         FRangeHigh(Cursor->RangeHigh),
         FRangeHighInclusive(Cursor->RangeHighInclusive) {
-    CTDbIntf::CtError(FConn.SetContext(FCursor));
+    if (FKeepFound) {
+      if (FConn.GetBookMark(FCursor, FBookmark) != 0) FBookmark = 0;
+    } else {
+      CTDbIntf::CtError(FConn.SetContext(FCursor));
+    }
   }
   ~SearchState() {
     try {
-      Restore();
+      Restore(false);
     } catch (...) {
       // Only reached while another exception is on its way; that one is the one to report.
     }
@@ -48,29 +58,35 @@ class SearchState {
     CTDbIntf::CtError(FConn.SwitchToIndex(FCursor, &Index, false));
   }
 
-  void Restore() {
+  /// Puts the cursor back; with `Found` in the keeping mode it stays on the record found.
+  void Restore(bool Found) {
     if (FRestored) return;
     FRestored = true;
-    const int32_t context = FConn.RestoreContext(FCursor);
+    int32_t position = FKeepFound ? 0 : FConn.RestoreContext(FCursor);
     int32_t index = 0;
     if (FSwitched) {
       Ctdb::CTIdxDesc desc = FTableIndex;
       index = FConn.SwitchToIndex(FCursor, &desc, false);
     }
     FCursor->ResetRange();
+    if (FKeepFound && !Found && FBookmark != 0) position = FConn.SetToBookMark(FCursor, FBookmark);
     if (FRangeActive)
       FCursor->SetRange(FRangeLow.data(), static_cast<int32_t>(FRangeLow.size()), FRangeLowInclusive,
                         FRangeHigh.data(), static_cast<int32_t>(FRangeHigh.size()), FRangeHighInclusive);
-    FCursor->Position = FPosition;
-    FCursor->SeqNo = FSeqNo;
-    CTDbIntf::CtError(context);
+    if (!(FKeepFound && Found)) {
+      FCursor->Position = FPosition;
+      FCursor->SeqNo = FSeqNo;
+    }
+    CTDbIntf::CtError(position);
     CTDbIntf::CtError(index);
   }
 
  private:
   Ctdb::TCTConnection& FConn;
   Ctdb::TCTCursorDesc* FCursor;
-  Ctdb::CTIdxDesc FTableIndex;
+  const Ctdb::CTIdxDesc& FTableIndex;
+  bool FKeepFound;
+  int32_t FBookmark = 0;
   Ctdb::TCTPosition FPosition;
   int32_t FSeqNo;
   bool FRangeActive;
@@ -82,7 +98,28 @@ class SearchState {
   bool FRestored = false;
 };
 
+// Runs an action when the scope ends (giving a search buffer back to the table's pool).
+template <class F>
+class AtScopeEnd {
+ public:
+  explicit AtScopeEnd(F Action) : FAction(std::move(Action)) {}
+  ~AtScopeEnd() { FAction(); }
+  AtScopeEnd(const AtScopeEnd&) = delete;
+  AtScopeEnd& operator=(const AtScopeEnd&) = delete;
+
+ private:
+  F FAction;
+};
+
 }  // namespace
+
+TCTRecordBuffer& TCTTable::AcquireSearchBuffer() {
+  if (FSearchDepth == FSearchBuffers.size()) FSearchBuffers.push_back(nullptr);
+  std::unique_ptr<TCTRecordBuffer>& buffer = FSearchBuffers[FSearchDepth++];
+  // A buffer of an earlier opening lost its cursor when the table closed.
+  if (buffer == nullptr || buffer->Cursor() != FCursor.get()) buffer = std::make_unique<TCTRecordBuffer>(FCursor.get());
+  return *buffer;
+}
 
 bool TCTTable::Locate(const std::string& KeyFields, const fw::Variant& KeyValues, fw::TLocateOptions Options) {
   CheckBiDirectional();
@@ -98,9 +135,11 @@ bool TCTTable::Locate(const std::string& KeyFields, const fw::Variant& KeyValues
 bool TCTTable::LocateRecord(const std::string& KeyFields, const fw::Variant& KeyValues, fw::TLocateOptions Options,
                             bool SyncCursor) {
   CheckBrowseMode();
-  TCTRecordBuffer found(FCursor.get());
-  if (!FindRecord(KeyFields, KeyValues, Options, found)) return false;
-  if (SyncCursor) {
+  TCTRecordBuffer& found = AcquireSearchBuffer();
+  const AtScopeEnd release([this] { ReleaseSearchBuffer(); });
+  bool positioned = SyncCursor;
+  if (!FindRecord(KeyFields, KeyValues, Options, found, positioned)) return false;
+  if (SyncCursor && !positioned) {
     int32_t position = 0;
     std::memcpy(&position, found.GetBookmark(), sizeof position);
     CTDbIntf::CtError(Conn().SetToBookMark(FCursor.get(), position));
@@ -115,8 +154,10 @@ fw::Variant TCTTable::Lookup(const std::string& KeyFields, const fw::Variant& Ke
   CheckActive();
   // A pending edit is left alone (the search reads what is stored): a lookup field of a record
   // being edited asks this while its own table is in dsEdit, which must not post it.
-  TCTRecordBuffer found(FCursor.get());
-  if (!FindRecord(KeyFields, KeyValues, fw::TLocateOptions{}, found)) return fw::Null();
+  TCTRecordBuffer& found = AcquireSearchBuffer();
+  const AtScopeEnd release([this] { ReleaseSearchBuffer(); });
+  bool positioned = false;
+  if (!FindRecord(KeyFields, KeyValues, fw::TLocateOptions{}, found, positioned)) return fw::Null();
   GetCalcFields(AsRecordBuffer(&found));
   TCTRecordBuffer* saved = FFilterBuffer;
   FFilterBuffer = &found;
@@ -133,7 +174,7 @@ fw::Variant TCTTable::Lookup(const std::string& KeyFields, const fw::Variant& Ke
 }
 
 bool TCTTable::FindRecord(const std::string& KeyFields, const fw::Variant& KeyValues, fw::TLocateOptions Options,
-                          TCTRecordBuffer& Found) {
+                          TCTRecordBuffer& Found, bool& Positioned) {
   std::vector<fw::TField*> fields;
   GetFieldList(fields, KeyFields);
   if (fields.empty()) return false;
@@ -150,12 +191,21 @@ bool TCTTable::FindRecord(const std::string& KeyFields, const fw::Variant& KeyVa
   LocateMatch match(this, fields, values, Options);
   Found.InitRecord();
   Found.CalcFields().Clear(CalcFieldsSize());
+  const bool keep = Positioned;
+  Positioned = false;
   if (!match.Satisfiable()) return false;
   // With a range in force the records the table shows are those of its range: they are read in
   // the table's order, so the range stays as it is.
   int best = 0;
   const int ordinal = FCursor->RangeActive ? -1 : ChooseLocateIndex(match, best);
-  const bool found = ordinal >= 0 ? FindByIndex(match, ordinal, best, Found) : FindByScan(match, Found);
+  bool found = false;
+  if (ordinal < 0) {
+    found = FindByScan(match, Found);
+  } else {
+    // Locate in the table's own index leaves the cursor where the search finds the record.
+    Positioned = keep && FCursor->Indexes[static_cast<size_t>(ordinal)].IndexId == FCursor->KeyNo;
+    found = FindByIndex(match, ordinal, best, Found, Positioned);
+  }
   if (found) Found.SetBookmarkFlag(fw::bfCurrent);
   return found;
 }
@@ -187,21 +237,23 @@ int TCTTable::ChooseLocateIndex(const LocateMatch& Match, int& BestCount) const 
   return chosen;
 }
 
-bool TCTTable::FindByIndex(LocateMatch& Match, int Ordinal, int BestCount, TCTRecordBuffer& Found) {
+bool TCTTable::FindByIndex(LocateMatch& Match, int Ordinal, int BestCount, TCTRecordBuffer& Found,
+                           bool& Positioned) {
   Ctdb::TCTConnection& conn = Conn();
   Ctdb::TCTCursorDesc* cursor = FCursor.get();
   const std::vector<LocateCondition>& conditions = Match.Conditions();
-  const Ctdb::CTIdxDesc index = cursor->Indexes[static_cast<size_t>(Ordinal)];
+  const Ctdb::CTIdxDesc& index = cursor->Indexes[static_cast<size_t>(Ordinal)];
 
   // The key values of the covered fields, in their stored form, make the range's key.
-  TCTRecordBuffer keyRecord(cursor);
+  TCTRecordBuffer& keyRecord = AcquireSearchBuffer();
+  const AtScopeEnd release([this] { ReleaseSearchBuffer(); });
   keyRecord.InitRecord();
   for (int i = 0; i < BestCount; ++i) {
     const LocateCondition& c = conditions[static_cast<size_t>(i)];
     CTDbIntf::CtError(conn.SetField(cursor, c.Field->FieldNo(), &keyRecord, c.Native.data()));
   }
 
-  SearchState state(conn, cursor, FIndexDesc);
+  SearchState state(conn, cursor, FIndexDesc, Positioned);
   if (index.IndexId != cursor->KeyNo) state.SwitchTo(index);
   std::vector<uint8_t> key;
   CTDbIntf::CtError(conn.ExtractKey(cursor, &keyRecord, key));
@@ -218,7 +270,8 @@ bool TCTTable::FindByIndex(LocateMatch& Match, int Ordinal, int BestCount, TCTRe
   if (ifilOrdinal < cursor->Ifil.ix.size() && cursor->Ifil.ix[ifilOrdinal].inulkey != 0) {
     const auto pad = static_cast<uint8_t>(cursor->Ifil.ix[ifilOrdinal].iempchr);
     if (std::all_of(key.begin(), key.begin() + length, [pad](uint8_t b) { return b == pad; })) {
-      state.Restore();
+      state.Restore(false);
+      Positioned = false;
       return FindByScan(Match, Found);
     }
   }
@@ -227,9 +280,13 @@ bool TCTTable::FindByIndex(LocateMatch& Match, int Ordinal, int BestCount, TCTRe
   CTDbIntf::CtError(conn.SetToBegin(cursor));
   bool found = false;
   // The index decides the covered fields with its own key comparison; the others are compared.
-  while (!found && conn.GetNextRecord(cursor, Ctdb::dbiNOLOCK, &Found) == 0)
-    found = CandidateMatches(Match, static_cast<size_t>(BestCount), Found);
-  state.Restore();
+  // A Locate that the index alone decides, on an unfiltered table, needs no record read.
+  TCTRecordBuffer* record =
+      Positioned && BestCount == static_cast<int>(conditions.size()) && !Filtered() ? nullptr : &Found;
+  while (!found && conn.GetNextRecord(cursor, Ctdb::dbiNOLOCK, record) == 0)
+    found = record == nullptr || CandidateMatches(Match, static_cast<size_t>(BestCount), Found);
+  state.Restore(found);
+  Positioned = Positioned && found;
   return found;
 }
 
@@ -254,11 +311,11 @@ bool TCTTable::FindByScan(LocateMatch& Match, TCTRecordBuffer& Found) {
     Found.SetBookmark(&position);
     return true;
   }
-  SearchState state(conn, cursor, FIndexDesc);
+  SearchState state(conn, cursor, FIndexDesc, false);
   CTDbIntf::CtError(conn.SetToBegin(cursor));
   bool found = false;
   while (!found && conn.GetNextRecord(cursor, Ctdb::dbiNOLOCK, &Found) == 0) found = CandidateMatches(Match, 0, Found);
-  state.Restore();
+  state.Restore(false);
   return found;
 }
 
