@@ -10,6 +10,7 @@
 #include "CTFldDesc.h"
 #include "CTIdxDesc.h"
 #include "CtdbTypes.h"
+#include "TCTConnection.h"
 #include "TCTCursorDesc.h"
 #include "TCTCustomDataSet.h"
 #include "TCTIndexDefs.h"
@@ -281,6 +282,9 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   int ChooseLocateIndex(const LocateMatch& Match, int& BestCount) const;
   bool FindByIndex(LocateMatch& Match, int Ordinal, int BestCount, TCTRecordBuffer& Found, bool& Positioned);
   bool FindByScan(LocateMatch& Match, TCTRecordBuffer& Found);
+  /// The physical-order half of FindByScan on a table read in index order (see the .cpp).
+  bool FindFirstInIndexOrder(Ctdb::TCTCustomRecordBuffer& Scratch, const Ctdb::TCTRecordTest& Accepts,
+                             TCTRecordBuffer& Found, int32_t& Position);
   bool CandidateMatches(const LocateMatch& Match, size_t From, TCTRecordBuffer& Candidate);
   void RefreshLookupClients();
   TCTRecordBuffer& AcquireSearchBuffer();

@@ -1,4 +1,6 @@
 // TCTTable: Locate, Lookup and lookup fields over real engine files.
+#include <cstdio>
+
 #include "TClassInfo.h"
 #include "TField.h"
 #include "TNumericField.h"
@@ -236,6 +238,33 @@ TEST_P(ScanAgreement, BulkScanAndRecordByRecordReadingAgree) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, ScanAgreement, ::testing::Range(0, static_cast<int>(ScanCases().size())));
+
+TEST_F(Locate, LongScansFindTheFirstRecordInIndexOrder) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  // The matches lie past the head of the index, where the table is read in physical order:
+  // there they lie in the reverse of their name order, and the first one has a blank name,
+  // which ByName (storing no blank keys) does not hold.
+  table->DisableControls();
+  Add(table, 99, V(""), "Oslo", V(7.0));
+  for (int32_t i = 0; i < 3000; ++i) {
+    char name[8];
+    std::snprintf(name, sizeof name, "N%04d", 2999 - i);
+    Add(table, 100 + i, V(name), "Oslo", V(2999 - i >= 2500 ? 7.0 : 1.0));
+  }
+  table->EnableControls();
+  table->SetIndexName("ByName");
+  EXPECT_TRUE(table->Locate("AMOUNT", V(7.0), {}));
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "N2500");
+  table->SetOnFilterRecord([](fw::TDataSet* d, bool& accept) { accept = d->FieldByName("ID")->AsInteger() != 599; });
+  table->SetFiltered(true);
+  EXPECT_EQ(table->Lookup("AMOUNT", V(7.0), "NAME").AsString(), "N2501");
+  table->SetFiltered(false);
+  table->SetRange({V("A")}, {V("Z")});  // read record by record, in index order
+  EXPECT_TRUE(table->Locate("AMOUNT", V(7.0), {}));
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "N2500");
+}
 
 // ---- lookup fields ----------------------------------------------------------------------------
 

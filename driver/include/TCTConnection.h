@@ -266,12 +266,15 @@ class TCTConnection : public fw::TComponent {
 
   // ---- bulk scans for searches by value (TCTConnection.scan.cpp)
   /// Hands the bytes of every record of the table, from the first in the current order (index
-  /// or physical), to `test` until it returns true; `position` then receives that record's
-  /// position. Records are read in bulk into one reused buffer, in a c-tree context of its own,
-  /// so the table's c-tree position and the cursor stay as they were. Only for a table without
-  /// blob fields and without an active range (1137 otherwise, nothing read); 101 when no record
-  /// passes. An exception from `test` passes through after the context is restored.
-  int32_t ScanRecords(TCTCursorDesc* cursor, const TCTRecordTest& test, int32_t& position);
+  /// or physical; physical with `physicalOrder`), to `test` until it returns true; `position`
+  /// then receives that record's position (inside `test`, GetBookMark gives the position of the
+  /// record being tested). Records are read in bulk into one reused buffer, in a c-tree context
+  /// of its own, so the table's c-tree position and the cursor stay as they were. Only for a
+  /// table without blob fields and without an active range (1137 otherwise, nothing read); 101
+  /// when no record passes. An exception from `test` passes through after the context is
+  /// restored.
+  int32_t ScanRecords(TCTCursorDesc* cursor, const TCTRecordTest& test, int32_t& position,
+                      bool physicalOrder = false);
 
   // ---- record modification (TCTConnection.records.cpp), each inside one lock set
   /// Adds the buffer's record (FillRecord) with its keys; with the hook, keys of package indexes

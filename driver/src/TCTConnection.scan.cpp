@@ -7,7 +7,8 @@
 
 namespace Ctdb {
 
-int32_t TCTConnection::ScanRecords(TCTCursorDesc* cursor, const TCTRecordTest& test, int32_t& position) {
+int32_t TCTConnection::ScanRecords(TCTCursorDesc* cursor, const TCTRecordTest& test, int32_t& position,
+                                   bool physicalOrder) {
   position = 0;
   if (const int32_t r = CheckCursor(cursor)) return r;
   if (cursor->HasBlobs || cursor->RangeActive || !test) return kCtInvalidIndexDesc;
@@ -15,7 +16,7 @@ int32_t TCTConnection::ScanRecords(TCTCursorDesc* cursor, const TCTRecordTest& t
   // NXTREC walks the data file in physical order, or an index in key order when given its
   // number, and copies each record straight into one reused buffer: no key is built, no record
   // is read twice and nothing is allocated per record.
-  const int16_t fileNo = cursor->KeyNo <= cursor->DataFileNo ? cursor->DataFileNo : cursor->KeyNo;
+  const int16_t fileNo = physicalOrder || cursor->KeyNo <= cursor->DataFileNo ? cursor->DataFileNo : cursor->KeyNo;
   const int32_t length = cursor->FixedRecLength;
   if (length <= 0) return kCtInvalidIndexDesc;
   int32_t result = 0;
