@@ -224,6 +224,9 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void SetRecNo(int Value) override;
   bool BookmarkValid(const fw::TBookmark& Bookmark) override;
   int CompareBookmarks(const fw::TBookmark& Bookmark1, const fw::TBookmark& Bookmark2) override;
+  /// A TCTBlobStream on blob field `Field` (a TBlobField, else EDatabaseError) of the buffer the
+  /// current state reads and writes (TCTTable.blobs.cpp). Raises as the stream's constructor.
+  std::unique_ptr<fw::TStream> CreateBlobStream(fw::TField* Field, fw::TBlobStreamMode Mode) override;
 
  protected:
   // --- Descendants must implement -----------------------------------------------------------
@@ -304,6 +307,9 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   bool FindPartialKey(TCTRecordBuffer* Key, int Fields);
   int32_t KeyLengthOf(TCTRecordBuffer* Buffer, std::vector<uint8_t>& Key, int Fields);
   void AfterIndexSwitch();
+  /// Writes the text of `Master` into memo field `Detail` of key buffer `Buffer` through a
+  /// write-mode TCTBlobStream (TCTTable.blobs.cpp).
+  void CopyMemoToKey(TCTRecordBuffer& Buffer, fw::TField* Detail, const fw::TField* Master);
   void UnlockEditedRecord();
   int32_t CountKeysBeforeRange();
   void ReopenForFilter();

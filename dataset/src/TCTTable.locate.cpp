@@ -117,7 +117,11 @@ TCTRecordBuffer& TCTTable::AcquireSearchBuffer() {
   if (FSearchDepth == FSearchBuffers.size()) FSearchBuffers.push_back(nullptr);
   std::unique_ptr<TCTRecordBuffer>& buffer = FSearchBuffers[FSearchDepth++];
   // A buffer of an earlier opening lost its cursor when the table closed.
-  if (buffer == nullptr || buffer->Cursor() != FCursor.get()) buffer = std::make_unique<TCTRecordBuffer>(FCursor.get());
+  if (buffer == nullptr || buffer->Cursor() != FCursor.get()) {
+    // Made like the window's buffers: one blank entry per calculated or lookup field.
+    const fw::TRecordBuffer made = AllocRecordBuffer();
+    buffer.reset(reinterpret_cast<TCTRecordBuffer*>(made));
+  }
   return *buffer;
 }
 
@@ -190,7 +194,7 @@ bool TCTTable::FindRecord(const std::string& KeyFields, const fw::Variant& KeyVa
   }
   LocateMatch match(this, fields, values, Options);
   Found.InitRecord();
-  Found.CalcFields().Clear(CalcFieldsSize());
+  Found.CalcFields().ClearFields();
   const bool keep = Positioned;
   Positioned = false;
   if (!match.Satisfiable()) return false;
