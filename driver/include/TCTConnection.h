@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <memory>
 #include <vector>
@@ -24,6 +25,9 @@ namespace Ctdb {
 
 class TCTCursorDesc;
 class TCTCustomRecordBuffer;
+
+/// A test of one record's bytes (the record and its length) for TCTConnection::ScanRecords.
+using TCTRecordTest = std::function<bool(const uint8_t* record, int32_t length)>;
 
 /// The connection: holds the session settings, opens and closes the c-tree ISAM session, keeps
 /// the datasets open on it and is the storage driver for them. Storage methods return 0 or an
@@ -260,6 +264,18 @@ class TCTConnection : public fw::TComponent {
   int32_t LockRecord(TCTCursorDesc* cursor, int32_t& handle);
   /// Frees the lock on the record at `handle` without moving the cursor.
   int32_t UnlockRecord(TCTCursorDesc* cursor, int32_t handle);
+
+  // ---- bulk scans for searches by value (TCTConnection.scan.cpp)
+  /// Hands the bytes of every record of the table, from the first in the current order (index
+  /// or physical; physical with `physicalOrder`), to `test` until it returns true; `position`
+  /// then receives that record's position (inside `test`, GetBookMark gives the position of the
+  /// record being tested). Records are read in bulk into one reused buffer, in a c-tree context
+  /// of its own, so the table's c-tree position and the cursor stay as they were. Only for a
+  /// table without blob fields and without an active range (1137 otherwise, nothing read); 101
+  /// when no record passes. An exception from `test` passes through after the context is
+  /// restored.
+  int32_t ScanRecords(TCTCursorDesc* cursor, const TCTRecordTest& test, int32_t& position,
+                      bool physicalOrder = false);
 
   // ---- record modification (TCTConnection.records.cpp), each inside one lock set
   /// Adds the buffer's record (FillRecord) with its keys; with the hook, keys of package indexes
