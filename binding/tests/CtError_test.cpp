@@ -100,7 +100,7 @@ TEST(CtErrorTest, EveryNumberTheEngineReturnsHasAMessage) {
       VBSZ_ERR,   DTMO_ERR,     NCON_ERR,     RNOT_ERR,    NSUP_ERR,   BPWD_ERR,    CT_EALIGN,
       CT_EBADDEF, CT_EDAMAGED,  CT_EDISKFULL, CT_EKEYLEN,  CT_EBADARG, CT_ENOTOPEN, CT_ENOTIDX,
       CT_ENOTDAT, CT_EREADONLY, CT_EIO,       CT_EBADCOND, CT_ENOCTX,  CT_ERESDUP,
-      CT_ETRAN,   CT_EUNMAPPED, CT_EBADPARM};
+      CT_ETRAN,   CT_EUNMAPPED, CT_ELOCKFILE, CT_EBADPARM};
   for (std::int32_t code : engineNumbers) {
     const auto text = CtMessage(kMessageBase + code);
     ASSERT_TRUE(text.has_value()) << code;

@@ -67,6 +67,8 @@ struct ListOptions {
 /// - export: writes the CSV to a temporary file beside `File` and renames it when complete, so
 ///   the file appears whole or not at all.
 /// - list, info: print aligned tables on Out.
+/// - check: opens the table exclusively and has every page of its data file read in a separate
+///   process; prints one line when they all read through, raises (number 803) when not.
 ExitCode RunCreate(TableBackend& backend, const TableRef& table, const CreateOptions& options, Console& console);
 ExitCode RunDrop(TableBackend& backend, const TableRef& table, Console& console);
 ExitCode RunAddIndex(TableBackend& backend, const TableRef& table, const IndexDefinition& index, Console& console);
@@ -75,5 +77,6 @@ ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOpt
 ExitCode RunExport(TableBackend& backend, const TableRef& table, const ExportOptions& options, Console& console);
 ExitCode RunList(TableBackend& backend, const TableRef& table, const ListOptions& options, Console& console);
 ExitCode RunInfo(TableBackend& backend, const TableRef& table, Console& console);
+ExitCode RunCheck(TableBackend& backend, const TableRef& table, Console& console);
 
 }  // namespace ctt
