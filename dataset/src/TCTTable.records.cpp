@@ -74,19 +74,6 @@ TCTRecordBuffer* TCTTable::GetActiveRecBuf() const {
 
 // --- Fetching -------------------------------------------------------------------------------
 
-bool TCTTable::RecordFilter(TCTRecordBuffer* Buffer) {
-  if (!OnFilterRecord()) return true;
-  bool accept = true;
-  TCTRecordBuffer* saved = FFilterBuffer;
-  FFilterBuffer = Buffer;
-  {
-    fw::TTempState filtering(this, fw::dsFilter);
-    OnFilterRecord()(this, accept);
-  }
-  FFilterBuffer = saved;
-  return accept;
-}
-
 fw::TGetResult TCTTable::GetRecord(fw::TRecordBuffer Buffer, fw::TGetMode GetMode, bool DoCheck) {
   TCTRecordBuffer* buffer = RecBuf(Buffer);
   Ctdb::TCTConnection& conn = Conn();

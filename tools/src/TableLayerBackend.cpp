@@ -4,14 +4,17 @@
 #include <algorithm>
 
 #include "CTTables.h"
+#include "CtRecords.h"
 #include "ConnectionSetup.h"
 #include "CtError.h"
 #include "CtFiles.h"
 #include "CtSession.h"
+#include "StringUtils.h"
 #include "TField.h"
 #include "TFieldDefs.h"
 #include "TFields.h"
 #include "ToolError.h"
+#include "UnitFilterParser.h"
 #include "ctisam.h"
 
 namespace ctt {
@@ -51,7 +54,20 @@ class TableLayerCursor : public TableCursor {
       entry.CaseInsensitive = d.Options().Contains(fw::ixCaseInsensitive);
       info.Indexes.push_back(std::move(entry));
     }
-    info.RecordCount = FTable->RecordCount();
+    // The data file's own count: an index that leaves blank keys out counts fewer records.
+    const Ctdb::TCTCursorDesc* cursor = FTable->Cursor();
+    const CTDbIntf::TLoadAlignment alignment = Connection().Alignment();
+    info.RecordCount =
+        cursor != nullptr ? CTDbIntf::NbrOfRecords(alignment, cursor->DataFileNo) : FTable->RecordCount();
+    for (const IndexDefinition& index : info.Indexes) {
+      const int ordinal = cursor != nullptr ? cursor->FindIndex(index.Name, -1) : -1;
+      if (ordinal < 0) {
+        info.IndexKeys.clear();
+        break;
+      }
+      const int16_t keyNo = cursor->Indexes[static_cast<size_t>(ordinal)].IndexId;
+      info.IndexKeys.push_back(CTDbIntf::NbrOfKeyEntries(alignment, keyNo));
+    }
     if (FTable->Cursor()) info.Files.push_back(FTable->Cursor()->TableName);
     return info;
   }
@@ -85,12 +101,26 @@ class TableLayerCursor : public TableCursor {
     First();
   }
 
-  void First() override {
-    FTable->First();
-    if (!FFrom.empty()) FTable->FindNearest(Values(FFrom));
+  void SetFilter(const std::string& text) override {
+    // Each of the two re-opens the table, which forgets a range and a nearest-key start.
+    FTable->SetFilter(text);
+    FTable->SetFiltered(!text.empty());
+    FFrom.clear();
   }
 
-  bool FindNearest(const KeyValues& key) override { return FTable->FindNearest(Values(key)) && !FTable->Eof(); }
+  void First() override {
+    FTable->First();
+    if (!FFrom.empty()) {
+      FTable->FindNearest(Values(FFrom));
+      SkipFilteredOut();
+    }
+  }
+
+  bool FindNearest(const KeyValues& key) override {
+    const bool found = FTable->FindNearest(Values(key));
+    SkipFilteredOut();
+    return found && !FTable->Eof();
+  }
 
   bool Read(std::vector<std::string>& values) override {
     if (FTable->Eof()) return false;
@@ -127,7 +157,6 @@ class TableLayerCursor : public TableCursor {
     FTable->AddIndex(index.Name, index.FieldsText(), "", true, false, index.Options());
   }
   void DeleteIndex(const std::string& name) override {
-    FTable->UpdateIndexDefs();  // the list DeleteIndex looks the name up in
     FTable->DeleteIndex(name);
     // Read the definitions back from the files: an index the engine kept must not be reported
     // as deleted.
@@ -149,6 +178,14 @@ class TableLayerCursor : public TableCursor {
 
  private:
   Ctdb::TCTConnection& Connection() const { return *FTable->Connection(); }
+
+  // A key seek lands on its record whether or not the filter passes it (the table filters the
+  // records it steps to, not the one it is put on): step on when this one does not pass.
+  void SkipFilteredOut() {
+    if (FTable->Filtered() && !FTable->Filter().empty() && !FTable->Eof() &&
+        !UnitFilterParser::ParseFilter(FTable->BuildparsString()))
+      FTable->Next();
+  }
 
   std::unique_ptr<CTTables::TCTTable> FTable;
   KeyValues FFrom;
@@ -185,6 +222,10 @@ class TableLayerBackend : public TableBackend {
  private:
   // A closed table on the connection for `ref`.
   std::unique_ptr<CTTables::TCTTable> NewTable(const TableRef& ref) {
+    // The connection drops a local folder that does not exist and takes the name relative to the
+    // current folder instead, and create would even make the folder's name a superfile there.
+    if (!ref.Directory.empty() && FSetup.Connection().ServerName().empty() && !fw::DirectoryExists(ref.Directory))
+      throw ToolError(kExitNotFound, "folder " + ref.Directory + " does not exist");
     auto table = std::make_unique<CTTables::TCTTable>(nullptr);
     table->SetConnection(&FSetup.Connection());
     if (!ref.SuperFile.empty()) {

@@ -2,11 +2,14 @@
 #include "ToolError.h"
 
 #include <ios>
+#include <ostream>
 
 #include "CsvReader.h"
 #include "CtMessages.h"
 #include "ECtreeException.h"
 #include "Exception.h"
+#include "StringUtils.h"
+#include "UnitFilterParser.h"
 
 namespace ctt {
 
@@ -24,6 +27,8 @@ const char* ExitCodeName(int code) {
     case kExitNotFound: return "table not found";
     case kExitRejected: return "rows rejected";
     case kExitUnavailable: return "not available";
+    case kExitInterrupted: return "interrupted";
+    case kExitTerminated: return "terminated";
     default: return "unknown";
   }
 }
@@ -32,6 +37,11 @@ std::string DescribeErrorNumber(std::int32_t code) {
   const auto text = CTDbIntf::CtMessage(CTDbIntf::kMessageBase + code);
   std::string out = text && !text->empty() ? std::string(*text) : std::string("storage error");
   return out + " (error " + std::to_string(code) + ")";
+}
+
+void CheckWritten(std::ostream& out, const std::string& what) {
+  out.flush();
+  if (!out) throw ToolError(kExitFile, "cannot write " + what);
 }
 
 ErrorReport DescribeException(std::exception_ptr error) {
@@ -46,6 +56,10 @@ ErrorReport DescribeException(std::exception_ptr error) {
     if (message.empty() && e.ErrorCode != 0) return {DescribeErrorNumber(e.ErrorCode), code};
     if (e.ErrorCode != 0) message += " (error " + std::to_string(e.ErrorCode) + ")";
     return {message, code};
+  } catch (const UnitFilterParser::EParserError& e) {
+    // The paren-count message spans three lines; the tool reports on one.
+    const std::string lines = fw::StringReplace(e.Message(), " \r\n", "\r\n", true);
+    return {"bad filter: " + fw::StringReplace(lines, "\r\n", "; ", true), kExitUsage};
   } catch (const ToolError& e) {
     return {e.what(), e.Code};
   } catch (const CsvError& e) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <csignal>
 #include <map>
 #include <memory>
 #include <string>
@@ -28,6 +29,10 @@ struct FakeStore {
   int Rollbacks = 0;
   int FailCommitNumber = 0;  // the commit with this number (1-based) fails with error 37
   bool Transactions = true;  // what HasTransactions answers
+  std::string Filter;        // the last filter text a cursor was given (not applied)
+  int Appends = 0;
+  int SignalAtAppend = 0;    // the append with this number (1-based) raises Signal first
+  int Signal = 0;
 };
 
 class FakeCursor : public TableCursor {
@@ -56,6 +61,11 @@ class FakeCursor : public TableCursor {
     First();
   }
 
+  void SetFilter(const std::string& text) override {
+    FStore.Filter = text;
+    First();
+  }
+
   void First() override {
     Order();
     FPos = 0;
@@ -76,6 +86,7 @@ class FakeCursor : public TableCursor {
   }
 
   void Append(const std::vector<std::optional<std::string>>& values) override {
+    if (++FStore.Appends == FStore.SignalAtAppend) std::raise(FStore.Signal);
     std::vector<std::string> record;
     for (std::size_t i = 0; i < FTable.Fields.size(); ++i) {
       const std::string text = values[i].value_or("");
