@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iostream>
 
+#include "BlobColumns.h"
 #include "Commands.h"
 #include "CsvWriter.h"
 #include "StringUtils.h"
@@ -106,6 +107,7 @@ ExitCode RunExport(TableBackend& backend, const TableRef& table, const ExportOpt
     writer.WriteRow(header);
     std::vector<std::string> values;
     while (cursor->Read(values)) {
+      EncodeBinaryColumns(info.Fields, values);
       writer.WriteRow(Pick(values, positions));
       ++rows;
     }
@@ -147,6 +149,7 @@ ExitCode RunList(TableBackend& backend, const TableRef& table, const ListOptions
         more = true;
         break;
       }
+      ShowBinaryColumnsAsSize(info.Fields, values);
       printer.AddRow(Pick(values, positions));
     }
   }
