@@ -51,7 +51,7 @@ struct Engine {
   void* h = dlopen(CT_LIBRARY_DIR "/libctstd32b.so", RTLD_NOW | RTLD_LOCAL);
   FN(INTISAMX) FN(CREIFIL) FN(ADDREC) FN(RWTREC) FN(FRSREC) FN(NXTREC) FN(FRSKEY) FN(NXTKEY)
   FN(SETCURI) FN(RRDREC) FN(EQLREC) FN(RNGENT) FN(frmkey) FN(CLISAM) FN(LKISAM) FN(TMPIIDXX)
-  FN(PRMIIDX) FN(IDXENT)
+  FN(PRMIIDX) FN(IDXENT) FN(CLRFIL) FN(OPNRFIL) FN(TRANBEG) FN(TRANEND) FN(DELREC)
 #undef FN
   COUNT dat = -1;
 } * gEngine;
@@ -352,6 +352,52 @@ void EngineLockSetRewrite(benchmark::State& st) {
   st.SetItemsProcessed(kLookups);
 }
 
+// ---- one transaction of 20,000 rewrites, or of 10,000 deletes (the table open exclusively
+// with Arg 0, shared with Arg 1: then every record touched is locked in the file's lock region) ----
+void Reopen(int shared) {
+  if (gEngine->CLRFIL(static_cast<COUNT>(gEngine->dat)) != 0 ||
+      gEngine->OPNRFIL(static_cast<COUNT>(gEngine->dat), (pTEXT) "bench.dat", shared ? SHARED : EXCLUSIVE) != 0)
+    std::abort();
+}
+void EngineTranRewrite(benchmark::State& st) {
+  Reopen(static_cast<int>(st.range(0)));
+  Customer c;
+  uint8_t key[4];
+  for (auto _ : st) {
+    if (gEngine->TRANBEG(ENABLE) <= 0) std::abort();
+    for (int32_t id : gProbes) {
+      Customer probe = Make(id);
+      gEngine->frmkey(static_cast<COUNT>(gEngine->dat + 1), (pTEXT) &probe, (pTEXT) key, 0, 0);
+      if (gEngine->EQLREC(static_cast<COUNT>(gEngine->dat + 1), key, &c) != 0) std::abort();
+      c.balance += 1;
+      if (gEngine->RWTREC(gEngine->dat, &c) != 0) std::abort();
+    }
+    if (gEngine->TRANEND(FREE) != 0) std::abort();
+  }
+  st.SetItemsProcessed(kLookups);
+  Reopen(0);
+}
+// Deletes records 0, 2, 4, ... (a shared run after an exclusive one takes the odd ones).
+void EngineTranDelete(benchmark::State& st) {
+  constexpr int kDeletes = 10000;
+  const int shared = static_cast<int>(st.range(0));
+  Reopen(shared);
+  Customer c;
+  uint8_t key[4];
+  for (auto _ : st) {
+    if (gEngine->TRANBEG(ENABLE) <= 0) std::abort();
+    for (int32_t i = 0; i < kDeletes; ++i) {
+      Customer probe = Make(2 * i + shared);
+      gEngine->frmkey(static_cast<COUNT>(gEngine->dat + 1), (pTEXT) &probe, (pTEXT) key, 0, 0);
+      if (gEngine->EQLREC(static_cast<COUNT>(gEngine->dat + 1), key, &c) != 0 || gEngine->DELREC(gEngine->dat) != 0)
+        std::abort();
+    }
+    if (gEngine->TRANEND(FREE) != 0) std::abort();
+  }
+  st.SetItemsProcessed(kDeletes);
+  Reopen(0);
+}
+
 // ---- an index on name added to the open table (filled from every record) ----
 void EngineAddIndex(benchmark::State& st) {
   static ISEG seg[1] = {{4, 30, REGSEG}};
@@ -387,6 +433,8 @@ void Register() {
   one("lockset_add/engine", EngineLockSetAdd);
   one("lockset_rewrite/engine", EngineLockSetRewrite);
   one("add_index_name/engine", EngineAddIndex);
+  one("tran_rewrite/engine", EngineTranRewrite)->Arg(0)->Arg(1);
+  one("tran_delete/engine", EngineTranDelete)->Arg(0)->Arg(1);
 }
 
 }  // namespace

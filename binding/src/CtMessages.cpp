@@ -60,6 +60,7 @@ constexpr TMessage kMessages[] = {
     {30814, "A resource of that type and number already exists"},
     {30815, "No transaction or lock set for this call, one already begun, or no such save point"},
     {30816, "Index file opened on its own: map it onto a data file first"},
+    {30817, "The lock table of a file (its -rlock file) is damaged, of another version or full"},
     {30820, "Malformed parameter file: the system I/O code holds the line number"},
 
     {31101, "Beginning of the table"},

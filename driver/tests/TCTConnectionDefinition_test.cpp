@@ -52,7 +52,7 @@ class DefinitionTest : public TableTest {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(Dir.Path())) {
       const std::string name = entry.path().filename().string();
-      if (!name.ends_with("-lock")) names.push_back(name);
+      if (!name.ends_with("-lock") && !name.ends_with("-rlock")) names.push_back(name);
     }
     std::sort(names.begin(), names.end());
     return names;

@@ -148,6 +148,9 @@ typedef LONG *pLONG;
 #define FILALIGN 5  /* packing (1, 2, 4) of the library that created the file */
 #define NUMMEMB 6   /* number of index members of an index file; 0 for a data file */
 #define FILTYP 7    /* 0 data file, 1 index */
+#define FILVERIFY 8 /* walks every page of the file in a child process: 0 when it reads through,
+                     * -1 and CT_EDAMAGED when not; FMOD_ERR unless open EXCLUSIVE, NSUP_ERR for a
+                     * superfile member */
 
 /* ---- limits ------------------------------------------------------------------------------ */
 #define CT_MAXKEYLEN 480  /* longest key, including a duplicate index's 4-byte position */
@@ -192,6 +195,7 @@ typedef LONG *pLONG;
 #define CT_ERESDUP 814   /* a resource with that type and number already exists */
 #define CT_ETRAN 815     /* no transaction / lock set for the call, one already begun, or no such save point */
 #define CT_EUNMAPPED 816 /* index file opened on its own: map it onto a data file (setimap) first */
+#define CT_ELOCKFILE 817 /* the file's lock table ("<file>-rlock") is damaged, of another version, or full */
 #define CT_EBADPARM 820  /* malformed parameter file (sysio of GetCtreeError: the line number) */
 
 /* ---- definition records, one block per packing ------------------------------------------- *

@@ -4,7 +4,10 @@
  * before INTISAMX; FNUM_ERR (22) for a file number outside 0 .. fils-1; CT_ENOTOPEN (807) for a
  * number not open; CT_ENOTIDX (808) / CT_ENOTDAT (809) for a number of the wrong kind;
  * CT_EBADARG (806) for a NULL or short buffer; CT_EREADONLY (810) for a write to a READFIL file;
- * CT_EDISKFULL (804) and CT_EIO (811) for storage failures. "datno" is a data file number,
+ * CT_EDISKFULL (804) and CT_EIO (811) for storage failures; for a write, DTMO_ERR (156) when
+ * another process holds the file in a lock set or transaction for longer than the lock
+ * time-out, and CT_ELOCKFILE (817) when the file's lock region is damaged while other processes
+ * use it. A file that is not a regular file gives CT_EDAMAGED (803) at once. "datno" is a data file number,
  * "keyno" an index (key) number, "filno" either. Calls marked "(not supported)" always return
  * NSUP_ERR (454). A name of the form host "!" member names a member of superfile host (see
  * FORMAT.md) in every call that takes a file name.

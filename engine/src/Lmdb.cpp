@@ -28,6 +28,8 @@ struct FileId {
   bool operator<(const FileId& o) const { return dev != o.dev ? dev < o.dev : ino < o.ino; }
 };
 
+int writerTimeoutMs = 5000;
+
 std::map<FileId, std::weak_ptr<Env>>& Registry() {
   static std::map<FileId, std::weak_ptr<Env>> registry;
   return registry;
@@ -63,7 +65,7 @@ void ThrowLmdb(int rc) {
 std::shared_ptr<Env> Env::Acquire(const std::string& path, bool create) {
   struct stat st {};
   if (::stat(path.c_str(), &st) != 0) Throw(FNOP_ERR, errno);
-  if (!S_ISREG(st.st_mode)) Throw(FNOP_ERR);
+  if (!S_ISREG(st.st_mode)) Throw(CT_EDAMAGED);
   // An empty file would be initialised by LMDB: only a create may do that.
   if (st.st_size == 0 && !create) Throw(CT_EDAMAGED);
   FileId id{st.st_dev, st.st_ino};
@@ -111,9 +113,11 @@ Env::~Env() {
 }
 
 LockTable& Env::Locks() {
-  if (!locks_) locks_ = std::make_unique<LockTable>(path_ + "-lock");
+  if (!locks_) locks_ = std::make_unique<LockTable>(path_ + "-rlock");
   return *locks_;
 }
+
+void Env::SetWriterTimeout(int ms) { writerTimeoutMs = ms; }
 
 // The map cannot grow while a held transaction is open, so it gets its room before the first.
 void Env::Reserve(size_t room) {
@@ -152,6 +156,7 @@ void Env::CommitTop(bool durable) {
   ++epoch_;
   ++gen_;
   int rc = mdb_txn_commit(txn);
+  if (held_.empty()) Locks().Region().UnlockWriter();
   if (rc != 0) {
     dbis_.clear();
     ThrowLmdb(rc);
@@ -170,6 +175,7 @@ void Env::AbortTop() {
   ++epoch_;
   ++gen_;
   mdb_txn_abort(txn);
+  if (held_.empty()) Locks().Region().UnlockWriter();
   // Handles opened inside the aborted transaction are closed by LMDB; names still open are
   // found again by mdb_dbi_open.
   dbis_.clear();
@@ -298,6 +304,8 @@ MDB_txn* Env::BeginWrite() {
     Check(mdb_txn_begin(env_, held_.back(), 0, &txn));
     return txn;
   }
+  // LMDB's own writer wait has no time-out: the region's writer lock, taken first, has one.
+  if (!Locks().Region().LockWriter(writerTimeoutMs)) Throw(DTMO_ERR);
   for (int attempt = 0;; ++attempt) {
     MDB_txn* txn = nullptr;
     int rc = mdb_txn_begin(env_, nullptr, 0, &txn);
@@ -307,9 +315,9 @@ MDB_txn* Env::BeginWrite() {
         mdb_txn_reset(rtxn_);
         rtxnLive_ = false;
       }
-      Check(mdb_env_set_mapsize(env_, 0));
-      continue;
+      if (mdb_env_set_mapsize(env_, 0) == 0) continue;
     }
+    Locks().Region().UnlockWriter();
     ThrowLmdb(rc);
   }
 }
@@ -324,7 +332,9 @@ void Env::Commit(MDB_txn* txn, bool durable) {
     }
     return;
   }
-  Check(mdb_txn_commit(txn));
+  int rc = mdb_txn_commit(txn);
+  Locks().Region().UnlockWriter();
+  Check(rc);
   ++Io().commits;
   if (durable) {
     Check(mdb_env_sync(env_, 1));
@@ -337,7 +347,9 @@ void Env::Abort(MDB_txn* txn) {
   if (!held_.empty()) {
     ++gen_;
     dbis_.clear();
+    return;
   }
+  Locks().Region().UnlockWriter();
 }
 
 void Env::Grow() {
@@ -385,8 +397,15 @@ MDB_cursor* Cursor::Get(Env& env, MDB_dbi dbi, bool& fresh) {
 }
 
 FileLock::FileLock(const std::string& path, bool exclusive) {
-  fd_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  // O_NONBLOCK: opening a named pipe in place of the file must not wait for a writer.
+  fd_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (fd_ < 0) Throw(FNOP_ERR, errno);
+  struct stat st {};
+  if (::fstat(fd_, &st) != 0 || !S_ISREG(st.st_mode)) {
+    ::close(fd_);
+    fd_ = -1;
+    Throw(CT_EDAMAGED);
+  }
   if (::flock(fd_, (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB) != 0) {
     int e = errno;
     ::close(fd_);
@@ -410,6 +429,7 @@ long long FileSize(const std::string& path) {
 bool RemoveFile(const std::string& path) {
   bool ok = ::unlink(path.c_str()) == 0;
   ::unlink((path + "-lock").c_str());
+  ::unlink((path + "-rlock").c_str());
   return ok;
 }
 
@@ -417,6 +437,7 @@ void RenameFile(const std::string& from, const std::string& to) {
   if (FileSize(to) >= 0) Throw(DCRAT_ERR);
   if (::rename(from.c_str(), to.c_str()) != 0) Throw(DCRAT_ERR, errno);
   ::rename((from + "-lock").c_str(), (to + "-lock").c_str());
+  ::rename((from + "-rlock").c_str(), (to + "-rlock").c_str());
 }
 
 }  // namespace cte

@@ -22,7 +22,7 @@ class Env {
  public:
   // Opens (or, with create, initialises an empty existing file as) the environment at path.
   // Shares an Env already open in this process. Throws Fail: FNOP_ERR when missing,
-  // CT_EDAMAGED for a file LMDB does not recognise or that is truncated.
+  // CT_EDAMAGED for a file LMDB does not recognise, that is truncated or not a regular file.
   static std::shared_ptr<Env> Acquire(const std::string& path, bool create);
 
   ~Env();
@@ -40,7 +40,8 @@ class Env {
   void Forget(const std::string& name) { dbis_.erase(name); }
   // Begins a write transaction (retrying a map resize done by another process); while
   // holding, a transaction nested in the innermost held one, so that a failing call can be
-  // undone alone.
+  // undone alone. A top-level one first takes the file's writer lock (DTMO_ERR after the
+  // writer time-out), dropped when the transaction ends.
   MDB_txn* BeginWrite();
   // Commits txn; flushes to disk when durable is set and txn is not nested. Throws Fail on
   // failure (txn is gone).
@@ -83,6 +84,9 @@ class Env {
 
   // The record lock table of this file (created on first use).
   LockTable& Locks();
+  // Longest wait of BeginWrite for another process's write transaction on the same file; after
+  // it, BeginWrite throws DTMO_ERR. Set from the session's lock time-out.
+  static void SetWriterTimeout(int ms);
   // Doubles the map after MDB_MAP_FULL; no transaction of this process may be active.
   void Grow();
  private:
@@ -136,7 +140,8 @@ class Cursor {
 // across handles of one process (flock locks belong to the open file description).
 class FileLock {
  public:
-  // Locks path shared or exclusive without waiting; throws Fail FNOP_ERR when refused.
+  // Locks path shared or exclusive without waiting; throws Fail FNOP_ERR when missing or
+  // refused, CT_EDAMAGED when path is not a regular file (a named pipe, a directory).
   FileLock(const std::string& path, bool exclusive);
   ~FileLock();
   // Makes the lock exclusive without waiting; false when another open holds the file (the lock
@@ -185,9 +190,9 @@ inline void Check(int rc) {
 
 // The file's size in bytes, or -1 when it does not exist.
 long long FileSize(const std::string& path);
-// Removes a file and its LMDB lock file; true when the file itself was removed.
+// Removes a file with its LMDB lock file and lock region; true when the file itself was removed.
 bool RemoveFile(const std::string& path);
-// Renames a file and its lock file; throws Fail DCRAT_ERR when the target exists.
+// Renames a file with its lock file and lock region; throws Fail DCRAT_ERR when the target exists.
 void RenameFile(const std::string& from, const std::string& to);
 
 }  // namespace cte

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "PageVerify.h"
+
 namespace cte {
 
 Session& TheSession() {
@@ -42,6 +44,7 @@ void Session::Init(int fils, const char* servname) {
   ops_ = 0;
   const char* timeout = std::getenv("CTISAM_LOCK_TIMEOUT_MS");
   lockTimeoutMs_ = timeout && std::atoi(timeout) > 0 ? std::atoi(timeout) : 5000;
+  Env::SetWriterTimeout(lockTimeoutMs_);
   // Test hook: the process exits right after the first file of a multi-file set committed, as
   // if killed there (recovery tests).
   const char* crash = std::getenv("CTISAM_TEST_CRASH_BETWEEN_COMMITS");
@@ -53,6 +56,8 @@ void Session::Init(int fils, const char* servname) {
 // discarded; every lock is released with the files.
 void Session::Close() {
   int failure = 0;
+  // As in TranAbort: an aborted transaction's locks go first.
+  if (tranActive_) ReleaseSetLocks();
   try {
     EndHeld(!tranActive_);
   } catch (const Fail& e) {
@@ -179,6 +184,13 @@ long Session::GetFil(int filno, int mode) {
       return n;
     }
     case FILTYP: return h.isIndex ? 1 : 0;
+    case FILVERIFY:
+      // The walk reads without taking part in LMDB's reader table: only a file nobody else can
+      // write while it runs (open exclusively) is walked.
+      if (h.mode & SHARED) Throw(FMOD_ERR);
+      if (Locate(h.path).IsMember()) Throw(NSUP_ERR);
+      VerifyPages(h.path);
+      return 0;
     default: Throw(CT_EBADARG);
   }
 }

@@ -217,9 +217,10 @@ int Session::OpenIfil(int filno, const std::string& path, int filmod, const char
   for (const std::string& f : IndexFiles(def)) {
     if (std::all_of(def.idx.begin(), def.idx.end(), [&](const IndexDef& ix) { return ix.file != f || ix.temp == kMappedIndex; }))
       continue;
-    std::shared_ptr<FileLock> lock = LockPath(dir + f, exclusive);
-    // The data file is sound but its index file is not: the set must be rebuilt (RBLIFIL).
+    // The data file is sound but its index file is not (or is not a regular file): the set must
+    // be rebuilt (RBLIFIL).
     try {
+      std::shared_ptr<FileLock> lock = LockPath(dir + f, exclusive);
       idxFiles[f] = {IndexFile::Open(dir + f), lock};
     } catch (const Fail& e) {
       if (e.code == CT_EDAMAGED) Throw(FCRP_ERR);

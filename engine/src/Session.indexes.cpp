@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "PageVerify.h"
 #include "Session.h"
 
 namespace cte {
@@ -198,6 +199,10 @@ void Session::Rebuild(const FileDef& given, const char* dataext, const char* idx
   {
     if (compact && Locate(path).IsMember()) Throw(NSUP_ERR);
     std::unique_ptr<FileLock> lock = LockPath(path, true);
+    // A file to be rebuilt is suspect: its pages are walked in a child process first, so that a
+    // damaged page gives CT_EDAMAGED instead of a crash. (A member's host is shared with other
+    // members that may be written meanwhile: it is not walked.)
+    if (!Locate(path).IsMember()) VerifyPages(path);
     std::shared_ptr<DataStore> s = DataStore::Open(path, password);
     FileDef def = s->HasIfil() ? s->def() : given;
     // Nobody has the set open: temporary and mapped indexes left by an open that ended without

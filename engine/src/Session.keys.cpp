@@ -117,8 +117,8 @@ uint32_t Session::KeyNav(int keyno, NavOp op, const void* target, void* idxval) 
   const IndexDef& ix = s.def().idx[f.ordinal];
   if (op >= kEq && !target) Throw(CT_EBADARG);
   KeyPos& kp = op == kNext || op == kPrev ? EnsureKey(h, p, f.ordinal) : *p.keys[f.ordinal];
-  uint32_t pos = Step(s.env(), s.KeyDbi(f.ordinal), kp, ix.keylen, ix.keylen - (ix.dup ? 4 : 0), op,
-                      static_cast<const uint8_t*>(target));
+  // EQLKEY matches the whole key, the position that ends a duplicate index's key included.
+  uint32_t pos = Step(s.env(), s.KeyDbi(f.ordinal), kp, ix.keylen, ix.keylen, op, static_cast<const uint8_t*>(target));
   if (!pos) Throw(INOT_ERR);
   if (idxval) std::memcpy(idxval, kp.key, ix.keylen);
   return pos;

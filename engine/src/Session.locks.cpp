@@ -82,8 +82,17 @@ void Session::EndHeld(bool commit) {
   if (failure) Throw(failure, sys);
 }
 
+// Grouped by file, so that each file's lock region is visited once for all the set's keys.
 void Session::ReleaseSetLocks() {
-  for (SetLock& l : setLocks_) l.env->Locks().Release(l.key, l.owner);
+  std::stable_sort(setLocks_.begin(), setLocks_.end(),
+                   [](const SetLock& a, const SetLock& b) { return a.env.get() < b.env.get(); });
+  std::vector<std::pair<uint64_t, int>> keys;
+  for (size_t i = 0; i < setLocks_.size();) {
+    Env& env = *setLocks_[i].env;
+    keys.clear();
+    for (; i < setLocks_.size() && setLocks_[i].env.get() == &env; ++i) keys.emplace_back(setLocks_[i].key, setLocks_[i].owner);
+    env.Locks().Release(keys);
+  }
   setLocks_.clear();
 }
 
@@ -101,7 +110,9 @@ void Session::TakeLock(Handle& h, uint32_t pos, bool write, bool wait, bool setL
   bool had = locks.HeldBy(key, h.self, false);
   auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(lockTimeoutMs_);
   auto pause = std::chrono::milliseconds(1);
-  while (!locks.Acquire(key, h.self, write)) {
+  // A file open exclusively has no other process to contend with: its locks stay in this process.
+  const bool local = !(h.mode & SHARED);
+  while (!locks.Acquire(key, h.self, write, local)) {
     if (!wait) Throw(DLOK2_ERR);
     if (std::chrono::steady_clock::now() >= deadline) Throw(DTMO_ERR);
     std::this_thread::sleep_for(pause);
@@ -120,7 +131,7 @@ void Session::CheckChange(Handle& h, uint32_t pos) {
   const uint64_t key = h.store->LockKey(pos);
   if (lockMode_ != FREE && !suspended_)
     AutoLock(h, pos, true);
-  else if (locks.HeldByOther(key, h.self))
+  else if (locks.HeldByOther(key, h.self, !(h.mode & SHARED)))
     Throw(DLOK2_ERR);
   if (((h.mode | h.store->header().filmod) & CHECKLOCK) && !locks.HeldBy(key, h.self, true)) Throw(DLOK_ERR);
 }
@@ -214,8 +225,10 @@ void Session::TranAbort() {
   tranActive_ = false;
   lockMode_ = FREE;
   suspended_ = false;
-  EndHeld(false);
+  // The locks go before the abort: the positions of records the transaction added are given out
+  // again as soon as the abort frees the file's writer lock, and must not be found locked.
   ReleaseSetLocks();
+  EndHeld(false);
 }
 
 int Session::TranSave() {

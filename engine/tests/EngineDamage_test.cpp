@@ -1,5 +1,8 @@
 // EngineDamage_test: files damaged behind the engine's back give CT_EDAMAGED, never a crash.
 #include <lmdb.h>
+#include <sys/stat.h>
+
+#include <fstream>
 
 #include "EngineFixture.h"
 
@@ -116,6 +119,48 @@ TEST_F(EngineDamage, MissingHeaderOrIndexFileIsRefused) {
   EXPECT_EQ(api.OPNRFIL(0, (pTEXT) "copy.dat", SHARED), CT_EDAMAGED);
   std::filesystem::remove("customers.idx");
   EXPECT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), FNOP_ERR);
+}
+
+// A named pipe would make every open wait for a writer: it is refused at once instead.
+TEST_F(EngineDamage, NamedPipeInPlaceOfAFileIsRefusedAtOnce) {
+  COUNT dat = CreateCustomers(EXCLUSIVE);
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  std::filesystem::rename("customers.idx", "customers.idx.saved");
+  ASSERT_EQ(mkfifo("customers.idx", 0644), 0);
+  EXPECT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), FCRP_ERR);
+  ASSERT_EQ(mkfifo("plain.dat", 0644), 0);
+  EXPECT_EQ(api.OPNFIL(0, (pTEXT) "plain.dat", SHARED), CT_EDAMAGED);
+  EXPECT_EQ(api.OPNRFIL(0, (pTEXT) "plain.dat", EXCLUSIVE), CT_EDAMAGED);
+  EXPECT_EQ(api.AVLFILNUM(3), 0);
+  std::filesystem::remove("customers.idx");
+  std::filesystem::rename("customers.idx.saved", "customers.idx");
+  EXPECT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+}
+
+// Bytes flipped inside LMDB's pages would crash the process that reads them: the verify walks
+// the pages in a child and reports 803, and the rebuild runs it before touching the file.
+TEST_F(EngineDamage, DamagedPagesAreReportedByTheVerifyInsteadOfACrash) {
+  COUNT dat = CreateCustomers();
+  for (int id = 0; id < 3000; ++id) ASSERT_EQ(Add(dat, id, "name", "city"), 0);
+  EXPECT_EQ(api.GETFIL(dat, FILVERIFY), -1);
+  EXPECT_EQ(LastError(), FMOD_ERR);  // open shared: another process could be writing
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  ASSERT_EQ(api.OPNRFIL(dat, (pTEXT) "customers.dat", EXCLUSIVE), 0);
+  EXPECT_EQ(api.GETFIL(dat, FILVERIFY), 0);
+  const auto pages = std::filesystem::file_size("customers.dat") / 4096;
+  ASSERT_GT(pages, 20u);
+  {
+    std::fstream f("customers.dat", std::ios::in | std::ios::out | std::ios::binary);
+    const std::string junk(4096, '\x5a');
+    for (auto page = pages / 4; page < 3 * pages / 4; ++page) {
+      f.seekp(static_cast<std::streamoff>(page * 4096));
+      f.write(junk.data(), static_cast<std::streamsize>(junk.size()));
+    }
+  }
+  EXPECT_EQ(api.GETFIL(dat, FILVERIFY), -1);
+  EXPECT_EQ(LastError(), CT_EDAMAGED);
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  EXPECT_EQ(api.RBLIFIL(&def_.ifil), CT_EDAMAGED);
 }
 
 TEST_F(EngineDamage, KeyWithoutItsRecordIsReportedWhenReached) {

@@ -322,6 +322,25 @@ TEST_F(Engine, LowLevelRecordsAndKeys) {
   EXPECT_EQ(api.REDREC(dat, pos, &back), INOT_ERR);
 }
 
+TEST_F(Engine, EqlkeyOnADuplicateIndexMatchesThePositionToo) {
+  COUNT dat = CreateCustomers();
+  ASSERT_EQ(Add(dat, 1, "same", "Town"), 0);
+  LONG first = api.GETCURP(dat);
+  ASSERT_EQ(Add(dat, 2, "same", "Town"), 0);
+  LONG second = api.GETCURP(dat);
+  Customer c = MakeCustomer(0, "same", "Town");
+  uint8_t key[54];
+  for (LONG pos : {first, second}) {
+    api.frmkey(dat + 2, (pTEXT) &c, (pTEXT) key, pos, 0);
+    EXPECT_EQ(api.EQLKEY(dat + 2, key), pos);
+  }
+  api.frmkey(dat + 2, (pTEXT) &c, (pTEXT) key, 0, 0);
+  EXPECT_EQ(api.EQLKEY(dat + 2, key), 0);
+  EXPECT_EQ(LastError(), INOT_ERR);
+  uint8_t found[54];
+  EXPECT_EQ(api.GTEKEY(dat + 2, key, found), first);  // the range searches still find it
+}
+
 TEST_F(Engine, CurrentKeyFollowsSetcuriWithARecordImage) {
   COUNT dat = CreateCustomers();
   ASSERT_EQ(Add(dat, 7, "g", "h"), 0);

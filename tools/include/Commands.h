@@ -75,6 +75,8 @@ struct ListOptions {
 ///   ToolError(kExitFile), as export does.
 /// - import: SIGINT and SIGTERM stop it after the current row; the open batch is rolled back,
 ///   the resume point is printed and the exit code is 128 + the signal's number.
+/// - check: opens the table exclusively and has every page of its data file read in a separate
+///   process; prints one line when they all read through, raises (number 803) when not.
 /// What create does before it prints: checks the definitions, refuses an existing table unless
 /// `options.Replace` is set, then creates the table. Import with fields calls it too.
 void CreateTable(TableBackend& backend, const TableRef& table, const CreateOptions& options);
@@ -86,5 +88,6 @@ ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOpt
 ExitCode RunExport(TableBackend& backend, const TableRef& table, const ExportOptions& options, Console& console);
 ExitCode RunList(TableBackend& backend, const TableRef& table, const ListOptions& options, Console& console);
 ExitCode RunInfo(TableBackend& backend, const TableRef& table, Console& console);
+ExitCode RunCheck(TableBackend& backend, const TableRef& table, Console& console);
 
 }  // namespace ctt

@@ -83,6 +83,10 @@ class TableCursor {
   virtual void AddIndex(const IndexDefinition& index) = 0;
   /// Deletes the index `name`. Raises for a name the table does not have.
   virtual void DeleteIndex(const std::string& name) = 0;
+
+  /// Reads every page of the table's data file (open exclusively) in a separate process and
+  /// raises (number 803) when one is damaged; the table stays as it was.
+  virtual void Verify() = 0;
 };
 
 /// How a table is opened.

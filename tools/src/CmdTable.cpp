@@ -77,6 +77,13 @@ ExitCode RunDropIndex(TableBackend& backend, const TableRef& table, const std::s
   return kExitOk;
 }
 
+ExitCode RunCheck(TableBackend& backend, const TableRef& table, Console& console) {
+  backend.Open(table, OpenMode::Exclusive)->Verify();
+  console.Out << "table " << table.Display() << ": every page reads back\n";
+  CheckWritten(console.Out, "standard output");
+  return kExitOk;
+}
+
 ExitCode RunInfo(TableBackend& backend, const TableRef& table, Console& console) {
   std::unique_ptr<TableCursor> cursor = backend.Open(table, OpenMode::ReadOnly);
   const TableInfo info = cursor->Info();

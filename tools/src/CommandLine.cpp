@@ -159,6 +159,7 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
   list->add_option("--width", p.List.MaxWidth, "Widest column in characters")->check(CLI::Range(4, 1000));
 
   CLI::App* info = AddCommand(app, "info", "Show fields, indexes, record count and files", p);
+  CLI::App* check = AddCommand(app, "check", "Read every page of a table's data file and report damage", p);
   CLI::App* addIndex = AddCommand(app, "add-index", "Add an index to a table", p);
   addIndex->add_option("definition", p.IndexText, "name:field[;field...][:options]")->required();
   CLI::App* dropIndex = AddCommand(app, "drop-index", "Delete an index of a table", p);
@@ -217,6 +218,7 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
       return RunList(*factory(p.Connection), p.Table, options, console);
     }
     if (chosen == info) return RunInfo(*factory(p.Connection), p.Table, console);
+    if (chosen == check) return RunCheck(*factory(p.Connection), p.Table, console);
     if (chosen == addIndex) return RunAddIndex(*factory(p.Connection), p.Table, ParseIndexDefinition(p.IndexText), console);
     if (chosen == dropIndex) return RunDropIndex(*factory(p.Connection), p.Table, p.IndexName, console);
     if (chosen == drop) return RunDrop(*factory(p.Connection), p.Table, console);

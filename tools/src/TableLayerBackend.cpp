@@ -6,12 +6,16 @@
 #include "CTTables.h"
 #include "CtRecords.h"
 #include "ConnectionSetup.h"
+#include "CtError.h"
+#include "CtFiles.h"
+#include "CtSession.h"
 #include "StringUtils.h"
 #include "TField.h"
 #include "TFieldDefs.h"
 #include "TFields.h"
 #include "ToolError.h"
 #include "UnitFilterParser.h"
+#include "ctisam.h"
 
 namespace ctt {
 
@@ -164,6 +168,13 @@ class TableLayerCursor : public TableCursor {
                                         " is still in the table: the storage engine of this build cannot "
                                         "delete it (error 454)");
   }
+  // The engine walks the file in a child process (GETFIL with FILVERIFY).
+  void Verify() override {
+    const CTDbIntf::TLoadAlignment alignment = FTable->Connection()->Alignment();
+    if (CTDbIntf::GetCtFileInfo(alignment, FTable->Cursor()->DataFileNo, FILVERIFY) < 0)
+      CTDbIntf::CtError(CTDbIntf::GetCtIsamErr(alignment));
+  }
+
 
  private:
   Ctdb::TCTConnection& Connection() const { return *FTable->Connection(); }

@@ -297,6 +297,17 @@ TEST_F(CommandsTest, InfoDescribesFieldsIndexesAndFiles) {
             "bycity  city;name  nocase\n");
 }
 
+TEST_F(CommandsTest, CheckReportsADamagedTableAsAStorageError) {
+  ASSERT_EQ(Import(kCustomers), kExitOk);
+  out.str("");
+  EXPECT_EQ(RunCheck(backend, table, console), kExitOk);
+  EXPECT_EQ(out.str(), "table customers: every page reads back\n");
+  store.Tables.at(table.Display()).Damaged = true;
+  const ErrorReport report = Failure([&] { RunCheck(backend, table, console); });
+  EXPECT_EQ(report.Code, kExitStorage);
+  EXPECT_NE(report.Message.find("error 803"), std::string::npos) << report.Message;
+}
+
 TEST_F(CommandsTest, CreateRefusesAnExistingTableUnlessReplaceIsGiven) {
   ASSERT_EQ(Import(kCustomers), kExitOk);
   const ErrorReport refused = Failure([&] { RunCreate(backend, table, create, console); });

@@ -20,6 +20,7 @@ struct FakeTable {
   std::vector<FieldDefinition> Fields;
   std::vector<IndexDefinition> Indexes;
   std::vector<std::vector<std::string>> Records;
+  bool Damaged = false;  // Verify raises 803
 };
 
 struct FakeStore {
@@ -125,6 +126,9 @@ class FakeCursor : public TableCursor {
   }
 
   void AddIndex(const IndexDefinition& index) override { FTable.Indexes.push_back(index); }
+  void Verify() override {
+    if (FTable.Damaged) CTDbIntf::CtError(803);
+  }
   void DeleteIndex(const std::string& name) override {
     auto& list = FTable.Indexes;
     list.erase(std::remove_if(list.begin(), list.end(), [&](const IndexDefinition& i) { return i.Name == name; }), list.end());

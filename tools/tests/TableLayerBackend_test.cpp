@@ -139,6 +139,8 @@ TEST_F(TableLayerTest, ExportsCsvAndDescribesTheTable) {
   EXPECT_NE(out.str().find("records  5\n"), std::string::npos) << out.str();
   EXPECT_NE(out.str().find("2  NAME   string     20\n"), std::string::npos) << out.str();
   EXPECT_NE(out.str().find("ByCity  CITY;ID"), std::string::npos) << out.str();
+  ASSERT_EQ(Run({"check", "people"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "table " + (dir / "people").string() + ": every page reads back\n");
 }
 
 TEST_F(TableLayerTest, ImportAddsRowsAndReportsDuplicateKeys) {
