@@ -10,6 +10,7 @@
 #include "CTFldDesc.h"
 #include "CTIdxDesc.h"
 #include "CtdbTypes.h"
+#include "TCTConnection.h"
 #include "TCTCursorDesc.h"
 #include "TCTCustomDataSet.h"
 #include "TCTFilter.h"
@@ -22,6 +23,7 @@ namespace CTTables {
 
 class TCTTable;
 class FilterProgram;
+class LocateMatch;
 
 /// What the range buffers mean: the driver's flag, one type for both units. rfNone (no range) is
 /// the initial value.
@@ -55,7 +57,8 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// Directory of the table, passed to the connection as it is. Raises while open.
   const std::string& Database() const { return FDatabase; }
   void SetDatabase(const std::string& Value);
-  /// Opens with 8 (read only) added to the open mode; field writes are then ignored silently.
+  /// Opens with 8 (read only) added to the open mode; record field writes are then ignored
+  /// silently, while key, range, calculated and filter values are written as usual.
   bool ReadOnly() const { return FReadOnly; }
   void SetReadOnly(bool Value);
   /// Opens without the shared flag. An exclusive table takes no record locks when editing.
@@ -68,11 +71,13 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void SetIsSuperFile(bool Value);
   /// The current index's name. Setting it on an open table switches the cursor to that index
   /// (an unknown name leaves the cursor's order alone and makes the name empty); on a closed
-  /// table it only records the name, looked up at open ("" selects the primary index).
+  /// table it only records the name, looked up at open ("" selects the primary index; a name
+  /// the table does not have opens it in the order it has, with the name empty).
   std::string IndexName() const { return FIndexDesc.Name; }
   void SetIndexName(const std::string& Value);
-  /// The ";"-separated key fields of the current index. Setting it selects the index whose key
-  /// fields are these (or start with them); EDatabaseError when no index matches.
+  /// The ";"-separated key fields of the current index (of a closed table: what was set).
+  /// Setting it selects the index whose key fields are these (or start with them), on a closed
+  /// table when it opens; EDatabaseError when no index matches. "" returns to the primary index.
   std::string IndexFieldNames() const;
   void SetIndexFieldNames(const std::string& Value);
   const TCTIndexRecordEvent& OnIndexRecord() const { return FOnIndexRecord; }
@@ -143,14 +148,38 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// Start and end values by key position, then ApplyRange.
   void SetRange(const std::vector<fw::Variant>& StartValues, const std::vector<fw::Variant>& EndValues);
 
+  // --- Search by value (TCTTable.locate.cpp) ---------------------------------------------------
+  /// Finds the first record whose fields named in `KeyFields` ("A;B", unknown names raise the
+  /// framework's field-not-found error) equal `KeyValues`: one value, or a variant array with
+  /// one element per field. Only records the table shows qualify: inside its range and accepted
+  /// by its filter. Without a range the index whose leading key fields are the most searched
+  /// fields finds them, the rest are compared; otherwise the table is read from its first record
+  /// in its current order. Key values are converted to their fields' types first (a value that
+  /// cannot be raises the conversion error and nothing moves); a null key finds a null field.
+  /// loPartialKey makes the last field, when it holds text, match values that begin with its
+  /// key; loCaseInsensitive ignores case in text compared outside an index. Brings the table
+  /// into browse mode first. The table keeps its position, index and range; with `SyncCursor`
+  /// the cursor is then moved to the record found (the window is not resynchronised).
+  bool LocateRecord(const std::string& KeyFields, const fw::Variant& KeyValues, fw::TLocateOptions Options,
+                    bool SyncCursor);
+  /// BeforeScroll, LocateRecord with the cursor moved, and when found Resync([exact, center])
+  /// and AfterScroll. Returns whether a record was found.
+  bool Locate(const std::string& KeyFields, const fw::Variant& KeyValues, fw::TLocateOptions Options) override;
+  /// The values of `ResultFields` (one value, or a variant array for "X;Y") of the first record
+  /// LocateRecord finds without options, calculated fields computed; Null when none. Neither
+  /// the cursor nor a pending edit is touched, and no scroll event fires.
+  fw::Variant Lookup(const std::string& KeyFields, const fw::Variant& KeyValues,
+                     const std::string& ResultFields) override;
+
   // --- Creating and changing the table's files (TCTTable.restructure.cpp) --------------------
   /// Fills `Desc` for a new table's field: Name, logical FieldType and SubType by `DataType`
   /// (strings and variable bytes choose their length-prefix subtype by `Size`), and the unit
-  /// counts the type keeps (characters or bytes; 32 and the scale for BCD). Other members are
-  /// left as they are.
+  /// counts the type keeps (characters or bytes; 32 and the scale for BCD). Currency becomes BCD
+  /// with scale 4 (money would keep whole cents only). Other members are left as they are.
   static void EncodeFieldDesc(Ctdb::CTFldDesc& Desc, const std::string& Name, fw::TFieldType DataType, int Size);
   /// Creates the table's files (directory Database, name TableName) from FieldDefs (filled from
-  /// the persistent fields when empty) and IndexDefs; an existing table of that name is replaced.
+  /// the persistent data fields when empty: calculated and lookup fields are not stored) and
+  /// IndexDefs; an existing table of that name is replaced.
   /// Requires an inactive table; raises ECtreeException with the driver's number (e.g. 1115 no
   /// fields, 802 a field with no c-tree form) and the framework's error for an unknown key field.
   void CreateTable();
@@ -258,6 +287,14 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void DoIndexKey(Ctdb::CTIdxDesc* IndexDesc, const void* RecPtr, int32_t RecLen, bool& Accept);
   /// Whether a fetched record passes the filter (OnFilterRecord in dsFilter state).
   virtual bool RecordFilter(TCTRecordBuffer* Buffer);
+  /// The one check of a record found by Locate or Lookup against the table's filter: true when
+  /// the table is not filtered, otherwise its calculated fields are computed and RecordFilter
+  /// decides.
+  bool FoundRecordPassesFilter(TCTRecordBuffer* Candidate);
+  /// After the base: lookup fields that show this table's records are brought up to date
+  /// (TCTTable.lookup.cpp).
+  void DoAfterPost() override;
+  void DoAfterDelete() override;
 
  private:
   static TCTRecordBuffer* RecBuf(fw::TRecordBuffer Buffer) { return reinterpret_cast<TCTRecordBuffer*>(Buffer); }
@@ -282,6 +319,19 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void ReopenForFilter();
   /// Filter's verdict on the filter buffer's record, through the analysed text (made on first use).
   bool FilterTextAccepts();
+  // Search by value (TCTTable.locate.cpp) and lookup fields (TCTTable.lookup.cpp).
+  bool FindRecord(const std::string& KeyFields, const fw::Variant& KeyValues, fw::TLocateOptions Options,
+                  TCTRecordBuffer& Found, bool& Positioned);
+  int ChooseLocateIndex(const LocateMatch& Match, int& BestCount) const;
+  bool FindByIndex(LocateMatch& Match, int Ordinal, int BestCount, TCTRecordBuffer& Found, bool& Positioned);
+  bool FindByScan(LocateMatch& Match, TCTRecordBuffer& Found);
+  /// The physical-order half of FindByScan on a table read in index order (see the .cpp).
+  bool FindFirstInIndexOrder(Ctdb::TCTCustomRecordBuffer& Scratch, const Ctdb::TCTRecordTest& Accepts,
+                             TCTRecordBuffer& Found, int32_t& Position);
+  bool CandidateMatches(const LocateMatch& Match, size_t From, TCTRecordBuffer& Candidate);
+  void RefreshLookupClients();
+  TCTRecordBuffer& AcquireSearchBuffer();
+  void ReleaseSearchBuffer() { --FSearchDepth; }
 
   std::unique_ptr<Ctdb::TCTCursorDesc> FCursor;
   std::string FTableName;
@@ -300,6 +350,7 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   std::unique_ptr<fw::TStringList> FKeyFieldNames;
   std::unique_ptr<TCTIndexDefs> FIndexDefs;
   Ctdb::CTIdxDesc FIndexDesc;
+  std::string FIndexFieldNames;  // set on a closed table; the index is chosen by them at open
   TRangeFlag FRangeFlag = rfNone;
   std::unique_ptr<TCTRecordBuffer> FRangeStart;
   std::unique_ptr<TCTRecordBuffer> FRangeEnd;
@@ -318,6 +369,10 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   // Positions handed out by GetBookmark; a post that moves a record forwards the old position.
   std::vector<int32_t> FBookmarks;
   std::vector<std::pair<int32_t, int32_t>> FMovedBookmarks;
+  // Record buffers of searches in progress, kept for the next ones (a search may run inside
+  // another: a lookup field computed for a candidate record).
+  std::vector<std::unique_ptr<TCTRecordBuffer>> FSearchBuffers;
+  size_t FSearchDepth = 0;
 };
 
 }  // namespace CTTables

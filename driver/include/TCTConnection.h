@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <memory>
 #include <vector>
@@ -24,6 +25,9 @@ namespace Ctdb {
 
 class TCTCursorDesc;
 class TCTCustomRecordBuffer;
+
+/// A test of one record's bytes (the record and its length) for TCTConnection::ScanRecords.
+using TCTRecordTest = std::function<bool(const uint8_t* record, int32_t length)>;
 
 /// The connection: holds the session settings, opens and closes the c-tree ISAM session, keeps
 /// the datasets open on it and is the storage driver for them. Storage methods return 0 or an
@@ -188,7 +192,8 @@ class TCTConnection : public fw::TComponent {
   int32_t GetField(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, void* dest,
                    bool& isBlank);
   /// Writes the framework value at `src` (null: the field's empty value) into field `fieldNo`.
-  /// 47, 1113, 1125, 1112 as GetField (also when the buffer holds no record).
+  /// 47, 1113, 1125, 1112 as GetField (also when the buffer holds no record); 1104, with the
+  /// field unchanged, for a BCD value of more than 16 digits or money outside its 32-bit range.
   int32_t SetField(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, const void* src);
 
   // ==== storage driver: cursors, records, table and index definition, blobs ====
@@ -260,13 +265,27 @@ class TCTConnection : public fw::TComponent {
   /// Frees the lock on the record at `handle` without moving the cursor.
   int32_t UnlockRecord(TCTCursorDesc* cursor, int32_t handle);
 
+  // ---- bulk scans for searches by value (TCTConnection.scan.cpp)
+  /// Hands the bytes of every record of the table, from the first in the current order (index
+  /// or physical; physical with `physicalOrder`), to `test` until it returns true; `position`
+  /// then receives that record's position (inside `test`, GetBookMark gives the position of the
+  /// record being tested). Records are read in bulk into one reused buffer, in a c-tree context
+  /// of its own, so the table's c-tree position and the cursor stay as they were. Only for a
+  /// table without blob fields and without an active range (1137 otherwise, nothing read); 101
+  /// when no record passes. An exception from `test` passes through after the context is
+  /// restored.
+  int32_t ScanRecords(TCTCursorDesc* cursor, const TCTRecordTest& test, int32_t& position,
+                      bool physicalOrder = false);
+
   // ---- record modification (TCTConnection.records.cpp), each inside one lock set
   /// Adds the buffer's record (FillRecord) with its keys; with the hook, keys of package indexes
   /// too. 2 on a unique clash (nothing written), 1116 when the record cannot be rebuilt.
   int32_t AppendRecord(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer);
-  /// Rewrites the current record with `buffer` when the stored one still equals `oldBuffer`;
-  /// otherwise (or on a clash) nothing changes and 0 is still returned (kept so). `release` ends
-  /// the lock set and returns that result. At cpBof/cpEof: cpNone and 1101/1102.
+  /// Rewrites the current record with `buffer` when the stored one still equals `oldBuffer`.
+  /// Otherwise nothing changes and 1135 is returned; a rewrite the storage refuses returns its
+  /// number (2 for a duplicate key) with the record and its keys as they were. `release` ends
+  /// the lock set (its result is returned when everything else succeeded). At cpBof/cpEof:
+  /// cpNone and 1101/1102.
   int32_t ModifyRecord(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer, TCTCustomRecordBuffer* oldBuffer,
                        bool release);
   /// Deletes the current record and its keys (package indexes too); returns the lock set's end
@@ -364,6 +383,7 @@ class TCTConnection : public fw::TComponent {
   void SetEmptyCharText(const std::string& value) { FEmptyChar = value.empty() ? '\0' : value[0]; }
   int32_t CheckCursor(const TCTCursorDesc* cursor) const;
   int32_t BuildSchemaFile(TCTCursorDesc* cursor, const std::string& schemaPath);
+  void RestorePackageKeys(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer, TCTCustomRecordBuffer* oldBuffer);
 
   bool FStreamedActive = false;
   bool FActive = false;
