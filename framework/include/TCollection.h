@@ -87,9 +87,9 @@ class TCollection : public TPersistent {
 
   // ---- descendants may override ----
   /// After a change: `item` changed, or (nullptr) the whole collection did. Base: nothing.
-  virtual void Update(TCollectionItem* item) {}
+  virtual void Update(TCollectionItem* /*item*/) {}
   /// Item added, about to be extracted, or about to be deleted. Base: nothing.
-  virtual void Notify(TCollectionItem* item, TCollectionNotification action) {}
+  virtual void Notify(TCollectionItem* /*item*/, TCollectionNotification /*action*/) {}
   /// Runs Update(item) unless inside BeginUpdate/EndUpdate.
   void Changed(TCollectionItem* item);
 

@@ -121,7 +121,7 @@ class TComponent : public TPersistent {
   /// read, with the enclosing object (csLoading is set, csReading not yet). Base: nothing. A
   /// component that must join its parent only once its properties are known (a field checks its
   /// FieldName against its dataset's fields) remembers the parent here and joins in ReadState.
-  virtual void SetParentComponent(TComponent* parent) {}
+  virtual void SetParentComponent(TComponent* /*parent*/) {}
   /// Lists the components written nested inside this one, in order. Base: when `this` is the
   /// root, every owned component without a parent (HasParent() false); otherwise none. A dataset
   /// lists its persistent fields.
@@ -141,9 +141,9 @@ class TComponent : public TPersistent {
   virtual void ValidateRename(TComponent* c, std::string_view curName, std::string_view newName) const;
   /// Lets `c` refuse this component as its new owner (`c->ValidateContainer(this)` is called
   /// first by InsertComponent). Base: accepts.
-  virtual void ValidateContainer(TComponent* container) {}
+  virtual void ValidateContainer(TComponent* /*container*/) {}
   /// Lets this owner refuse inserting `c`. Base: accepts.
-  virtual void ValidateInsert(TComponent* c) {}
+  virtual void ValidateInsert(TComponent* /*c*/) {}
 
   /// Sets or clears one state flag (for descendants and the form reader).
   void SetComponentStateFlag(TComponentStateFlag flag, bool on);

@@ -74,15 +74,15 @@ class TDataLink {
   /// Base: RecordChanged(nullptr).
   virtual void DataSetChanged() { RecordChanged(nullptr); }
   /// Base: DataSetChanged(). `Distance` is how many rows the link's view moved.
-  virtual void DataSetScrolled(int Distance) { DataSetChanged(); }
+  virtual void DataSetScrolled(int /*Distance*/) { DataSetChanged(); }
   /// Base: DataSetChanged().
   virtual void LayoutChanged() { DataSetChanged(); }
   /// A field (or, with null, the whole record) changed. Base: nothing.
-  virtual void RecordChanged(TField* Field) {}
+  virtual void RecordChanged(TField* /*Field*/) {}
   /// Write pending control values into the fields. Base: nothing.
   virtual void UpdateData() {}
   /// Give focus to the control of `*Field` (set `*Field` to null when done). Base: nothing.
-  virtual void FocusControl(TField** Field) {}
+  virtual void FocusControl(TField** /*Field*/) {}
 
  private:
   friend class TDataSource;

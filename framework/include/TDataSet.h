@@ -68,7 +68,7 @@ class TDataSet : public TComponent {
   /// GetRecNo(): 1-based position, -1 in the base.
   int RecNo() const { return GetRecNo(); }
   /// Descendants position on record `Value` (CheckBrowseMode, position, Resync); base: nothing.
-  virtual void SetRecNo(int Value) {}
+  virtual void SetRecNo(int /*Value*/) {}
   /// GetCanModify(): true in the base.
   bool CanModify() const { return GetCanModify(); }
   bool IsUniDirectional() const { return FIsUniDirectional; }
@@ -160,7 +160,7 @@ class TDataSet : public TComponent {
   void GotoBookmark(const TBookmark& Bookmark);
   virtual void FreeBookmark(TBookmark& Bookmark) { Bookmark.clear(); }
   /// Whether the record still exists (descendant); false in the base.
-  virtual bool BookmarkValid(const TBookmark& Bookmark) { return false; }
+  virtual bool BookmarkValid(const TBookmark& /*Bookmark*/) { return false; }
   /// Empty sorts last; else by record order (descendant). Base: 0 for equal bytes, else 1/-1
   /// by the nil rule only.
   virtual int CompareBookmarks(const TBookmark& Bookmark1, const TBookmark& Bookmark2);
@@ -204,7 +204,7 @@ class TDataSet : public TComponent {
   /// Brings the cursor to the active record.
   void UpdateCursorPos();
   /// Text passed through the dataset's character translation; base copies.
-  virtual std::string Translate(const std::string& Src, bool ToOem) { return Src; }
+  virtual std::string Translate(const std::string& Src, bool /*ToOem*/) { return Src; }
 
   // --- Events ------------------------------------------------------------------------------
   TDataSetNotifyEvent BeforeOpen, AfterOpen, BeforeClose, AfterClose, BeforeInsert, AfterInsert,
@@ -243,26 +243,26 @@ class TDataSet : public TComponent {
   /// Releases `Buffer` and sets it null.
   virtual void FreeRecordBuffer(TRecordBuffer& Buffer) { Buffer = nullptr; }
   /// Empties a record buffer (all fields null).
-  virtual void InternalInitRecord(TRecordBuffer Buffer) {}
+  virtual void InternalInitRecord(TRecordBuffer /*Buffer*/) {}
   virtual int GetRecordSize() const { return 0; }
   /// Copy FBookmarkSize bytes of bookmark out of / into a buffer.
-  virtual void GetBookmarkData(TRecordBuffer Buffer, void* Data) {}
-  virtual void SetBookmarkData(TRecordBuffer Buffer, const void* Data) {}
-  virtual TBookmarkFlag GetBookmarkFlag(TRecordBuffer Buffer) { return bfCurrent; }
-  virtual void SetBookmarkFlag(TRecordBuffer Buffer, TBookmarkFlag Value) {}
+  virtual void GetBookmarkData(TRecordBuffer /*Buffer*/, void* /*Data*/) {}
+  virtual void SetBookmarkData(TRecordBuffer /*Buffer*/, const void* /*Data*/) {}
+  virtual TBookmarkFlag GetBookmarkFlag(TRecordBuffer /*Buffer*/) { return bfCurrent; }
+  virtual void SetBookmarkFlag(TRecordBuffer /*Buffer*/, TBookmarkFlag /*Value*/) {}
   /// Cursor to the BOF / EOF crack (no record read).
   virtual void InternalFirst() {}
   virtual void InternalLast() {}
   /// Cursor to the record named by raw bookmark bytes; raises when it cannot.
-  virtual void InternalGotoBookmark(const void* Bookmark) {}
+  virtual void InternalGotoBookmark(const void* /*Bookmark*/) {}
   /// Cursor to the record of a buffer (by its bookmark).
-  virtual void InternalSetToRecord(TRecordBuffer Buffer) {}
+  virtual void InternalSetToRecord(TRecordBuffer /*Buffer*/) {}
   /// Base: raises "field X is required" for every required, writable, non-autoinc data field
   /// that is null. Overrides call it first, then write ActiveBuffer() (dsEdit: over the record
   /// under the cursor; dsInsert: as a new record, appended when its flag is bfEOF).
   virtual void InternalPost();
   /// Writes a new record from `Buffer`.
-  virtual void InternalAddRecord(TRecordBuffer Buffer, bool Append) {}
+  virtual void InternalAddRecord(TRecordBuffer /*Buffer*/, bool /*Append*/) {}
   /// Removes the record under the cursor, leaving the cursor where Resync([]) finds the next
   /// record (or the previous one after the last was deleted).
   virtual void InternalDelete() {}
@@ -275,7 +275,7 @@ class TDataSet : public TComponent {
   virtual int GetRecNo() const { return -1; }
   virtual bool GetCanModify() const { return true; }
   /// Makes every calculated/lookup field of `Buffer` null.
-  virtual void ClearCalcFields(TRecordBuffer Buffer) {}
+  virtual void ClearCalcFields(TRecordBuffer /*Buffer*/) {}
   virtual void DoBeforeOpen(), DoAfterOpen(), DoBeforeClose(), DoAfterClose(), DoBeforeInsert(),
       DoAfterInsert(), DoBeforeEdit(), DoAfterEdit(), DoBeforePost(), DoAfterPost(),
       DoBeforeCancel(), DoAfterCancel(), DoBeforeDelete(), DoAfterDelete(), DoBeforeScroll(),

@@ -39,7 +39,7 @@ class TStrings : public TPersistent {
   virtual int CompareStrings(std::string_view a, std::string_view b) const;
   virtual void Exchange(int index1, int index2);
   /// Called with true by the first BeginUpdate and false by the last EndUpdate.
-  virtual void SetUpdateState(bool updating) {}
+  virtual void SetUpdateState(bool /*updating*/) {}
 
   // ---- built on the above ----
   std::string Strings(int index) const { return Get(index); }
