@@ -13,14 +13,16 @@ if ! command -v clang++ >/dev/null; then
 fi
 launcher=()
 command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
-cmake -S "$root/dataset/fuzz" -B "$build" -DCMAKE_CXX_COMPILER=clang++ "${launcher[@]}" >/dev/null
+cmake -S "$root/fuzz" -B "$build" -DCMAKE_CXX_COMPILER=clang++ "${launcher[@]}" >/dev/null
 cmake --build "$build" -j "$(nproc)" >/dev/null
-for target in filter_parser; do
+# target:layer whose fuzz folder holds its seed corpus.
+for entry in form_parser:framework parameter_file:engine filter_parser:dataset csv_reader:tools; do
+  target=${entry%%:*} layer=${entry#*:}
   scratch=$(mktemp -d)
   trap 'rm -rf "$scratch"' EXIT
   echo "fuzz: $target for ${seconds}s"
   "$build/${target}_fuzz" -max_total_time="$seconds" -max_len=4096 -timeout=10 -rss_limit_mb=2048 \
-    -print_final_stats=1 -artifact_prefix="$build/${target}-" "$scratch" "$root/dataset/fuzz/corpus/$target" \
+    -print_final_stats=1 -artifact_prefix="$build/${target}-" "$scratch" "$root/$layer/fuzz/corpus/$target" \
     2>"$build/$target.log" || { tail -n 40 "$build/$target.log"; exit 1; }
   grep -E 'stat::number_of_executed_units|Done' "$build/$target.log" || true
   rm -rf "$scratch"
