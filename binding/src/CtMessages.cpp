@@ -13,9 +13,10 @@ struct TMessage {
   const char* Text;
 };
 
-// Sorted by number. Rows 30002 to 30160 that are quoted with the storage library's historic
-// wording keep it exactly, misspellings and odd blanks included ("availble", the two blanks after
-// "Seek error:", the trailing blank of 30129, "interefernce"): applications compare them.
+// Sorted by number, one row per number. Rows quoted with the storage library's historic wording
+// keep it exactly, misspellings and odd blanks included ("availble", the two blanks after
+// "Seek error:", the trailing blank of 30129, "interefernce"): applications compare them. Every
+// error number of the engine's header has a row; a test reads the header to keep it so.
 constexpr TMessage kMessages[] = {
     {30002, "Key value already exists"},
     {30012, "Could not open file: not there or locked"},
@@ -27,11 +28,11 @@ constexpr TMessage kMessages[] = {
     {30039, "No more records availble"},
     {30042, "Could not obtain data record lock"},
     {30046, "File number already in use"},
-    {30047, "Storage engine not initialized: no session has been started"},
+    {30047, "c-tree has not been initialized"},
     {30048, "Invalid file mode or combination of file modes"},
     {30100, "No current record for isam datno"},
     {30101, "Could not find isam keyno request"},
-    {30125, "Storage engine already initialized"},
+    {30125, "c-tree already initialized"},
     {30129, "c-tree not initialized "},
     {30133, "Server is not active"},
     {30153, "Buffer too small for the variable-length record"},
@@ -63,6 +64,7 @@ constexpr TMessage kMessages[] = {
 
     {31101, "Beginning of the table"},
     {31102, "End of the table"},
+    {31103, "Record longer than the storage limit of 32767 bytes"},
     {31110, "Procedure %s can not be found in %s"},
     {31111, "Unabled to load %s"},
     {31112, "Offset exceeds data size"},

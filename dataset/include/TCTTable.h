@@ -21,8 +21,13 @@ namespace CTTables {
 
 class TCTTable;
 
-/// What the range buffers mean. rfNone (no range) is the initial value.
-enum TRangeFlag : uint8_t { rfRangeStart, rfRangeEnd, rfMasterDetail, rfNone };
+/// What the range buffers mean: the driver's flag, one type for both units. rfNone (no range) is
+/// the initial value.
+using Ctdb::TRangeFlag;
+using Ctdb::rfMasterDetail;
+using Ctdb::rfNone;
+using Ctdb::rfRangeEnd;
+using Ctdb::rfRangeStart;
 
 /// OnIndexRecord(DataSet, IndexName, Accept): asked while keys of a package-maintained index are
 /// added or rebuilt whether the record (readable through the table's fields) belongs in the index.

@@ -125,6 +125,10 @@ void TCTTable::CreateTable() {
     // Types from ftInteger on carry sizes of at most 0xFFFF; BCD carries its scale as the size.
     int size = def.Size();
     if (def.DataType() >= fw::ftInteger) size = std::min(size, 0xFFFF);
+    // Fixed-width text and bytes live in the record, whose length the storage keeps in 16 bits:
+    // a larger size would be cut to another width here, so it is refused before anything exists.
+    if ((def.DataType() == fw::ftString || def.DataType() == fw::ftBytes) && size > Ctdb::kCtMaxRecordLength)
+      CTDbIntf::CtError(Ctdb::kCtRecordTooLong);
     Ctdb::CTFldDesc& field = encoded[static_cast<size_t>(i)];
     EncodeFieldDesc(field, def.Name(), def.DataType(), size);
     field.FieldNo = static_cast<uint16_t>(i + 1);
@@ -163,6 +167,9 @@ void TCTTable::AddIndex(const std::string& Name, const std::string& Fields, cons
 }
 
 void TCTTable::DeleteIndex(const std::string& Name) {
+  // The name is looked up in the index definitions: read them from the open table first, or a
+  // call right after Open would find nothing and silently do nothing.
+  if (FCursor != nullptr) IndexDefs()->Update();
   const int position = IndexDefs()->IndexOf(Name);
   if (position < 0) return;
   const TCTIndexDef& def = *IndexDefs()->Items(position);

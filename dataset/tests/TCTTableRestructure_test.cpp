@@ -160,7 +160,7 @@ TEST_F(Restructure, AddIndexRefusesDuplicatesOfAUniqueKeyAndKeepsTheTable) {
   table->SetIndexName("ByName");
   table->First();
   EXPECT_EQ(table->RecordCount(), 10);
-  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Ada");
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Aino");
 }
 
 TEST_F(Restructure, DeletingAnotherIndexKeepsTheCurrentOne) {
@@ -176,7 +176,7 @@ TEST_F(Restructure, DeletingAnotherIndexKeepsTheCurrentOne) {
   EXPECT_EQ(table->IndexName(), "ByName");
   EXPECT_EQ(table->Cursor()->GetIndexCount(), 4);
   table->First();
-  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Ada");
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Aino");
 }
 
 TEST_F(Restructure, DeletingTheCurrentIndexThatStoodLastLeavesNoneNamed) {
@@ -190,6 +190,18 @@ TEST_F(Restructure, DeletingTheCurrentIndexThatStoodLastLeavesNoneNamed) {
   EXPECT_EQ(table->IndexName(), "");
   table->First();
   EXPECT_EQ(table->RecordCount(), 10);
+}
+
+TEST_F(Restructure, DeleteIndexRightAfterOpenDeletesIt) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  table->Open();
+  table->DeleteIndex("ByCity");
+  table->Close();
+  fw::TStringList names;
+  NewTable()->GetIndexNames(names);
+  EXPECT_EQ(names.IndexOf("ByCity"), -1);
+  EXPECT_GE(names.IndexOf("ByName"), 0);
 }
 
 TEST_F(Restructure, IndexesOfTheTablesOwnSetAreDeletedAndTheOthersStayIntact) {

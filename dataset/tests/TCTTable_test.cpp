@@ -57,7 +57,7 @@ TEST_F(Table, OpensOnThePrimaryIndexAndBrowsesBothWays) {
   EXPECT_EQ(backwards, expected);
 
   table->First();
-  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Alan");
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Arvid");
   EXPECT_EQ(table->FieldByName("CITY")->AsString(), "Bergen");
   EXPECT_DOUBLE_EQ(table->FieldByName("AMOUNT")->AsFloat(), 10);
   EXPECT_EQ(Conn->DataSetCount(), 1);
@@ -203,7 +203,7 @@ TEST_F(Table, PostedRecordsAppearInEveryIndex) {
   table->First();
   EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{1, 3, 8, 2, 4, 7, 10, 5, 6, 9}));
   table->SetIndexName("ByName");
-  EXPECT_TRUE(table->FindKey({fw::Variant(std::string("Ken"))}));
+  EXPECT_TRUE(table->FindKey({fw::Variant(std::string("Kalle"))}));
   EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 9);
 }
 
@@ -220,7 +220,7 @@ TEST_F(Table, FieldWritesAreCheckedInOrder) {
   EXPECT_EQ(ErrorOf([&] { table->FieldByName("NAME")->SetAsString("x"); }), 1124);
   table->FieldByName("ID")->SetAsInteger(2);  // an index field may be written in dsSetKey
   EXPECT_TRUE(table->GotoKey());
-  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Barbara");
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Brita");
 }
 
 TEST_F(Table, ReadOnlyTableIgnoresWritesAndRefusesEditing) {
@@ -365,7 +365,7 @@ TEST_F(Table, FormFileConfiguresAndOpensATable) {
   auto* table = dynamic_cast<TCTTable*>(root->FindComponent("People"));
   ASSERT_NE(table, nullptr);
   EXPECT_TRUE(table->Active());
-  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Ada");
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Aino");
 }
 
 }  // namespace

@@ -12,10 +12,10 @@ namespace CTTables::testing {
 
 const std::vector<Person>& People() {
   static const std::vector<Person> people = {
-      {7, "Grace", "Oslo", 70.5},   {3, "Ada", "Bergen", 30},    {10, "Linus", "Oslo", 100},
-      {1, "Alan", "Bergen", 10},    {5, "Edsger", "Tromso", 50}, {9, "Ken", "Tromso", 90},
-      {2, "Barbara", "Oslo", 20},   {8, "Dennis", "Bergen", 80}, {4, "Donald", "Oslo", 40},
-      {6, "Niklaus", "Tromso", 60},
+      {7, "Greta", "Oslo", 70.5},   {3, "Aino", "Bergen", 30},    {10, "Lasse", "Oslo", 100},
+      {1, "Arvid", "Bergen", 10},    {5, "Eskil", "Tromso", 50}, {9, "Kalle", "Tromso", 90},
+      {2, "Brita", "Oslo", 20},   {8, "Dagmar", "Bergen", 80}, {4, "Dorit", "Oslo", 40},
+      {6, "Nanna", "Tromso", 60},
   };
   return people;
 }

@@ -56,8 +56,8 @@ void CreatePeople() {
     const char* name;
     const char* city;
     double amount;
-  } people[] = {{1, "Alan", "Bergen", 10}, {2, "Barbara", "Oslo", 20}, {3, "Ada", "Bergen", 30},
-                {4, "Donald", "Oslo", 40}, {5, "Edsger", "Tromso", 50}, {6, "Grace", "Oslo", 60}};
+  } people[] = {{1, "Arvid", "Bergen", 10}, {2, "Brita", "Oslo", 20}, {3, "Aino", "Bergen", 30},
+                {4, "Dorit", "Oslo", 40}, {5, "Eskil", "Tromso", 50}, {6, "Greta", "Oslo", 60}};
   conn->StartTransaction();
   try {
     for (const auto& p : people)

@@ -16,7 +16,8 @@ int main() {
     people->SetDatabase(".");
     people->SetTableName("people");
 
-    // Fields and indexes, then the files: people.dat with its index file.
+    // Fields and indexes, then the files: the data file "people" (DataExt is empty by default,
+    // so the name gets no extension) and the index file "people.idx".
     people->FieldDefs()->Add("ID", fw::ftInteger);
     people->FieldDefs()->Add("NAME", fw::ftString, 20);
     people->FieldDefs()->Add("CITY", fw::ftString, 16);

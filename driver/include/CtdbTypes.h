@@ -19,8 +19,9 @@ enum CTOpenMode : uint8_t { dbiREADWRITE, dbiREADONLY };
 /// Whether a table is opened shared or exclusively.
 enum CTShareMode : uint8_t { dbiOPENSHARED, dbiOPENEXCL };
 
-/// Which key buffer a table is filling, and whether a master/detail range is in force.
-enum TRangeFlag : uint8_t { rfRangeStart, rfRangeEnd, rfMasterDetail };
+/// Which key buffer a table is filling, and whether a master/detail range is in force; rfNone: no
+/// range (a table's initial value) or the key buffer of a seek.
+enum TRangeFlag : uint8_t { rfRangeStart, rfRangeEnd, rfMasterDetail, rfNone };
 
 /// The connection's index-key hook: asked, for an index the package maintains itself, whether the
 /// record `recPtr` (`recLen` bytes) belongs in the index `indexDesc`; clearing `accept` keeps the
@@ -76,15 +77,20 @@ enum : int32_t {
   kCtNoResource = 408,       // IFIL or DODA resource missing, empty or unreadable
   kCtBeginOfTable = 1101,    // current record asked for before the first record
   kCtEndOfTable = 1102,      // current record asked for after the last record
+  kCtRecordTooLong = 1103,   // a table definition whose record exceeds kCtMaxRecordLength
   kCtOffsetBeyondData = 1112,  // a field lies beyond the end of the record held
   kCtInvalidCursor = 1113,   // nil cursor
   kCtNoIndexes = 1114,       // the table has no index
   kCtNoFields = 1115,        // a table definition without fields
   kCtOutOfMemory = 1116,     // an allocation failed
+  kCtRecordCorrupted = 1117,  // a stored value contradicts its field (a length prefix too large)
   kCtRecordChanged = 1135,   // the stored record changed since it was read
   kCtAlignmentMismatch = 1136,  // the file was made by a library of another alignment
   kCtInvalidIndexDesc = 1137,   // nil index descriptor or index ordinal out of range
 };
+
+/// Longest record the storage keeps: record lengths are 16-bit signed numbers in its definitions.
+inline constexpr int32_t kCtMaxRecordLength = 32767;
 
 /// c-tree's day 0 (2 March 1700) as a framework day number (days since 0001-01-01, plus one).
 inline constexpr int32_t kCtDateOffset = 620606;

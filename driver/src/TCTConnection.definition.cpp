@@ -73,6 +73,16 @@ int32_t TCTConnection::CreateTable(const std::string& path, bool overwrite, CTTb
   if (desc.Fields.empty()) return kCtNoFields;
   const CTDbIntf::TLoadAlignment a = Alignment();
   const int32_t fieldCount = static_cast<int32_t>(desc.Fields.size());
+  // The definition keeps the record length in 16 bits: a longer record would be cut to a
+  // different length, so it is refused before anything is deleted or created.
+  int64_t recordLength = kRecordSlack;
+  for (int32_t i = 0; i < fieldCount; ++i) {
+    const CTFldDesc& field = desc.Fields[static_cast<size_t>(i)];
+    if (IsVariable(field)) break;  // as GetCTreeRecLength: the variable part is not counted
+    const int32_t length = field.FieldType == fldDATE ? field.Length : GetCTreeFieldLength(i + 1, desc.Fields);
+    recordLength += std::max(length, 0);
+  }
+  if (recordLength > kCtMaxRecordLength) return kCtRecordTooLong;
 
   // `path` names a superfile host when it ends in a file name that is not a directory; the table
   // then becomes the member host!name.
@@ -83,6 +93,10 @@ int32_t TCTConnection::CreateTable(const std::string& path, bool overwrite, CTTb
     if (dir.empty()) dir = fw::GetCurrentDir();
     tableName = fw::ExtractFileName(path) + "!" + fw::ExtractFileName(desc.Name);
   }
+  // The files are created with the table's folder made current, so a relative folder is
+  // resolved against the caller's folder first: otherwise it would be applied twice.
+  if (ServerName().empty() && dir.front() != fw::PathDelim)
+    dir = fw::IncludeTrailingPathDelimiter(fw::GetCurrentDir()) + dir;
   std::string fullName = BuildFullPath(dir, tableName);
   fullName = fullName.c_str();
   // The data extension is what BuildFullPath put at the end of the name: the member's or
@@ -324,6 +338,16 @@ int32_t TCTConnection::DeleteIndex(TCTCursorDesc* cursor, CTIdxDesc* index) {
       IfilImage image(ifil, RecordPacking());
       if (const int32_t r = CTDbIntf::PutIFile(a, image.Data())) return r;
       cursor->Ifil = ifil;
+      // An unnamed index is known by its place in the set: those after the deleted one move up
+      // a place, and their names with them (the engine keeps their numbers).
+      for (size_t i = static_cast<size_t>(setOrdinal); i < ifil.ix.size(); ++i) {
+        if (ifil.ix[i].ridxnam && !ifil.ix[i].ridxnam->empty()) continue;
+        for (size_t l = 0; l < cursor->Indexes.size(); ++l)
+          if (static_cast<int32_t>(l) != ordinal && cursor->Indexes[l].Name == std::to_string(i + 1)) {
+            cursor->Indexes[l].Name = std::to_string(i);
+            break;
+          }
+      }
     } else {
       // An index file of its own: closed, then opened alone and exclusively to be deleted.
       std::string name;

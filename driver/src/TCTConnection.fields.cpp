@@ -192,7 +192,11 @@ int32_t TCTConnection::GetField(TCTCursorDesc* cursor, int32_t fieldNo, TCTCusto
     case CT_FPSTRING:
     case CT_F2STRING:
     case CT_F4STRING: {
-      const uint32_t n = std::min<uint32_t>(PrefixValue(p, width), static_cast<uint32_t>(length));
+      // The text after the prefix has length - width bytes, and the caller's buffer room for as
+      // many plus a terminator. A prefix claiming more marks a damaged record: reading up to the
+      // whole field length, as the historic rule did, would write past the caller's buffer.
+      const uint32_t n = PrefixValue(p, width);
+      if (n > static_cast<uint32_t>(std::max(length - width, 0))) return kCtRecordCorrupted;
       if (n > available - width) return kCtOffsetBeyondData;
       isBlank = n == 0;
       if (out != nullptr) {
@@ -267,13 +271,16 @@ int32_t TCTConnection::SetField(TCTCursorDesc* cursor, int32_t fieldNo, TCTCusto
     case CT_FPSTRING:
     case CT_F2STRING:
     case CT_F4STRING: {
-      // The 1-byte form pads with blanks, the wider forms with EmptyChar. The whole text is copied
-      // (the dataset never hands over more than the field size), but never past the record.
+      // The 1-byte form pads with blanks, the wider forms with EmptyChar. The text is cut to the
+      // bytes after the prefix, as a fixed string is cut to its field: copying all of it, as the
+      // historic rule did, would overwrite the next field and store a prefix that GetField must
+      // reject as damaged. The dataset never hands over more than the field size.
       std::memset(p, code == CT_FPSTRING ? ' ' : empty, static_cast<size_t>(length));
-      const size_t text = in != nullptr ? std::strlen(reinterpret_cast<const char*>(in)) : 0;
+      const size_t room = static_cast<size_t>(std::max(length - width, 0));
+      const size_t text = in != nullptr ? std::min(std::strlen(reinterpret_cast<const char*>(in)), room) : 0;
       const uint32_t prefix = static_cast<uint32_t>(text);
       std::memcpy(p, &prefix, static_cast<size_t>(width));
-      if (text > 0) std::memcpy(p + width, in, std::min(text, static_cast<size_t>(available - width)));
+      if (text > 0) std::memcpy(p + width, in, text);
       break;
     }
     default:

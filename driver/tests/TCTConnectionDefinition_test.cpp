@@ -177,10 +177,30 @@ TEST_F(DefinitionTest, FailedCreatesLeaveNoFiles) {
   EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), CT_EBADDEF);
   desc.Fields.clear();
   EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), kCtNoFields);
+  // Records beyond 32767 bytes: the stored 16-bit length would be another one.
+  desc = People();
+  desc.Fields.push_back(Field("memo", fldZSTRING, fldstF2STRING, 32767 - 20 - 10));
+  EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  ASSERT_EQ(Conn->DeleteTable(Dir.Path(), "people"), 0);
+  desc.Fields.push_back(Field("one", fldBOOL, 0, 1));
+  EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), kCtRecordTooLong);
   EXPECT_TRUE(Files().empty());
   Conn->SetActive(false);
   desc = People();
   EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), kCtNotActive);
+}
+
+TEST_F(DefinitionTest, ARelativePathIsTakenFromTheCurrentFolderOnce) {
+  const std::filesystem::path saved = std::filesystem::current_path();
+  std::filesystem::current_path(Dir.Path());
+  std::filesystem::create_directory("rel");
+  CTTblDesc desc = People();
+  const int32_t created = Conn->CreateTable("rel", false, desc);
+  const int32_t opened = Conn->OpenCursor(Cursor, "people", "rel", SHARED);
+  std::filesystem::current_path(saved);
+  EXPECT_EQ(created, 0);
+  EXPECT_EQ(opened, 0);
+  EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(Dir.Path()) / "rel" / "people"));
 }
 
 TEST_F(DefinitionTest, RenamedTableOpensUnderItsNewName) {
@@ -394,6 +414,29 @@ TEST_F(DefinitionTest, AddedIndexesAreDeletedOnAnOpenOrReopenedTable) {
   ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
   EXPECT_EQ(Cursor->IndexCount, 1);
   EXPECT_EQ(Conn->CloseCursor(Cursor), 0);
+}
+
+TEST_F(DefinitionTest, UnnamedIndexesAfterADeletedOneMoveUpAPlaceAndAName) {
+  // Three unnamed indexes, known by their places "0", "1" and "2": id, grp, name.
+  MakeTable("codes", {{"id", CT_INT4, 4}, {"grp", CT_INT4, 4}, {"name", CT_FSTRING, 12}},
+            {{{{0, 4, SCHSEG}}, false}, {{{1, 4, SCHSEG}}, true}, {{{2, 12, SCHSEG}}, true}});
+  ASSERT_EQ(Conn->OpenCursor(Cursor, "codes.dat", Dir.Path(), SHARED), 0);
+  ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
+  const int16_t nameIndex = Cursor->Indexes[2].IndexId;
+  CTIdxDesc victim;
+  victim.Name = "1";
+  victim.IndexId = -1;
+  ASSERT_EQ(Conn->DeleteIndex(Cursor.get(), &victim), 0);
+  // The name index is now the second in the set: its name follows its place, its number stays.
+  const int32_t moved = Cursor->FindIndex("1", -1);
+  ASSERT_GE(moved, 0);
+  EXPECT_EQ(Cursor->Indexes[static_cast<size_t>(moved)].IndexId, nameIndex);
+  EXPECT_EQ(Cursor->Indexes[static_cast<size_t>(moved)].KeyFields[0], 3);
+  EXPECT_LT(Cursor->FindIndex("2", -1), 0);
+  ASSERT_EQ(Conn->DeleteIndex(Cursor.get(), &victim), 0);
+  ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
+  ASSERT_EQ(Conn->OpenCursor(Cursor, "codes.dat", Dir.Path(), SHARED), 0);
+  EXPECT_EQ(Cursor->Ifil.ix.size(), 1u);
 }
 
 TEST_F(DefinitionTest, IndexCallsCheckTheirArguments) {

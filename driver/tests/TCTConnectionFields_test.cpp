@@ -89,20 +89,27 @@ TEST_F(FieldTest, PrefixedStringsPadAndCountTheirOwnWay) {
   EXPECT_EQ(Bytes(2, 6), std::string("\x02\x00xy\x00\x00", 6)) << "the 2-byte form pads with EmptyChar";
   EXPECT_EQ(GetText(2, blank), "xy");
 
-  // A prefix beyond the field length reads only Length bytes after the prefix.
-  At(1)[0] = 9;
-  EXPECT_EQ(GetText(1, blank), std::string("ab \x02", 4));
-  EXPECT_FALSE(blank);
+  // A prefix larger than the bytes after it marks a damaged record: nothing is copied.
+  char text[8];
+  std::memset(text, 'z', sizeof text);
+  for (uint8_t prefix : {4, 9, 255}) {
+    At(1)[0] = prefix;
+    EXPECT_EQ(Conn->GetField(&Cursor, 1, Buffer.get(), text, blank), kCtRecordCorrupted) << int{prefix};
+    EXPECT_EQ(text[0], 'z');
+  }
+  At(1)[0] = 3;
+  EXPECT_EQ(GetText(1, blank), "ab ");
 
   ASSERT_EQ(Set(1, nullptr), 0);
   EXPECT_EQ(GetText(1, blank), "");
   EXPECT_TRUE(blank);
 
-  // The whole text is copied, even past the field (the dataset never hands over more).
+  // A longer text is cut to the bytes after the prefix; the next field is left alone.
+  ASSERT_EQ(Set(4, "tail"), 0);
   ASSERT_EQ(Set(3, "hello"), 0);
-  EXPECT_EQ(Bytes(3, 8), std::string("\x05\x00\x00\x00hell", 8));
-  EXPECT_EQ(At(4)[0], 'o');
-  EXPECT_EQ(GetText(3, blank), "hello");
+  EXPECT_EQ(Bytes(3, 8), std::string("\x04\x00\x00\x00hell", 8));
+  EXPECT_EQ(GetText(3, blank), "hell");
+  EXPECT_EQ(GetText(4, blank), "tail");
 
   Conn->SetEmptyChar('*');
   ASSERT_EQ(Set(2, "xy"), 0);

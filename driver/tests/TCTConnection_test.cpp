@@ -4,7 +4,10 @@
 
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <regex>
 
+#include "CtMessages.h"
 #include "DriverTestSupport.h"
 #include "StringUtils.h"
 #include "TClassInfo.h"
@@ -155,7 +158,7 @@ TEST_F(ConnectionTest, ASecondConnectionSharesTheOpenSession) {
 }
 
 TEST_F(ConnectionTest, AServerThatIsNotThereLeavesTheConnectionInactive) {
-  Conn->SetServerName("FAIRCOMS");
+  Conn->SetServerName("LARKHOLLOW");
   try {
     Conn->SetActive(true);
     FAIL() << "no exception";
@@ -270,6 +273,22 @@ TEST_F(ConnectionTest, TemporaryAndSymbolicNamesComeFromCTree) {
   EXPECT_NE(Conn->GetSymbFileName(999, name), 0);
   EXPECT_TRUE(name.empty());
   CloseTable(cursor);
+}
+
+// Reads every "kCtName = number," of the header that lists the driver's result numbers, so that
+// a number added there without a message row fails here.
+TEST(DriverNumbersTest, EveryResultNumberOfTheDriverHasAMessage) {
+  std::ifstream header(CTDBTYPES_HEADER);
+  ASSERT_TRUE(header.is_open()) << CTDBTYPES_HEADER;
+  const std::regex entry(R"(^\s*(kCt\w+) = (\d+),)");
+  int found = 0;
+  for (std::string line; std::getline(header, line);) {
+    std::smatch m;
+    if (!std::regex_search(line, m, entry)) continue;
+    ++found;
+    EXPECT_TRUE(CTDbIntf::CtMessage(CTDbIntf::kMessageBase + std::stoi(m[2])).has_value()) << m[1];
+  }
+  EXPECT_GE(found, 14);
 }
 
 }  // namespace

@@ -24,6 +24,10 @@ struct Token {
 bool IsIdentStart(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
+// Objects, lists and collections nest by recursion; a limit far beyond any real form keeps a
+// damaged or hostile text from exhausting the stack.
+constexpr int kMaxNesting = 200;
+
 class Parser {
  public:
   explicit Parser(std::string_view text) : FText(text) { Advance(); }
@@ -38,6 +42,22 @@ class Parser {
   [[noreturn]] void Fail(int line, const std::string& what) {
     throw EParserError("Line " + std::to_string(line) + ": " + what);
   }
+
+  // One level of nesting while it lives; raises at the line where the limit is passed.
+  class Nesting {
+   public:
+    Nesting(Parser& parser, int line) : FParser(parser) {
+      if (FParser.FDepth == kMaxNesting)
+        FParser.Fail(line, "nesting deeper than " + std::to_string(kMaxNesting) + " levels");
+      ++FParser.FDepth;
+    }
+    ~Nesting() { --FParser.FDepth; }
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
+
+   private:
+    Parser& FParser;
+  };
 
   std::string Describe(const Token& t) {
     switch (t.TokenKind) {
@@ -175,6 +195,7 @@ class Parser {
   }
 
   FormObject ParseObject() {
+    const Nesting level(*this, FTok.Line);
     FormObject obj;
     obj.Line = FTok.Line;
     if (!(IsKeyword("object") || IsKeyword("inherited") || IsKeyword("inline")))
@@ -252,6 +273,7 @@ class Parser {
       default:
         break;
     }
+    const Nesting level(*this, FTok.Line);
     const char c = FTok.Text[0];
     if (c == '[') return ParseSet(v);
     if (c == '(') return ParseList(v);
@@ -330,6 +352,7 @@ class Parser {
   std::string_view FText;
   std::size_t FPos = 0;
   int FLine = 1;
+  int FDepth = 0;
   Token FTok;
 };
 

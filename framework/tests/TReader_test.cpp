@@ -485,6 +485,14 @@ end
   EXPECT_FALSE(root->ComponentState().Contains(csWriting));
 }
 
+TEST_F(TReaderTest, DeepNestingIsRefusedWithTheLineInsteadOfExhaustingTheStack) {
+  const std::string lists = "object R: TTestRoot\n  Tag =\n" + std::string(20000, '(') + "\nend\n";
+  EXPECT_EQ(ErrorOf(lists), "Line 3: nesting deeper than 200 levels");
+  std::string objects;
+  for (int i = 0; i < 20000; ++i) objects += "object O: TComponent\n";
+  EXPECT_EQ(ErrorOf(objects), "Line 201: nesting deeper than 200 levels");
+}
+
 TEST_F(TReaderTest, DamagedFormsEitherLoadOrRaiseParserErrorsWithoutLeaks) {
   // Deterministic damage: truncations and single-byte changes of a valid form.
   const std::string form = kForm;

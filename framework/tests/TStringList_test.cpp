@@ -49,10 +49,10 @@ TEST(TStringList, SortedListsInsertInOrderAndApplyDuplicates) {
   TStringList l;
   l.SetSorted(true);
   l.Add("pear");
-  l.Add("Apple");
+  l.Add("Apricot");
   l.Add("banana");
-  EXPECT_EQ(l.CommaText(), "Apple,banana,pear");
-  EXPECT_EQ(l.Add("APPLE"), 0);  // dupIgnore returns the existing index
+  EXPECT_EQ(l.CommaText(), "Apricot,banana,pear");
+  EXPECT_EQ(l.Add("APRICOT"), 0);  // dupIgnore returns the existing index
   EXPECT_EQ(l.Count(), 3);
   l.SetDuplicates(dupError);
   EXPECT_THROW(l.Add("Pear"), EListError);

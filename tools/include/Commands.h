@@ -22,13 +22,15 @@ struct Console {
 struct CreateOptions {
   std::vector<FieldDefinition> Fields;
   std::vector<IndexDefinition> Indexes;
+  bool Replace = false;  ///< an existing table of that name is deleted with its records
 };
 
 struct ImportOptions {
   std::string File;                  ///< "-" reads standard input
   char Separator = ',';
-  std::vector<FieldDefinition> Fields;     ///< when not empty, the table is created (replaced) first
+  std::vector<FieldDefinition> Fields;     ///< when not empty, the table is created first
   std::vector<IndexDefinition> Indexes;    ///< indexes of the table created
+  bool Replace = false;                    ///< with Fields: an existing table is replaced
   /// Rows per transaction; 0: one transaction for all rows. Small batches are fastest: the engine
   /// keeps an operating-system lock per added record until the commit, and a long list of them
   /// slows every further lock down.
@@ -59,14 +61,22 @@ struct ListOptions {
 
 /// Each command returns the exit code of its outcome and raises for failures that end it (the
 /// caller turns them into a message and an exit code with DescribeException). Contracts:
-/// - create: checks the definitions (at least one field, index fields exist), then creates.
+/// - create: checks the definitions (at least one field, index fields exist), then creates. An
+///   existing table raises ToolError(kExitUsage) unless `Replace` is set; import with fields
+///   follows the same rule.
 /// - drop: deletes the table's files.
 /// - add-index / drop-index: open the table exclusively; drop-index of an index the table does
 ///   not have raises ToolError(kExitNotFound).
 /// - import: see ImportOptions; returns kExitRejected when any row was rejected.
 /// - export: writes the CSV to a temporary file beside `File` and renames it when complete, so
 ///   the file appears whole or not at all.
-/// - list, info: print aligned tables on Out.
+/// - list, info: print aligned tables on Out; output that cannot be written raises
+///   ToolError(kExitFile), as export does.
+/// - import: SIGINT and SIGTERM stop it after the current row; the open batch is rolled back,
+///   the resume point is printed and the exit code is 128 + the signal's number.
+/// What create does before it prints: checks the definitions, refuses an existing table unless
+/// `options.Replace` is set, then creates the table. Import with fields calls it too.
+void CreateTable(TableBackend& backend, const TableRef& table, const CreateOptions& options);
 ExitCode RunCreate(TableBackend& backend, const TableRef& table, const CreateOptions& options, Console& console);
 ExitCode RunDrop(TableBackend& backend, const TableRef& table, Console& console);
 ExitCode RunAddIndex(TableBackend& backend, const TableRef& table, const IndexDefinition& index, Console& console);

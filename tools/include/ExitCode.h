@@ -13,6 +13,8 @@ enum ExitCode : int {
   kExitNotFound = 5,      ///< The table (or a file it needs) does not exist.
   kExitRejected = 6,      ///< `import` finished or stopped with rejected rows (each one is listed).
   kExitUnavailable = 7,   ///< The operation cannot run in this build.
+  kExitInterrupted = 130, ///< `import` stopped by SIGINT (128 + 2, as shells report it).
+  kExitTerminated = 143,  ///< `import` stopped by SIGTERM (128 + 15).
 };
 
 /// A one-line description of `code` for the help text ("storage error"), or "unknown".

@@ -24,7 +24,8 @@ struct FieldDefinition {
 /// Parses one definition "name:type[:size]". Types (case-insensitive): string (size 1..65535
 /// required), smallint, integer (int), word, boolean (bool), float, currency, bcd (size "p.s"
 /// or "s", s 0..32, p s..32), date, time, datetime, bytes and varbytes (size 1..65535 required),
-/// autoinc, blob and memo (size optional). A name starts with a letter or "_" and holds letters,
+/// blob and memo (size optional); not autoinc, which the table layer would store as a plain
+/// integer. A name starts with a letter or "_" and holds letters,
 /// digits and "_" only. Raises UsageError naming the definition and what is wrong.
 FieldDefinition ParseFieldDefinition(std::string_view text);
 

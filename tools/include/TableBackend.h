@@ -28,8 +28,11 @@ struct TableRef {
 struct TableInfo {
   std::vector<FieldDefinition> Fields;
   std::vector<IndexDefinition> Indexes;
-  std::int64_t RecordCount = 0;
+  std::int64_t RecordCount = 0;    ///< every record of the table, whatever its indexes hold
   std::vector<std::string> Files;  ///< data file first, then the index file(s)
+  /// Keys in each index, in the order of Indexes; empty when unknown. An index made with NullKeys
+  /// off leaves out the records whose key is blank, so it may count fewer than RecordCount.
+  std::vector<std::int64_t> IndexKeys;
 };
 
 /// Values for the leading fields of an index key, as text (the way a field's text setter takes

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <iosfwd>
 #include <stdexcept>
 #include <string>
 
@@ -28,6 +29,10 @@ class UsageError : public ToolError {
 /// "<message> (error <code>)" for a storage error number: the text is the package's message for
 /// that number, or "storage error" when it has none. Example: "Key value already exists (error 2)".
 std::string DescribeErrorNumber(std::int32_t code);
+
+/// Flushes `out` and raises ToolError(kExitFile, "cannot write <what>") when anything written to
+/// it was lost (a full disk, a closed pipe).
+void CheckWritten(std::ostream& out, const std::string& what);
 
 /// A failure as one line a person can read, and the exit code it maps to.
 struct ErrorReport {

@@ -45,8 +45,8 @@ const std::vector<std::string> kCities{
     "Aarhus", "Bergen", "Cork", "Dresden", "Eindhoven", "Florence", "Graz", "Helsinki", "Innsbruck",
     "Krakow", "Lyon", "Malmo", "Nantes", "Oslo", "Porto", "Reykjavik", "Seville", "Tallinn", "Utrecht", "Vilnius"};
 const std::vector<std::string> kCompanies{
-    "", "", "", "Berg & Sons", "Costa, Lima and Partners", "Nordic Tools Ltd", "\"Blue Fjord\" Traders",
-    "Zimmer GmbH", "", "Petit et Fils"};
+    "", "", "", "Berg & Sons", "Costa, Lima and Partners", "Brindlewick Tooling Ltd", "\"Tarnvik Fjord\" Traders",
+    "Quellmoor Feinmechanik GmbH", "", "Petit et Fils"};
 const std::vector<std::string> kStatus{"open", "paid", "paid", "paid", "shipped", "shipped", "cancelled"};
 
 std::string TwoDigits(int n) { return (n < 10 ? "0" : "") + std::to_string(n); }

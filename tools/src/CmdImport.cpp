@@ -1,5 +1,8 @@
 // The tool's import subcommand: CSV rows appended in batches, bad rows reported (tools layer).
+#include <signal.h>
+
 #include <cerrno>
+#include <csignal>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -149,6 +152,44 @@ void PrintSummary(Console& console, const Importer& run, double seconds, const s
   out << '\n';
 }
 
+// The signal that asked the import to stop (0: none). Set by the handler, read between rows.
+volatile std::sig_atomic_t gStopSignal = 0;
+
+extern "C" void NoteStopSignal(int signal) { gStopSignal = signal; }
+
+// Catches SIGINT and SIGTERM while it lives, so that an interrupted import ends like a failed
+// batch: rolled back, with the resume point printed. The previous handlers come back after it.
+class StopSignals {
+ public:
+  StopSignals() {
+    gStopSignal = 0;
+    struct sigaction action {};
+    action.sa_handler = NoteStopSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &action, &FOldInt);
+    sigaction(SIGTERM, &action, &FOldTerm);
+  }
+  ~StopSignals() {
+    sigaction(SIGINT, &FOldInt, nullptr);
+    sigaction(SIGTERM, &FOldTerm, nullptr);
+  }
+  StopSignals(const StopSignals&) = delete;
+  StopSignals& operator=(const StopSignals&) = delete;
+
+  // Raises the stop as a failure when a signal has come.
+  static void Check() {
+    const int signal = gStopSignal;
+    if (signal == 0) return;
+    throw ToolError(signal == SIGINT ? kExitInterrupted : kExitTerminated,
+                    std::string("stopped by ") + (signal == SIGINT ? "SIGINT" : "SIGTERM"));
+  }
+
+ private:
+  struct sigaction FOldInt {};
+  struct sigaction FOldTerm {};
+};
+
 }  // namespace
 
 ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOptions& options, Console& console) {
@@ -167,11 +208,7 @@ ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOpt
   if (!reader.Next(record)) throw ToolError(kExitFile, "the CSV input is empty: a header row naming the fields is needed");
   const std::vector<std::string> header = record;
 
-  if (!options.Fields.empty()) {
-    CreateOptions create{options.Fields, options.Indexes};
-    for (const IndexDefinition& index : create.Indexes) CheckIndexFields(index, create.Fields);
-    backend.CreateTable(table, create.Fields, create.Indexes);
-  }
+  if (!options.Fields.empty()) CreateTable(backend, table, {options.Fields, options.Indexes, options.Replace});
   std::unique_ptr<TableCursor> cursor = backend.Open(table, OpenMode::ReadWrite);
   const TableInfo info = cursor->Info();
   const std::vector<std::size_t> columns = MapHeader(header, info);
@@ -185,8 +222,10 @@ ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOpt
   std::vector<std::optional<std::string>> values(info.Fields.size());
   ExitCode result = kExitOk;
   std::string stopReason;
+  const StopSignals signals;
   try {
     for (;;) {
+      StopSignals::Check();
       bool more;
       try {
         more = reader.Next(record);
@@ -220,9 +259,11 @@ ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOpt
         run.Add(values, reader.RecordLine());
         if (options.StopOnError && run.Rejected > rejectedBefore) break;
       }
+      StopSignals::Check();
       if (run.BatchFull()) run.CommitBatch();
       bar.Update(reader.BytesRead(), run.Read);
     }
+    StopSignals::Check();
     if (options.StopOnError && run.Rejected > 0) {
       run.RollBackBatch();
       stopReason = "stopped at the first rejected row";

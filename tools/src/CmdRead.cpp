@@ -51,6 +51,17 @@ std::unique_ptr<TableCursor> OpenForReading(TableBackend& backend, const TableRe
   return cursor;
 }
 
+// Empty when the index read holds every record of the table; otherwise why not. An index made
+// by a program with NullKeys off leaves out the records whose key is blank.
+std::string MissingRecords(const ReadOptions& read, const TableInfo& info) {
+  std::size_t i = 0;
+  while (i < info.Indexes.size() && !read.Index.empty() && !fw::SameText(info.Indexes[i].Name, read.Index)) ++i;
+  if (i >= info.IndexKeys.size() || info.IndexKeys[i] >= info.RecordCount) return {};
+  return "index " + info.Indexes[i].Name + " holds " + std::to_string(info.IndexKeys[i]) + " of the table's " +
+         std::to_string(info.RecordCount) + " records: it leaves out those whose key is blank; read through an "
+         "index that holds them all";
+}
+
 std::vector<std::string> Pick(const std::vector<std::string>& values, const std::vector<std::size_t>& positions) {
   std::vector<std::string> row;
   row.reserve(positions.size());
@@ -74,6 +85,9 @@ ExitCode RunExport(TableBackend& backend, const TableRef& table, const ExportOpt
   TableInfo info;
   std::unique_ptr<TableCursor> cursor = OpenForReading(backend, table, options.Read, info);
   const std::vector<std::size_t> positions = ResolveColumns(options.Read.Columns, info);
+  // An export that would silently lack records is refused before anything is written.
+  if (const std::string missing = MissingRecords(options.Read, info); !missing.empty())
+    throw ToolError(kExitStorage, missing);
 
   const bool toStdout = options.File.empty() || options.File == "-";
   const std::string temporary = options.File + ".partial";
@@ -136,10 +150,13 @@ ExitCode RunList(TableBackend& backend, const TableRef& table, const ListOptions
     }
   }
   printer.Print(console.Out);
+  if (const std::string missing = MissingRecords(options.Read, info); !missing.empty())
+    console.Err << "ctt: list: warning: " << missing << '\n';
   if (more)
     console.Out << "(more records follow; --limit " << options.Limit << " stopped the listing, --limit 0 shows all)\n";
   else
     console.Out << "(" << printer.RowCount() << (printer.RowCount() == 1 ? " record" : " records") << ")\n";
+  CheckWritten(console.Out, "standard output");
   return kExitOk;
 }
 

@@ -2,6 +2,7 @@
 #include <ostream>
 
 #include "Commands.h"
+#include "ECtreeException.h"
 #include "StringUtils.h"
 #include "TablePrinter.h"
 #include "ToolError.h"
@@ -10,16 +11,36 @@ namespace ctt {
 
 namespace {
 
+constexpr std::int32_t kFileNotFound = 12;
+
 std::string Plural(std::size_t n, const char* one, const char* many) {
   return std::to_string(n) + " " + (n == 1 ? one : many);
 }
 
+// Whether the table's files are there: opening answers 12 when they are not.
+bool TableExists(TableBackend& backend, const TableRef& table) {
+  try {
+    (void)backend.Open(table, OpenMode::ReadOnly);
+  } catch (const CTDbIntf::ECtreeException& e) {
+    if (e.ErrorCode == kFileNotFound) return false;
+    throw;
+  }
+  return true;
+}
+
 }  // namespace
 
-ExitCode RunCreate(TableBackend& backend, const TableRef& table, const CreateOptions& options, Console& console) {
+void CreateTable(TableBackend& backend, const TableRef& table, const CreateOptions& options) {
   if (options.Fields.empty()) throw UsageError("a table needs at least one field (--field name:type[:size])");
   for (const IndexDefinition& index : options.Indexes) CheckIndexFields(index, options.Fields);
+  // Creating over an existing table deletes its records: only on request.
+  if (!options.Replace && TableExists(backend, table))
+    throw UsageError("table " + table.Display() + " already exists; --replace replaces it and deletes its records");
   backend.CreateTable(table, options.Fields, options.Indexes);
+}
+
+ExitCode RunCreate(TableBackend& backend, const TableRef& table, const CreateOptions& options, Console& console) {
+  CreateTable(backend, table, options);
   console.Out << "created " << table.Display() << " with " << Plural(options.Fields.size(), "field", "fields")
               << " and " << Plural(options.Indexes.size(), "index", "indexes") << '\n';
   return kExitOk;
@@ -79,11 +100,13 @@ ExitCode RunInfo(TableBackend& backend, const TableRef& table, Console& console)
   out << '\n';
   if (info.Indexes.empty()) {
     out << "no indexes\n";
-    return kExitOk;
+  } else {
+    TablePrinter indexes({"index", "fields", "options"});
+    for (const IndexDefinition& index : info.Indexes)
+      indexes.AddRow({index.Name, index.FieldsText(), index.OptionsText()});
+    indexes.Print(out);
   }
-  TablePrinter indexes({"index", "fields", "options"});
-  for (const IndexDefinition& index : info.Indexes) indexes.AddRow({index.Name, index.FieldsText(), index.OptionsText()});
-  indexes.Print(out);
+  CheckWritten(out, "standard output");
   return kExitOk;
 }
 

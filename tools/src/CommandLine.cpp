@@ -17,7 +17,8 @@ namespace {
 constexpr const char* kDescription =
     "ctt: creates c-tree tables, loads CSV into them, lists, exports and describes them.\n"
     "Exit codes: 0 success, 1 internal error, 2 usage error, 3 file or CSV error, 4 storage error,\n"
-    "5 table or index not found, 6 import rows rejected, 7 not available in this build.";
+    "5 table or index not found, 6 import rows rejected, 7 not available in this build,\n"
+    "130/143 import stopped by SIGINT/SIGTERM.";
 
 // Everything the command line sets; the parsers of definitions and keys run after CLI11.
 struct Parsed {
@@ -25,12 +26,12 @@ struct Parsed {
   ConnectionOptions Connection;
   std::string Alignment;
   int MaxBuffers = 0, MaxFiles = 0, MaxSectors = 0, MaxIndexKey = 0;
-  bool NullKeys = false;
   std::string UserName, Password, ServerName, DataDir, TempDir, DataExt, IndexExt, SuperFileExt;
   std::vector<std::string> FieldTexts, IndexTexts, Columns;
   std::string IndexText, IndexName, From, To, Find, File, Separator = ",";
   ImportOptions Import;
   ListOptions List;
+  bool Replace = false;
 };
 
 KeyValues ParseKey(const std::string& text, const char* option) {
@@ -74,7 +75,6 @@ void AddConnectionOptions(CLI::App& app, Parsed& p) {
   app.add_option("--max-buffers", p.MaxBuffers, "Index and data buffers")->check(CLI::Range(1, 32767))->group(group);
   app.add_option("--max-sectors", p.MaxSectors, "Node sectors")->check(CLI::Range(1, 32767))->group(group);
   app.add_option("--max-index-key", p.MaxIndexKey, "Longest key")->check(CLI::Range(1, 65535))->group(group);
-  app.add_flag("--null-keys", p.NullKeys, "Leave blank keys out of the indexes")->group(group);
 }
 
 // Copies the connection settings given on the command line into the options.
@@ -94,7 +94,9 @@ void CollectConnection(CLI::App& app, Parsed& p) {
   if (given("--max-buffers")) c.MaxBuffers = static_cast<std::int16_t>(p.MaxBuffers);
   if (given("--max-sectors")) c.MaxSectors = static_cast<std::int16_t>(p.MaxSectors);
   if (given("--max-index-key")) c.MaxIndexKey = p.MaxIndexKey;
-  if (given("--null-keys")) c.NullKeys = true;
+  // Indexes the tool creates keep the records whose key is blank: an index that left them out
+  // would hide them from list and export and from the count of info, while import said "added".
+  c.NullKeys = true;
 }
 
 CLI::App* AddCommand(CLI::App& app, const char* name, const char* what, Parsed& p) {
@@ -128,14 +130,16 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
   Parsed p;
   AddConnectionOptions(app, p);
 
-  CLI::App* create = AddCommand(app, "create", "Create a table (an existing one is replaced)", p);
+  CLI::App* create = AddCommand(app, "create", "Create a table (an existing one only with --replace)", p);
   create->add_option("--field,-f", p.FieldTexts, "name:type[:size], several comma-separated")->required();
   create->add_option("--index,-x", p.IndexTexts, "name:field[;field...][:unique,primary,desc,nocase]");
+  create->add_flag("--replace", p.Replace, "Replace an existing table of that name, deleting its records");
 
   CLI::App* import = AddCommand(app, "import", "Load CSV rows (with a header row) into a table", p);
   import->add_option("file", p.File, "CSV file, '-' for standard input")->required();
-  import->add_option("--field,-f", p.FieldTexts, "Create (replace) the table with these fields first");
+  import->add_option("--field,-f", p.FieldTexts, "Create the table with these fields first");
   import->add_option("--index,-x", p.IndexTexts, "Indexes of the table created with --field");
+  import->add_flag("--replace", p.Replace, "With --field: replace an existing table, deleting its records");
   import->add_option("--batch-size", p.Import.BatchSize, "Rows per transaction (0: one for all)");
   import->add_option("--skip-rows", p.Import.SkipRows, "Pass over this many data rows first (resuming)");
   import->add_flag("--stop-on-error", p.Import.StopOnError, "Roll back the batch and stop at the first bad row");
@@ -182,7 +186,7 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
     CollectConnection(app, p);
     if (p.Table.Name.empty()) throw UsageError("the table name is empty");
     if (chosen == create) {
-      CreateOptions options{ParseFieldDefinitions(p.FieldTexts), ParseIndexDefinitions(p.IndexTexts)};
+      CreateOptions options{ParseFieldDefinitions(p.FieldTexts), ParseIndexDefinitions(p.IndexTexts), p.Replace};
       if (options.Fields.empty()) throw UsageError("a table needs at least one field (--field name:type[:size])");
       for (const IndexDefinition& index : options.Indexes) CheckIndexFields(index, options.Fields);
       return RunCreate(*factory(p.Connection), p.Table, options, console);
@@ -193,6 +197,8 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
       options.Separator = ParseSeparator(p.Separator);
       options.Fields = ParseFieldDefinitions(p.FieldTexts);
       options.Indexes = ParseIndexDefinitions(p.IndexTexts);
+      options.Replace = p.Replace;
+      if (options.Replace && options.Fields.empty()) throw UsageError("--replace on import needs --field");
       if (options.Fields.empty() && !options.Indexes.empty())
         throw UsageError("--index on import needs --field: indexes are only defined for a table created here");
       for (const IndexDefinition& index : options.Indexes) CheckIndexFields(index, options.Fields);

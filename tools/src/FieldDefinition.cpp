@@ -21,8 +21,9 @@ struct TypeEntry {
   SizeRule Size;
 };
 
-// The first name of each type is the one the tool prints.
-constexpr std::array<TypeEntry, 19> kTypes{{
+// The first name of each type is the one the tool prints. Auto-increment is not offered: the
+// table layer stores it as a plain integer, so every row would need its own value anyway.
+constexpr std::array<TypeEntry, 18> kTypes{{
     {"string", fw::ftString, srRequired},     {"smallint", fw::ftSmallint, srNone},
     {"integer", fw::ftInteger, srNone},       {"int", fw::ftInteger, srNone},
     {"word", fw::ftWord, srNone},             {"boolean", fw::ftBoolean, srNone},
@@ -30,18 +31,17 @@ constexpr std::array<TypeEntry, 19> kTypes{{
     {"currency", fw::ftCurrency, srNone},     {"bcd", fw::ftBCD, srScale},
     {"date", fw::ftDate, srNone},             {"time", fw::ftTime, srNone},
     {"datetime", fw::ftDateTime, srNone},     {"bytes", fw::ftBytes, srRequired},
-    {"varbytes", fw::ftVarBytes, srRequired}, {"autoinc", fw::ftAutoInc, srNone},
-    {"blob", fw::ftBlob, srOptional},         {"memo", fw::ftMemo, srOptional},
-    {"graphic", fw::ftGraphic, srOptional},
+    {"varbytes", fw::ftVarBytes, srRequired}, {"blob", fw::ftBlob, srOptional},
+    {"memo", fw::ftMemo, srOptional},         {"graphic", fw::ftGraphic, srOptional},
 }};
 
 // Types a table may have (made by another program) that `create` does not offer: named for
 // display only.
-constexpr std::array<std::pair<fw::TFieldType, const char*>, 10> kDisplayOnly{{
+constexpr std::array<std::pair<fw::TFieldType, const char*>, 11> kDisplayOnly{{
     {fw::ftFixedChar, "fixedchar"}, {fw::ftWideString, "widestring"}, {fw::ftLargeint, "largeint"},
     {fw::ftFMTBcd, "fmtbcd"}, {fw::ftFmtMemo, "fmtmemo"}, {fw::ftTypedBinary, "typedbinary"},
     {fw::ftLongWord, "longword"}, {fw::ftShortint, "shortint"}, {fw::ftByte, "byte"},
-    {fw::ftTimeStamp, "timestamp"},
+    {fw::ftTimeStamp, "timestamp"}, {fw::ftAutoInc, "autoinc"},
 }};
 
 constexpr int kMaxSize = 65535;

@@ -4,7 +4,9 @@
 #include <algorithm>
 
 #include "CTTables.h"
+#include "CtRecords.h"
 #include "ConnectionSetup.h"
+#include "StringUtils.h"
 #include "TField.h"
 #include "TFieldDefs.h"
 #include "TFields.h"
@@ -47,7 +49,20 @@ class TableLayerCursor : public TableCursor {
       entry.CaseInsensitive = d.Options().Contains(fw::ixCaseInsensitive);
       info.Indexes.push_back(std::move(entry));
     }
-    info.RecordCount = FTable->RecordCount();
+    // The data file's own count: an index that leaves blank keys out counts fewer records.
+    const Ctdb::TCTCursorDesc* cursor = FTable->Cursor();
+    const CTDbIntf::TLoadAlignment alignment = Connection().Alignment();
+    info.RecordCount =
+        cursor != nullptr ? CTDbIntf::NbrOfRecords(alignment, cursor->DataFileNo) : FTable->RecordCount();
+    for (const IndexDefinition& index : info.Indexes) {
+      const int ordinal = cursor != nullptr ? cursor->FindIndex(index.Name, -1) : -1;
+      if (ordinal < 0) {
+        info.IndexKeys.clear();
+        break;
+      }
+      const int16_t keyNo = cursor->Indexes[static_cast<size_t>(ordinal)].IndexId;
+      info.IndexKeys.push_back(CTDbIntf::NbrOfKeyEntries(alignment, keyNo));
+    }
     if (FTable->Cursor()) info.Files.push_back(FTable->Cursor()->TableName);
     return info;
   }
@@ -123,7 +138,6 @@ class TableLayerCursor : public TableCursor {
     FTable->AddIndex(index.Name, index.FieldsText(), "", true, false, index.Options());
   }
   void DeleteIndex(const std::string& name) override {
-    FTable->UpdateIndexDefs();  // the list DeleteIndex looks the name up in
     FTable->DeleteIndex(name);
     // Read the definitions back from the files: an index the engine kept must not be reported
     // as deleted.
@@ -174,6 +188,10 @@ class TableLayerBackend : public TableBackend {
  private:
   // A closed table on the connection for `ref`.
   std::unique_ptr<CTTables::TCTTable> NewTable(const TableRef& ref) {
+    // The connection drops a local folder that does not exist and takes the name relative to the
+    // current folder instead, and create would even make the folder's name a superfile there.
+    if (!ref.Directory.empty() && FSetup.Connection().ServerName().empty() && !fw::DirectoryExists(ref.Directory))
+      throw ToolError(kExitNotFound, "folder " + ref.Directory + " does not exist");
     auto table = std::make_unique<CTTables::TCTTable>(nullptr);
     table->SetConnection(&FSetup.Connection());
     if (!ref.SuperFile.empty()) {

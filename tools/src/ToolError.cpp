@@ -2,6 +2,7 @@
 #include "ToolError.h"
 
 #include <ios>
+#include <ostream>
 
 #include "CsvReader.h"
 #include "CtMessages.h"
@@ -24,6 +25,8 @@ const char* ExitCodeName(int code) {
     case kExitNotFound: return "table not found";
     case kExitRejected: return "rows rejected";
     case kExitUnavailable: return "not available";
+    case kExitInterrupted: return "interrupted";
+    case kExitTerminated: return "terminated";
     default: return "unknown";
   }
 }
@@ -32,6 +35,11 @@ std::string DescribeErrorNumber(std::int32_t code) {
   const auto text = CTDbIntf::CtMessage(CTDbIntf::kMessageBase + code);
   std::string out = text && !text->empty() ? std::string(*text) : std::string("storage error");
   return out + " (error " + std::to_string(code) + ")";
+}
+
+void CheckWritten(std::ostream& out, const std::string& what) {
+  out.flush();
+  if (!out) throw ToolError(kExitFile, "cannot write " + what);
 }
 
 ErrorReport DescribeException(std::exception_ptr error) {

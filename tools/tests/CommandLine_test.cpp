@@ -61,11 +61,11 @@ TEST_F(CommandLineTest, DefinitionErrorsAreUsageErrorsNamingTheCommand) {
 
 TEST_F(CommandLineTest, ConnectionOptionsReachTheBackendBeforeOrAfterTheCommand) {
   EXPECT_EQ(Run({"--alignment", "word", "create", "t", "-f", "id:integer", "--max-files", "20", "--dir", "data",
-                 "--superfile", "host", "--null-keys", "--data-ext", ".dat"}),
+                 "--superfile", "host", "--data-ext", ".dat"}),
             kExitOk);
   EXPECT_EQ(seen.Alignment, CTDbIntf::laWord);
   EXPECT_EQ(seen.MaxFiles, 20);
-  EXPECT_EQ(seen.NullKeys, true);
+  EXPECT_EQ(seen.NullKeys, true) << "indexes the tool creates keep records with blank keys";
   EXPECT_EQ(seen.DataExt, ".dat");
   EXPECT_FALSE(seen.MaxSectors.has_value()) << "what is not given keeps the form's or the default value";
   EXPECT_FALSE(seen.ServerName.has_value());

@@ -4,9 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <signal.h>
+
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 
 #include "FakeBackend.h"
@@ -288,6 +291,68 @@ TEST_F(CommandsTest, InfoDescribesFieldsIndexesAndFiles) {
             "byid    id         unique\n"
             "bycity  city;name  nocase\n");
 }
+
+TEST_F(CommandsTest, CreateRefusesAnExistingTableUnlessReplaceIsGiven) {
+  ASSERT_EQ(Import(kCustomers), kExitOk);
+  const ErrorReport refused = Failure([&] { RunCreate(backend, table, create, console); });
+  EXPECT_EQ(refused.Code, kExitUsage);
+  EXPECT_EQ(refused.Message, "table customers already exists; --replace replaces it and deletes its records");
+  ImportOptions options;
+  options.Fields = create.Fields;
+  EXPECT_EQ(Failure([&] { Import("id\n9\n", options); }).Code, kExitUsage);
+  EXPECT_EQ(Stored().Records.size(), 4u);
+
+  create.Replace = true;
+  EXPECT_EQ(RunCreate(backend, table, create, console), kExitOk);
+  EXPECT_TRUE(Stored().Records.empty());
+  options.Replace = true;
+  EXPECT_EQ(Import("id\n9\n", options), kExitOk);
+  EXPECT_EQ(Ids(), (std::vector<std::string>{"9"}));
+}
+
+// A stream whose every write fails, as standard output redirected to a full device.
+class FullDevice : public std::streambuf {
+ protected:
+  int overflow(int) override { return traits_type::eof(); }
+  std::streamsize xsputn(const char*, std::streamsize) override { return 0; }
+};
+
+TEST_F(CommandsTest, ListAndInfoFailWhenTheirOutputCannotBeWritten) {
+  ASSERT_EQ(Import(kCustomers), kExitOk);
+  FullDevice device;
+  std::ostream full(&device);
+  Console lost{full, err, false};
+  for (const auto& command : std::vector<std::function<void()>>{
+           [&] { RunList(backend, table, ListOptions{}, lost); }, [&] { RunInfo(backend, table, lost); }}) {
+    full.clear();
+    const ErrorReport report = Failure(command);
+    EXPECT_EQ(report.Code, kExitFile);
+    EXPECT_EQ(report.Message, "cannot write standard output");
+  }
+}
+
+class ImportSignalTest : public CommandsTest, public ::testing::WithParamInterface<std::pair<int, ExitCode>> {};
+
+TEST_P(ImportSignalTest, StopsAfterTheRowRollsBackTheBatchAndPrintsTheResumePoint) {
+  const auto [signal, code] = GetParam();
+  store.SignalAtAppend = 4;
+  store.Signal = signal;
+  ImportOptions options;
+  options.BatchSize = 2;
+  EXPECT_EQ(Import("id\n1\n2\n3\n4\n5\n6\n", options), code);
+  EXPECT_EQ(Ids(), (std::vector<std::string>{"1", "2"}));
+  EXPECT_NE(err.str().find(signal == SIGINT ? "stopped by SIGINT" : "stopped by SIGTERM"), std::string::npos)
+      << err.str();
+  EXPECT_NE(err.str().find("rerun with --skip-rows 2 "), std::string::npos) << err.str();
+  // The handlers are gone with the import: the default action is back.
+  struct sigaction now {};
+  sigaction(signal, nullptr, &now);
+  EXPECT_EQ(now.sa_handler, SIG_DFL);
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, ImportSignalTest,
+                         ::testing::Values(std::make_pair(SIGINT, kExitInterrupted),
+                                           std::make_pair(SIGTERM, kExitTerminated)));
 
 TEST_F(CommandsTest, StructuralCommands) {
   EXPECT_EQ(out.str(), "");

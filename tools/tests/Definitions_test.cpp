@@ -41,6 +41,8 @@ TEST(FieldDefinition, FormatReadsBack) {
   EXPECT_EQ(FieldTypeName(fw::ftGuid), "type#35");
   EXPECT_EQ(FieldTypeName(fw::ftLargeint), "largeint");
   EXPECT_FALSE(FieldTypeFromName("largeint").has_value()) << "shown, but not offered by create";
+  EXPECT_EQ(FieldTypeName(fw::ftAutoInc), "autoinc");
+  EXPECT_FALSE(FieldTypeFromName("autoinc").has_value()) << "a plain integer underneath: not offered";
 }
 
 TEST(FieldDefinition, ErrorsNameTheDefinitionAndTheProblem) {

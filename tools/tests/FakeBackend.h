@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <csignal>
 #include <map>
 #include <memory>
 #include <string>
@@ -27,6 +28,9 @@ struct FakeStore {
   int Rollbacks = 0;
   int FailCommitNumber = 0;  // the commit with this number (1-based) fails with error 37
   bool Transactions = true;  // what HasTransactions answers
+  int Appends = 0;
+  int SignalAtAppend = 0;    // the append with this number (1-based) raises Signal first
+  int Signal = 0;
 };
 
 class FakeCursor : public TableCursor {
@@ -75,6 +79,7 @@ class FakeCursor : public TableCursor {
   }
 
   void Append(const std::vector<std::optional<std::string>>& values) override {
+    if (++FStore.Appends == FStore.SignalAtAppend) std::raise(FStore.Signal);
     std::vector<std::string> record;
     for (std::size_t i = 0; i < FTable.Fields.size(); ++i) {
       const std::string text = values[i].value_or("");
