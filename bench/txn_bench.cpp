@@ -30,8 +30,9 @@ struct Customer {
 struct Engine {
 #define FN(n) decltype(&::n) n = reinterpret_cast<decltype(&::n)>(dlsym(h, #n));
   void* h = dlopen(CT_LIBRARY_DIR "/libctstd32b.so", RTLD_NOW | RTLD_LOCAL);
-  FN(INTISAMX) FN(CREIFIL) FN(ADDREC) FN(RWTREC) FN(DELREC) FN(EQLREC) FN(frmkey) FN(CLISAM)
-  FN(TRANBEG) FN(TRANEND) FN(TRANABT) FN(DATENT) FN(CLIFIL) FN(OPNRFIL)
+  FN(INTISAMX)
+  FN(CREIFIL) FN(ADDREC) FN(RWTREC) FN(DELREC) FN(EQLREC) FN(frmkey) FN(CLISAM) FN(TRANBEG)
+      FN(TRANEND) FN(TRANABT) FN(DATENT) FN(CLIFIL) FN(OPNRFIL)
 #undef FN
 };
 
@@ -68,9 +69,9 @@ void Timed(Engine& e, const char* label, int n, int lockMode, bool commit, F&& o
   COUNT rc = commit ? e.TRANEND(FREE) : e.TRANABT();
   if (rc != 0) Fail(commit ? "TRANEND" : "TRANABT", rc);
   double t2 = Now();
-  std::printf("%-10s N=%8d  %8.3f s  %9.0f/s  halves %9.0f/s %9.0f/s  %s %.3f s\n", label, n, t2 - t0,
-              n / (t2 - t0), (n / 2) / (mid - t0), (n - n / 2) / (t1 - mid), commit ? "commit" : "abort",
-              t2 - t1);
+  std::printf("%-10s N=%8d  %8.3f s  %9.0f/s  halves %9.0f/s %9.0f/s  %s %.3f s\n", label, n,
+              t2 - t0, n / (t2 - t0), (n / 2) / (mid - t0), (n - n / 2) / (t1 - mid),
+              commit ? "commit" : "abort", t2 - t1);
 }
 
 }  // namespace
@@ -80,9 +81,12 @@ int main(int argc, char** argv) {
   int lockMode = ENABLE;
   std::vector<int> sizes;
   for (int i = 1; i < argc; ++i) {
-    if (!std::strcmp(argv[i], "--exclusive")) exclusive = true;
-    else if (!std::strcmp(argv[i], "--no-locks")) lockMode = 0;
-    else sizes.push_back(std::atoi(argv[i]));
+    if (!std::strcmp(argv[i], "--exclusive"))
+      exclusive = true;
+    else if (!std::strcmp(argv[i], "--no-locks"))
+      lockMode = 0;
+    else
+      sizes.push_back(std::atoi(argv[i]));
   }
   if (sizes.empty()) sizes = {5000, 10000, 20000, 40000};
   Engine e;
@@ -91,7 +95,8 @@ int main(int argc, char** argv) {
   std::filesystem::path dir = mkdtemp(tmpl);
   std::filesystem::current_path(dir);
   const COUNT mode = exclusive ? EXCLUSIVE : SHARED;
-  std::printf("file %s, lock mode %s\n", exclusive ? "EXCLUSIVE" : "SHARED", lockMode ? "ENABLE" : "none");
+  std::printf("file %s, lock mode %s\n", exclusive ? "EXCLUSIVE" : "SHARED",
+              lockMode ? "ENABLE" : "none");
   for (int n : sizes) {
     ISEG s1[1] = {{0, 4, SGNSEG}};
     ISEG s2[2] = {{34, 20, REGSEG}, {4, 30, REGSEG}};

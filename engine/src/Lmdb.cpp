@@ -203,7 +203,9 @@ void Env::AbortTop() {
 std::unique_ptr<SetJournal> Env::TakeJournal() { return std::move(journal_); }
 
 void Env::Note(int rc) {
-  if (held_.empty() || rc == 0 || rc == MDB_NOTFOUND || rc == MDB_KEYEXIST || rc == MDB_BAD_VALSIZE || rc == EINVAL) return;
+  // A refused key or argument changes nothing; any other failure may have left pages half done.
+  if (held_.empty() || rc == 0 || rc == MDB_NOTFOUND || rc == MDB_KEYEXIST) return;
+  if (rc == MDB_BAD_VALSIZE || rc == EINVAL) return;
   if (!broken_) broken_ = rc;
 }
 
@@ -421,7 +423,14 @@ void Env::Commit(MDB_txn* txn, bool durable) {
     ++gen_;
     marks_.pop_back();
     if (!marks_.empty()) return;
-    if (journal_) journal_->Append(call_.Data(), call_.Size());
+    try {
+      if (journal_) journal_->Append(call_.Data(), call_.Size());
+    } catch (...) {
+      // The journal lacks this call's undo: the set can no longer be undone, so it must fail.
+      if (!broken_) broken_ = EIO;
+      call_.Clear();
+      throw;
+    }
     call_.Clear();
     return;
   }

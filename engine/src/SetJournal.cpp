@@ -34,7 +34,9 @@ uint64_t Fnv(uint64_t h, const char* p, size_t n) {
 }
 constexpr uint64_t kFnvStart = 1469598103934665603ull;
 
-void PutU64(std::string& out, uint64_t v) { out.append(reinterpret_cast<const char*>(&v), sizeof v); }
+void PutU64(std::string& out, uint64_t v) {
+  out.append(reinterpret_cast<const char*>(&v), sizeof v);
+}
 
 void WriteAll(int fd, const char* p, size_t n) {
   while (n > 0) {
@@ -111,7 +113,8 @@ struct Trailer {
 // Reads and checks the trailer and checksum of a sealed journal; false when torn.
 bool ReadTrailer(int fd, uint64_t size, Trailer& t) {
   std::string buf;
-  if (size < 2 * sizeof(uint64_t) || !ReadAt(fd, buf, size - sizeof(uint64_t), sizeof(uint64_t))) return false;
+  if (size < 2 * sizeof(uint64_t) || !ReadAt(fd, buf, size - sizeof(uint64_t), sizeof(uint64_t)))
+    return false;
   uint64_t len = 0;
   std::memcpy(&len, buf.data(), sizeof len);
   if (len < sizeof kMagic + 5 * sizeof(uint64_t) || len > size - sizeof(uint64_t)) return false;
@@ -126,7 +129,8 @@ bool ReadTrailer(int fd, uint64_t size, Trailer& t) {
     return true;
   };
   uint64_t count = 0, sum = 0;
-  if (!u64(t.set) || !u64(t.entries) || !u64(count) || t.entries != at || count > 4096) return false;
+  if (!u64(t.set) || !u64(t.entries) || !u64(count) || t.entries != at || count > 4096)
+    return false;
   for (uint64_t i = 0; i < count; ++i) {
     uint64_t n = 0;
     if (!u64(n) || buf.size() - p < n) return false;
@@ -139,7 +143,8 @@ bool ReadTrailer(int fd, uint64_t size, Trailer& t) {
   uint64_t h = kFnvStart;
   std::string chunk;
   for (uint64_t off = 0; off < at; off += chunk.size()) {
-    if (!ReadAt(fd, chunk, off, static_cast<size_t>(std::min<uint64_t>(at - off, 1 << 20)))) return false;
+    if (!ReadAt(fd, chunk, off, static_cast<size_t>(std::min<uint64_t>(at - off, 1 << 20))))
+      return false;
     h = Fnv(h, chunk.data(), chunk.size());
   }
   return Fnv(h, buf.data(), summed) == sum;
@@ -242,7 +247,8 @@ void SetJournal::End(std::vector<File> files, bool commit, bool crashHook) {
   uint64_t set = 0;
   if (multi) {
     // The unlogged file (the first of the set) commits last: it is the set's commit point.
-    std::stable_partition(files.begin(), files.end(), [](const File& f) { return f.env->Logged(); });
+    std::stable_partition(files.begin(), files.end(),
+                          [](const File& f) { return f.env->Logged(); });
     std::random_device rd;
     while (!set) set = (uint64_t{rd()} << 32 | rd()) ^ static_cast<uint64_t>(::getpid());
     std::vector<std::string> paths;

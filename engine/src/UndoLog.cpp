@@ -16,7 +16,9 @@ namespace {
 constexpr size_t kHead = 1 + 4 * sizeof(uint32_t);  // kind, flags, three lengths
 constexpr size_t kWindow = size_t{1} << 20;
 
-void PutU32(std::string& out, uint32_t v) { out.append(reinterpret_cast<const char*>(&v), sizeof v); }
+void PutU32(std::string& out, uint32_t v) {
+  out.append(reinterpret_cast<const char*>(&v), sizeof v);
+}
 
 uint32_t GetU32(const char* p) {
   uint32_t v;
@@ -26,7 +28,8 @@ uint32_t GetU32(const char* p) {
 
 }  // namespace
 
-void UndoLog::Add(Kind kind, const std::string& db, unsigned flags, const MDB_val& key, const MDB_val& value) {
+void UndoLog::Add(Kind kind, const std::string& db, unsigned flags, const MDB_val& key,
+                  const MDB_val& value) {
   const size_t body = kHead + db.size() + key.mv_size + value.mv_size;
   bytes_.push_back(static_cast<char>(kind));
   PutU32(bytes_, flags);
@@ -49,7 +52,8 @@ void UndoLog::ApplyEntry(Env& env, MDB_txn* txn, const char* body, size_t len) {
   MDB_val k{keyLen, const_cast<char*>(body + kHead + dbLen)};
   MDB_val v{valLen, const_cast<char*>(body + kHead + dbLen + keyLen)};
   // Only the flags that describe a database's keys and values are given when creating it.
-  constexpr unsigned kKept = MDB_REVERSEKEY | MDB_DUPSORT | MDB_INTEGERKEY | MDB_DUPFIXED | MDB_INTEGERDUP | MDB_REVERSEDUP;
+  constexpr unsigned kKept = MDB_REVERSEKEY | MDB_DUPSORT | MDB_INTEGERKEY | MDB_DUPFIXED |
+                             MDB_INTEGERDUP | MDB_REVERSEDUP;
   if (kind == kCreated) {
     MDB_dbi dbi = 0;
     env.Forget(db);

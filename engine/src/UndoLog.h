@@ -23,7 +23,8 @@ class UndoLog {
     kCreated = 2,  // the database was created: undo drops it
     kDropped = 3,  // the database was deleted: undo creates it again with its flags
   };
-  void Add(Kind kind, const std::string& db, unsigned flags, const MDB_val& key, const MDB_val& value);
+  void Add(Kind kind, const std::string& db, unsigned flags, const MDB_val& key,
+           const MDB_val& value);
   const char* Data() const { return bytes_.data(); }
   size_t Size() const { return bytes_.size(); }
   void Truncate(size_t n) { bytes_.resize(n); }
