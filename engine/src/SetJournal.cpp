@@ -175,10 +175,19 @@ void SetJournal::Append(const char* data, size_t n) {
 
 void SetJournal::Spill() {
   if (fd_ < 0) {
+    // Made under a name of its own and locked before it takes the name others look at, so
+    // that a process sweeping spill files never finds it unlocked.
     const std::string spill = SpillOf(path_);
-    fd_ = ::open(spill.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    const std::string fresh = spill + "." + std::to_string(::getpid());
+    fd_ = ::open(fresh.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (fd_ < 0) Throw(CT_EIO, errno);
-    if (!TryLock(fd_)) Throw(CT_EIO, errno);
+    if (!TryLock(fd_) || ::rename(fresh.c_str(), spill.c_str()) != 0) {
+      int e = errno;
+      ::unlink(fresh.c_str());
+      ::close(fd_);
+      fd_ = -1;
+      Throw(CT_EIO, e);
+    }
   }
   WriteAll(fd_, mem_.data(), mem_.size());
   hash_ = Fnv(hash_, mem_.data(), mem_.size());
