@@ -2,6 +2,7 @@
 #include "TCTTable.h"
 
 #include "CtError.h"
+#include "FilterProgram.h"
 #include "TClassInfo.h"
 #include "TCTConnection.h"
 
@@ -160,6 +161,8 @@ void TCTTable::InternalClose() {
   FKeyBuffer.reset();
   FIndexRecord.reset();
   FFilterBuffer = nullptr;
+  FFilterProgram.reset();
+  FFilterFields.clear();
   FOldRecord.reset();
   FRangeFlag = rfNone;
   FBookmarks.clear();
