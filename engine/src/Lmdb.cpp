@@ -19,8 +19,12 @@ namespace {
 // Small at first: the map doubles whenever a write finds it full (Env::Grow).
 constexpr size_t kInitialMap = size_t{8} << 20;
 constexpr unsigned kMaxDbs = 512;
-// Room a held transaction (lock set, transaction) may fill before it gives CT_EDISKFULL.
-constexpr size_t kHeldRoom = size_t{256} << 20;
+// Room a held transaction (lock set, transaction) may fill before it gives CT_EDISKFULL. The
+// map is address space, not disk: the file grows only with the pages written.
+constexpr size_t kHeldRoom = size_t{4} << 30;
+// Base held transactions open in this process: a file that joins while there are some is
+// logged (Env::Logged).
+size_t heldBases = 0;
 
 struct FileId {
   dev_t dev;
@@ -101,9 +105,12 @@ std::shared_ptr<Env> Env::Acquire(const std::string& path, bool create) {
   reg[id] = env;
   // A set journal left next to the file by a process that died between the commits of a
   // multi-file set is resolved before the file is used.
-  if (FileSize(path + ".setlog") >= 0) SetJournal::Recover(path);
+  SetJournal::Sweep(path);
+  if (SetJournal::Pending(path)) SetJournal::Settle(*env, false);
   return env;
 }
+
+Env::Env(MDB_env* env) : env_(env) {}
 
 Env::~Env() {
   while (!held_.empty()) AbortTop();
@@ -138,23 +145,40 @@ void Env::Reserve(size_t room) {
 
 void Env::Hold() {
   MDB_txn* parent = held_.empty() ? nullptr : held_.back();
-  if (!parent) Reserve(kHeldRoom);
-  MDB_txn* txn = parent ? nullptr : BeginWrite();
-  if (!parent) {
-    undo_.clear();
-    touched_.clear();
+  MDB_txn* txn = nullptr;
+  if (parent) {
+    Check(mdb_txn_begin(env_, parent, 0, &txn));
+  } else {
+    Reserve(kHeldRoom);
+    txn = BeginWrite();
+    writing_ = false;
+    if (heldBases > 0) journal_ = std::make_unique<SetJournal>(path_);
+    ++heldBases;
   }
-  if (parent) Check(mdb_txn_begin(env_, parent, 0, &txn));
   held_.push_back(txn);
   ++epoch_;
   ++gen_;
 }
 
+void Env::EndBase() {
+  --heldBases;
+  journal_.reset();
+  call_.Clear();
+  marks_.clear();
+  broken_ = 0;
+}
+
 void Env::CommitTop(bool durable) {
+  if (broken_) {
+    int rc = broken_;
+    AbortTop();
+    ThrowLmdb(rc);
+  }
   MDB_txn* txn = held_.back();
   held_.pop_back();
   ++epoch_;
   ++gen_;
+  if (held_.empty()) EndBase();
   int rc = mdb_txn_commit(txn);
   if (held_.empty()) Locks().Region().UnlockWriter();
   if (rc != 0) {
@@ -174,6 +198,7 @@ void Env::AbortTop() {
   held_.pop_back();
   ++epoch_;
   ++gen_;
+  if (held_.empty()) EndBase();
   mdb_txn_abort(txn);
   if (held_.empty()) Locks().Region().UnlockWriter();
   // Handles opened inside the aborted transaction are closed by LMDB; names still open are
@@ -181,70 +206,109 @@ void Env::AbortTop() {
   dbis_.clear();
 }
 
-void Env::Remember(MDB_txn* txn, MDB_dbi dbi, const MDB_val& key) {
-  std::string k(static_cast<const char*>(key.mv_data), key.mv_size);
-  if (!touched_.emplace(std::make_pair(dbi, k), true).second) return;
+std::unique_ptr<SetJournal> Env::TakeJournal() { return std::move(journal_); }
+
+void Env::Note(int rc) {
+  // A refused key or argument changes nothing; any other failure may have left pages half done.
+  if (held_.empty() || rc == 0 || rc == MDB_NOTFOUND || rc == MDB_KEYEXIST) return;
+  if (rc == MDB_BAD_VALSIZE || rc == EINVAL) return;
+  if (!broken_) broken_ = rc;
+}
+
+void Env::Remember(MDB_txn* txn, MDB_dbi dbi, const MDB_val& key, bool lookup) {
   auto name = names_.find(dbi);
   if (name == names_.end()) Throw(CT_EIO);
   unsigned flags = 0;
   Check(mdb_dbi_flags(txn, dbi, &flags));
   MDB_val kv = key, old{};
-  int rc = mdb_get(txn, dbi, &kv, &old);
-  if (rc != 0 && rc != MDB_NOTFOUND) ThrowLmdb(rc);
-  undo_.push_back(Undo{name->second, flags, std::move(k), rc == 0,
-                       rc == 0 ? std::string(static_cast<const char*>(old.mv_data), old.mv_size) : std::string()});
+  int rc = lookup ? mdb_get(txn, dbi, &kv, &old) : MDB_NOTFOUND;
+  if (rc != 0 && rc != MDB_NOTFOUND) {
+    Note(rc);
+    ThrowLmdb(rc);
+  }
+  call_.Add(rc == 0 ? UndoLog::kExisted : UndoLog::kAbsent, name->second, flags, key, old);
 }
 
-void Env::RememberAll(MDB_txn* txn, MDB_dbi dbi) {
+void Env::RememberAll(MDB_txn* txn, MDB_dbi dbi, bool del) {
   MDB_cursor* c = nullptr;
   Check(mdb_cursor_open(txn, dbi, &c));
+  auto name = names_.find(dbi);
+  unsigned flags = 0;
+  mdb_dbi_flags(txn, dbi, &flags);
+  if (name == names_.end()) {
+    mdb_cursor_close(c);
+    Throw(CT_EIO);
+  }
   MDB_val k{}, v{};
-  std::vector<std::string> keys;
   for (int rc = mdb_cursor_get(c, &k, &v, MDB_FIRST); rc == 0; rc = mdb_cursor_get(c, &k, &v, MDB_NEXT))
-    keys.emplace_back(static_cast<const char*>(k.mv_data), k.mv_size);
+    call_.Add(UndoLog::kExisted, name->second, flags, k, v);
   mdb_cursor_close(c);
-  for (std::string& key : keys) Remember(txn, dbi, MDB_val{key.size(), key.data()});
+  if (del) call_.Add(UndoLog::kDropped, name->second, flags, MDB_val{}, MDB_val{});
 }
 
 void Env::MarkSet(uint64_t id) {
-  MDB_txn* txn = held_.back();
-  MDB_dbi dbi = Dbi(txn, "setid", true);
-  MDB_val k{2, const_cast<char*>("id")}, v{sizeof id, &id};
-  Check(mdb_put(txn, dbi, &k, &v, 0));
+  MDB_txn* txn = BeginWrite();
+  try {
+    MDB_dbi dbi = Dbi(txn, "setid", true);
+    MDB_val k{2, const_cast<char*>("id")}, v{sizeof id, &id};
+    Check(Put(txn, dbi, &k, &v, 0));
+  } catch (...) {
+    Abort(txn);
+    throw;
+  }
+  Commit(txn, false);
 }
 
-uint64_t Env::LastSet() {
-  MDB_txn* txn = nullptr;
-  Check(mdb_txn_begin(env_, nullptr, MDB_RDONLY, &txn));
+uint64_t Env::LastSet(MDB_txn* txn) {
+  MDB_txn* own = nullptr;
+  if (!txn) {
+    Check(mdb_txn_begin(env_, nullptr, MDB_RDONLY, &own));
+    txn = own;
+  }
   MDB_dbi dbi = 0;
   uint64_t id = 0;
   MDB_val k{2, const_cast<char*>("id")}, v{};
   if (mdb_dbi_open(txn, "setid", 0, &dbi) == 0 && mdb_get(txn, dbi, &k, &v) == 0 && v.mv_size == sizeof id)
     std::memcpy(&id, v.mv_data, sizeof id);
-  mdb_txn_abort(txn);
+  if (own) mdb_txn_abort(own);
   return id;
 }
 
 namespace {
-Env* Holder(MDB_txn* txn) {
+Env* Logging(MDB_txn* txn) {
   Env* env = static_cast<Env*>(mdb_env_get_userctx(mdb_txn_env(txn)));
-  return env && env->Holding() ? env : nullptr;
+  return env && env->InCall(txn) ? env : nullptr;
 }
 }  // namespace
 
 int Put(MDB_txn* txn, MDB_dbi dbi, MDB_val* key, MDB_val* val, unsigned flags) {
-  if (Env* env = Holder(txn)) env->Remember(txn, dbi, *key);
-  return mdb_put(txn, dbi, key, val, flags);
+  Env* env = Logging(txn);
+  if (!env) return mdb_put(txn, dbi, key, val, flags);
+  // A put that may not overwrite finds the key absent when it succeeds: no lookup needed.
+  const bool fresh = (flags & (MDB_NOOVERWRITE | MDB_APPEND)) != 0;
+  if (!fresh) env->Remember(txn, dbi, *key, true);
+  int rc = mdb_put(txn, dbi, key, val, flags);
+  if (fresh && rc == 0) env->Remember(txn, dbi, *key, false);
+  env->Note(rc);
+  return rc;
 }
 
 int Del(MDB_txn* txn, MDB_dbi dbi, MDB_val* key, MDB_val* val) {
-  if (Env* env = Holder(txn)) env->Remember(txn, dbi, *key);
-  return mdb_del(txn, dbi, key, val);
+  Env* env = Logging(txn);
+  if (!env) return mdb_del(txn, dbi, key, val);
+  env->Remember(txn, dbi, *key, true);
+  int rc = mdb_del(txn, dbi, key, val);
+  env->Note(rc);
+  return rc;
 }
 
 int Drop(MDB_txn* txn, MDB_dbi dbi, int del) {
-  if (Env* env = Holder(txn)) env->RememberAll(txn, dbi);
-  return mdb_drop(txn, dbi, del);
+  Env* env = Logging(txn);
+  if (!env) return mdb_drop(txn, dbi, del);
+  env->RememberAll(txn, dbi, del != 0);
+  int rc = mdb_drop(txn, dbi, del);
+  env->Note(rc);
+  return rc;
 }
 
 void Env::DropSnapshot() {
@@ -278,14 +342,38 @@ MDB_txn* Env::Snapshot() {
     ThrowLmdb(rc);
   }
   rtxnLive_ = true;
+  // A commit of another process brought a set journal: the set is still committing (wait for
+  // it) or its writer died (undo it), so that no half of a multi-file set stays visible.
+  if (!settling_ && !writing_ && SetJournal::Pending(path_)) {
+    mdb_txn_reset(rtxn_);
+    rtxnLive_ = false;
+    settling_ = true;
+    try {
+      SetJournal::Settle(*this, false);
+      MDB_txn* txn = Snapshot();
+      settling_ = false;
+      return txn;
+    } catch (...) {
+      settling_ = false;
+      throw;
+    }
+  }
   return rtxn_;
 }
 
 MDB_dbi Env::Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned flags) {
   if (auto it = dbis_.find(name); it != dbis_.end()) return it->second;
   MDB_dbi dbi = 0;
-  int rc = mdb_dbi_open(txn, name.c_str(), flags | (create ? MDB_CREATE : 0), &dbi);
+  // A database created inside a call of a held transaction is logged, so that undoing the
+  // call or the set drops it again.
+  const bool logged = create && InCall(txn);
+  int rc = mdb_dbi_open(txn, name.c_str(), flags | (create && !logged ? MDB_CREATE : 0), &dbi);
+  if (rc == MDB_NOTFOUND && logged) {
+    rc = mdb_dbi_open(txn, name.c_str(), flags | MDB_CREATE, &dbi);
+    if (rc == 0) call_.Add(UndoLog::kCreated, name, flags, MDB_val{}, MDB_val{});
+  }
   if (rc == MDB_NOTFOUND) Throw(CT_EDAMAGED);
+  Note(rc);
   Check(rc);
   dbis_[name] = dbi;
   names_[dbi] = name;
@@ -298,13 +386,9 @@ MDB_dbi Env::Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned fl
   return dbi;
 }
 
-MDB_txn* Env::BeginWrite() {
-  if (!held_.empty()) {
-    MDB_txn* txn = nullptr;
-    Check(mdb_txn_begin(env_, held_.back(), 0, &txn));
-    return txn;
-  }
-  // LMDB's own writer wait has no time-out: the region's writer lock, taken first, has one.
+MDB_txn* Env::BeginTop() {
+  // LMDB's own writer wait has no time-out: the region's writer lock, taken first, has one. It
+  // is dropped when the transaction ends (Commit, Abort, CommitTop, AbortTop).
   if (!Locks().Region().LockWriter(writerTimeoutMs)) Throw(DTMO_ERR);
   for (int attempt = 0;; ++attempt) {
     MDB_txn* txn = nullptr;
@@ -322,16 +406,44 @@ MDB_txn* Env::BeginWrite() {
   }
 }
 
+MDB_txn* Env::BeginUngated() { return BeginTop(); }
+
+MDB_txn* Env::BeginWrite() {
+  if (!held_.empty()) {
+    if (broken_) ThrowLmdb(broken_);
+    marks_.push_back(call_.Size());
+    return held_.back();
+  }
+  // The journal is looked for while this transaction holds the writer lock: no set can commit
+  // this file meanwhile, so a journal found later belongs to a set that began after.
+  for (int round = 0;; ++round) {
+    MDB_txn* txn = BeginTop();
+    if (round == 3 || !SetJournal::Pending(path_)) {
+      writing_ = true;
+      return txn;
+    }
+    Abort(txn);
+    SetJournal::Settle(*this, true);
+  }
+}
+
 void Env::Commit(MDB_txn* txn, bool durable) {
   if (!held_.empty()) {
     ++gen_;
-    int rc = mdb_txn_commit(txn);
-    if (rc != 0) {
-      dbis_.clear();
-      ThrowLmdb(rc);
+    marks_.pop_back();
+    if (!marks_.empty()) return;
+    try {
+      if (journal_) journal_->Append(call_.Data(), call_.Size());
+    } catch (...) {
+      // The journal lacks this call's undo: the set can no longer be undone, so it must fail.
+      if (!broken_) broken_ = EIO;
+      call_.Clear();
+      throw;
     }
+    call_.Clear();
     return;
   }
+  writing_ = false;
   int rc = mdb_txn_commit(txn);
   Locks().Region().UnlockWriter();
   Check(rc);
@@ -343,13 +455,21 @@ void Env::Commit(MDB_txn* txn, bool durable) {
 }
 
 void Env::Abort(MDB_txn* txn) {
-  mdb_txn_abort(txn);
-  if (!held_.empty()) {
-    ++gen_;
-    dbis_.clear();
+  if (held_.empty()) {
+    writing_ = false;
+    mdb_txn_abort(txn);
+    Locks().Region().UnlockWriter();
     return;
   }
-  Locks().Region().UnlockWriter();
+  ++gen_;
+  const size_t from = marks_.back();
+  marks_.pop_back();
+  try {
+    UndoLog::ApplyBackwards(*this, txn, call_.Data() + from, call_.Size() - from);
+  } catch (const Fail&) {
+    if (!broken_) broken_ = MDB_BAD_TXN;
+  }
+  call_.Truncate(from);
 }
 
 void Env::Grow() {

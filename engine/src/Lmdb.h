@@ -11,8 +11,11 @@
 
 #include "Fail.h"
 #include "LockTable.h"
+#include "UndoLog.h"
 
 namespace cte {
+
+class SetJournal;
 
 // One LMDB environment in single-file mode. LMDB refuses a second open of the same file in one
 // process, so every handle on the file shares one Env (see Env::Acquire). The Env keeps one
@@ -36,18 +39,26 @@ class Env {
   uint64_t Gen() const { return gen_; }
   // Opens (or creates, inside txn) the named database; handles are cached by name.
   MDB_dbi Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned flags = 0);
-  // Drops a cached handle (its database was dropped).
+  // Drops a cached handle (its database was dropped); ForgetAll drops every one (handles opened
+  // in an aborted transaction are closed by LMDB).
   void Forget(const std::string& name) { dbis_.erase(name); }
-  // Begins a write transaction (retrying a map resize done by another process); while
-  // holding, a transaction nested in the innermost held one, so that a failing call can be
-  // undone alone. A top-level one first takes the file's writer lock (DTMO_ERR after the
-  // writer time-out), dropped when the transaction ends.
+  void ForgetAll() { dbis_.clear(); }
+  // Begins a write transaction (retrying a map resize done by another process), after any set
+  // journal left next to the file has been settled (SetJournal::Settle). A top-level one first
+  // takes the file's writer lock (DTMO_ERR after the writer time-out), dropped when the
+  // transaction ends. While holding, it begins a call scope in the innermost held transaction
+  // instead and returns that transaction: the writes of the call are logged so that Abort undoes
+  // them alone (no nested LMDB transaction per call). Throws the held transaction's failure when
+  // an earlier write broke it.
   MDB_txn* BeginWrite();
-  // Commits txn; flushes to disk when durable is set and txn is not nested. Throws Fail on
-  // failure (txn is gone).
+  // Commits txn, flushed to disk when durable is set; while holding, ends the call scope.
+  // Throws Fail on failure (txn is gone).
   void Commit(MDB_txn* txn, bool durable);
-  // Aborts txn begun by BeginWrite.
+  // Aborts txn begun by BeginWrite; while holding, undoes the writes of the call scope.
   void Abort(MDB_txn* txn);
+  // A plain write transaction that skips the set journal check (used by the journal itself);
+  // it takes the writer lock like BeginWrite and is ended by Commit or Abort.
+  MDB_txn* BeginUngated();
 
   // Held transactions: a stack whose base is the write transaction of a lock set or
   // transaction and whose upper levels are save points. Hold pushes a new level (nested when
@@ -61,26 +72,29 @@ class Env {
   uint64_t Epoch() const { return epoch_; }
   const std::string& Path() const { return path_; }
 
-  // Undo log of the base held transaction: the value every key written since the base Hold had
-  // before it (first write wins), kept so that a set spanning several files can be rolled back
-  // in a file that committed when another did not (SetJournal). Filled by Put/Del/Drop below.
-  struct Undo {
-    std::string db;     // database name as given to Dbi
-    unsigned flags;     // its LMDB flags (to recreate it after a drop)
-    std::string key;
-    bool existed;       // false: the key was absent (undo deletes it)
-    std::string value;  // the previous value when existed
-  };
-  const std::vector<Undo>& UndoLog() const { return undo_; }
+  // A base held transaction begun while another file of this process already held one is
+  // logged: the previous state of every key it writes goes to a set journal (spilled to a file
+  // when large), so that the set can be undone in this file should a later file fail to commit.
+  // The first file of a set is not logged: it commits last, and its transaction is its undo.
+  bool Logged() const { return journal_ != nullptr; }
+  // Hands the set journal of the base transaction to the caller (SetJournal::End).
+  std::unique_ptr<SetJournal> TakeJournal();
   // Writes id as the set id of the base held transaction (nested levels must be committed);
-  // SetJournal tells by it whether this file committed a multi-file set.
+  // SetJournal tells by it whether this file committed a multi-file set. Logged like a call.
   void MarkSet(uint64_t id);
-  // The set id of the file's last commit that carried one; 0 when none.
-  uint64_t LastSet();
-  // Records the previous value of key (in dbi, read inside txn) unless already recorded.
-  void Remember(MDB_txn* txn, MDB_dbi dbi, const MDB_val& key);
-  // Records the previous value of every key of dbi (before a drop).
-  void RememberAll(MDB_txn* txn, MDB_dbi dbi);
+  // The set id of the file's last commit that carried one (0 when none), read in txn or, when
+  // txn is null, in a fresh snapshot.
+  uint64_t LastSet(MDB_txn* txn = nullptr);
+  // Records the state of key in dbi before a write of the open call scope (lookup: read it;
+  // otherwise the key is known to be absent).
+  void Remember(MDB_txn* txn, MDB_dbi dbi, const MDB_val& key, bool lookup);
+  // Records every key of dbi, and the database itself when del, before a drop.
+  void RememberAll(MDB_txn* txn, MDB_dbi dbi, bool del);
+  // True when txn is the held transaction and a call scope is open (its writes are logged).
+  bool InCall(MDB_txn* txn) const { return !marks_.empty() && !held_.empty() && txn == held_.back(); }
+  // Notes the result of a write in the held transaction: an LMDB failure other than a refused
+  // key leaves it unusable, and the set then fails at its end.
+  void Note(int rc);
 
   // The record lock table of this file (created on first use).
   LockTable& Locks();
@@ -90,7 +104,7 @@ class Env {
   // Doubles the map after MDB_MAP_FULL; no transaction of this process may be active.
   void Grow();
  private:
-  explicit Env(MDB_env* env) : env_(env) {}
+  explicit Env(MDB_env* env);
   // Grows the map so that at least room bytes are free (no transaction may be active).
   void Reserve(size_t room);
   void DropSnapshot();
@@ -104,12 +118,18 @@ class Env {
   uint64_t gen_ = 1;
   std::map<std::string, MDB_dbi> dbis_;
   std::map<MDB_dbi, std::string> names_;
-  std::vector<Undo> undo_;
-  std::map<std::pair<MDB_dbi, std::string>, bool> touched_;
+  MDB_txn* BeginTop();
+  void EndBase();
+  UndoLog call_;               // the writes of the open call scope
+  std::vector<size_t> marks_;  // where each open call scope begins in call_
+  std::unique_ptr<SetJournal> journal_;
+  int broken_ = 0;             // the LMDB failure that broke the held transaction
+  bool writing_ = false;       // a write transaction outside a set is open
+  bool settling_ = false;      // a set journal is being settled from Snapshot
 };
 
-// Writes through these keep the undo log of a held transaction; same results as mdb_put,
-// mdb_del and mdb_drop, which engine code does not call directly.
+// Writes through these are logged inside a call scope of a held transaction (Env::BeginWrite);
+// same results as mdb_put, mdb_del and mdb_drop, which engine code does not call directly.
 int Put(MDB_txn* txn, MDB_dbi dbi, MDB_val* key, MDB_val* val, unsigned flags);
 int Del(MDB_txn* txn, MDB_dbi dbi, MDB_val* key, MDB_val* val);
 int Drop(MDB_txn* txn, MDB_dbi dbi, int del);

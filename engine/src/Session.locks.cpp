@@ -6,8 +6,6 @@
 #include <memory>
 #include <thread>
 
-#include <unistd.h>
-
 #include "LockTable.h"
 #include "SetJournal.h"
 #include "Session.h"
@@ -30,49 +28,14 @@ void Session::EndHeld(bool commit) {
   std::vector<HeldEnv> held = std::move(held_);
   held_.clear();
   savepoints_ = 0;
+  std::vector<SetJournal::File> files;
+  for (HeldEnv& he : held) files.push_back(SetJournal::File{he.env, he.durable});
   int failure = 0, sys = 0;
-  // A set over several files commits them one after another; its undo journal, flushed before
-  // the first commit, lets a failure or a death between two commits be rolled back.
-  std::unique_ptr<SetJournal> journal;
-  size_t committed = 0;
-  if (commit) {
-    try {
-      for (HeldEnv& he : held)
-        while (he.env->HeldDepth() > 1) he.env->CommitTop(false);
-      if (held.size() > 1) {
-        std::vector<std::shared_ptr<Env>> envs;
-        for (HeldEnv& he : held) envs.push_back(he.env);
-        journal = std::make_unique<SetJournal>(envs);
-      }
-    } catch (const Fail& e) {
-      failure = e.code;
-      sys = e.sysio;
-    }
-  }
-  for (HeldEnv& he : held) {
-    Env& env = *he.env;
-    if (commit && !failure) {
-      try {
-        env.CommitTop(he.durable || journal);
-        if (journal && ++committed == 1 && crashBetweenCommits_) _exit(0);
-        continue;
-      } catch (const Fail& e) {
-        failure = e.code;
-        sys = e.sysio;
-      }
-    }
-    while (env.Holding()) env.AbortTop();
-  }
-  if (journal) {
-    if (failure && committed) {
-      try {
-        journal->RollBack();
-      } catch (const Fail&) {
-        // The journal stays: the next open of any file of the set rolls it back.
-      }
-    } else {
-      journal->Remove();
-    }
+  try {
+    SetJournal::End(std::move(files), commit, crashBetweenCommits_);
+  } catch (const Fail& e) {
+    failure = e.code;
+    sys = e.sysio;
   }
   // Definitions cached by the stores may have changed inside what was aborted.
   if (!commit || failure) {

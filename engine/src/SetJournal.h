@@ -11,42 +11,62 @@
 
 namespace cte {
 
-// The journal of one multi-file set: a random set id, written into every file's commit, and
-// for every file the undo log of its writes. A copy is written next to every file of the set as
-// "<file>.setlog", so that opening any of them finds it.
+// The undo journal of one logged file of a set (Env::Logged): its undo entries, kept in memory
+// up to a bound and beyond it in "<file>.setspill", which the writer keeps locked (an OFD lock,
+// which the kernel drops when the process dies). Sealed before the first file of the set
+// commits, it becomes "<file>.setlog": the entries, then a trailer with the set id and the
+// files of the set in commit order.
 class SetJournal {
  public:
-  // Marks the held transactions of envs (two or more, all holding, nested levels committed)
-  // with a fresh set id, captures their undo logs and writes the copies, flushed to disk,
-  // before any of them commits. Throws Fail CT_EIO when a copy cannot be
-  // written (nothing has committed then).
-  explicit SetJournal(const std::vector<std::shared_ptr<Env>>& envs);
-  // Removes the copies: every file committed, or the set was rolled back.
-  void Remove();
-  // Rolls back the files that committed (their undo logs applied and flushed), then removes
-  // the copies. Used when a commit failed after others succeeded.
-  void RollBack();
+  // One file of a set as its end needs it.
+  struct File {
+    std::shared_ptr<Env> env;
+    bool durable = false;
+  };
 
-  // Run on open of path: when "<path>.setlog" is left by a process that died between the
-  // commits of a set, undoes the set in every file that committed it, then removes the copies.
-  // A torn or unreadable journal was written before any commit and is only removed. Throws
-  // Fail when a file of the set cannot be opened or written (the journal is kept for the next
-  // open).
-  static void Recover(const std::string& path);
+  // The journal of the file at path; nothing is written until it spills or is sealed.
+  explicit SetJournal(std::string path);
+  // Removes the journal's file and drops its lock, unless Keep was called.
+  ~SetJournal();
+  SetJournal(const SetJournal&) = delete;
+  SetJournal& operator=(const SetJournal&) = delete;
+
+  // Appends undo entries (UndoLog bytes). Throws Fail CT_EIO when the spill file cannot be
+  // written.
+  void Append(const char* data, size_t n);
+
+  // Ends the held transactions of files: with commit, commits them all (save points first
+  // merged; several files: logged ones first, the unlogged one last, after the journals were
+  // sealed), or aborts them all. Throws the first failure after every transaction ended; the
+  // files are then as before the set (a partial commit is undone at once, or by the next
+  // process that touches a file when even that fails). crashHook: exit right after the first
+  // commit (test hook).
+  static void End(std::vector<File> files, bool commit, bool crashHook);
+
+  // True when a sealed journal lies next to the file at path.
+  static bool Pending(const std::string& path);
+  // Settles the journal next to env's file: waits (up to CTISAM_LOCK_TIMEOUT_MS) while its
+  // writer lives and commits, then, when the writer died, undoes its set in this file unless
+  // the set committed (its last file carries the set id), under the write transaction that
+  // checks the file's set id, and removes the journal. A torn journal (written before any
+  // commit) is only removed. forWrite: a time-out throws DTMO_ERR (a reader goes on instead).
+  // Throws Fail when the file cannot be written (the journal stays for the next try).
+  static void Settle(Env& env, bool forWrite);
+  // Removes a spill file next to path left by a process that died inside its set.
+  static void Sweep(const std::string& path);
 
  private:
-  struct File {
-    std::string path;
-    std::vector<Env::Undo> undo;
-  };
-  SetJournal() = default;
-  std::string Encode() const;
-  static bool Decode(const std::string& bytes, SetJournal& out);
-  // Applies the undo log to every file whose last commit is the set's (read from a fresh
-  // environment of each file).
-  void Undo();
-  uint64_t set_ = 0;
-  std::vector<File> files_;
+  void Seal(uint64_t set, const std::vector<std::string>& files, size_t self);
+  // Undoes the set in the committed file env (its set id still the set's).
+  void RollBack(Env& env, uint64_t set);
+  void Spill();
+  std::string path_;
+  std::string mem_;
+  int fd_ = -1;
+  uint64_t written_ = 0;  // entry bytes in the file
+  uint64_t hash_;         // FNV-1a of everything written to the file
+  bool sealed_ = false;
+  bool keep_ = false;
 };
 
 }  // namespace cte

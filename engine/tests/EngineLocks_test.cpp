@@ -163,3 +163,40 @@ TEST_F(EngineLocks, TransactionSpansFilesAndSessionEndDiscardsIt) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(EngineLocks, LargeTransactionCommitsAndAnAbortedOneLeavesNoTrace) {
+  LargeTransactionRoundTrip(api, CreateCustomers(), 20000);
+}
+
+// A call that fails after its first write inside a transaction writes nothing: here the
+// unique id index comes after the duplicate-allowing city index, so the city key is written
+// before the id clashes.
+TEST_F(EngineLocks, CallFailingAfterItsFirstWriteInsideATransactionWritesNothing) {
+  std::swap(def_.idx[0], def_.idx[1]);
+  COUNT a = CreateCustomers();
+  ASSERT_GT(api.TRANBEG(0), 0);
+  ASSERT_EQ(Add(a, 1, "one", "Oslo"), 0);
+  ASSERT_EQ(Add(a, 2, "two", "Bern"), 0);
+  EXPECT_EQ(Add(a, 1, "clash", "Rome"), KDUP_ERR);
+  EXPECT_EQ(api.IDXENT(a + 1), 2);
+  Customer c = MakeCustomer(2, "", "");
+  uint8_t key2[4];
+  api.frmkey(a + 2, (pTEXT) &c, (pTEXT) key2, 0, 0);
+  ASSERT_EQ(api.EQLREC(a + 2, key2, &c), 0);
+  Customer moved = MakeCustomer(1, "two", "Rome");
+  EXPECT_EQ(api.RWTREC(a, &moved), KDUP_ERR);  // the city key moved before the id clashed
+  ASSERT_EQ(api.TRANEND(FREE), 0);
+  EXPECT_EQ(api.DATENT(a), 2);
+  EXPECT_EQ(api.IDXENT(a + 1), 2);
+  EXPECT_EQ(api.IDXENT(a + 2), 2);
+  std::vector<char> city(54, 0);
+  std::strncpy(city.data(), "Rome", 20);
+  char found[64];
+  EXPECT_EQ(api.GTEKEY(a + 1, city.data(), found), 0) << "no key of Rome was left behind";
+  ASSERT_EQ(api.EQLREC(a + 2, key2, &c), 0);
+  EXPECT_STREQ(c.city, "Bern");
+}
+
+}  // namespace

@@ -1,6 +1,8 @@
 // EngineProcess_test: several processes on the same files, and a writer killed mid-stream.
 // Children load a second variant (libctreebm.so, also byte-packed) so that they open the files
 // with an engine instance of their own instead of the one inherited from the parent.
+#include <fcntl.h>
+#include <lmdb.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -357,35 +359,70 @@ TEST_F(EngineProcess, RebuildRemovesTheTemporaryIndexOfAProcessThatDied) {
   EXPECT_EQ(api.IDXENT(dat + 2), 5);
 }
 
-}  // namespace
 
-// A set that wrote two files, ended by end in a child that the test hook makes exit right after
-// the first file's commit: on the next open, both files are as before the set.
-void DieBetweenCommits(EngineApi& api, IFIL& customers, int (*begin)(EngineApi&), int (*end)(EngineApi&)) {
+// The number of named databases in the engine file at path (read behind the engine's back;
+// the file must not be open in this process).
+size_t NamedDatabases(const char* path) {
+  MDB_env* env = nullptr;
+  size_t n = 0;
+  mdb_env_create(&env);
+  MDB_txn* txn = nullptr;
+  MDB_stat st{};
+  if (mdb_env_open(env, path, MDB_NOSUBDIR | MDB_RDONLY | MDB_NOLOCK, 0644) == 0 &&
+      mdb_txn_begin(env, nullptr, MDB_RDONLY, &txn) == 0 && mdb_stat(txn, 0, &st) == 0)
+    n = st.ms_entries;
+  if (txn) mdb_txn_abort(txn);
+  mdb_env_close(env);
+  return n;
+}
+
+struct DyingSet {
+  int (*begin)(EngineApi&);
+  int (*end)(EngineApi&);
+  bool keepOpen;  // the parent has both files open meanwhile and reads them without reopening
+  int bulk;       // records the set adds to the log file (enough spill its journal to disk)
+};
+
+// A set that wrote two files, ended in a child that the test hook makes exit right after the
+// first file's commit: the next process to touch the files finds both as before the set.
+void DieBetweenCommits(EngineApi& api, IFIL& customers, const DyingSet& how) {
   Customer kept = MakeCustomer(1, "kept", "K");
   ASSERT_EQ(api.ADDREC(customers.tfilno, &kept), 0);
   ASSERT_EQ(api.CREDAT(30, (pTEXT) "log.dat", 8, 0, SHARED), 0);
   ASSERT_EQ(api.ADDREC(30, (pTEXT) "kept...."), 0);
   ASSERT_EQ(api.CLIFIL(&customers), 0);
   ASSERT_EQ(api.CLSFIL(30, 0), 0);
+  const size_t databases = NamedDatabases("log.dat");
+  if (how.keepOpen) {
+    ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+    ASSERT_EQ(api.OPNFIL(5, (pTEXT) "log.dat", SHARED), 0);
+    EXPECT_EQ(api.DATENT(5), 1);
+  }
   setenv("CTISAM_TEST_CRASH_BETWEEN_COMMITS", "1", 1);
   pid_t pid = Spawn([&](EngineApi& e) {
     if (e.OPNRFIL(0, (pTEXT) "customers.dat", SHARED) != 0) return 1;
     if (e.OPNFIL(5, (pTEXT) "log.dat", SHARED) != 0) return 4;
-    if (begin(e) != 0) return 2;
+    if (how.begin(e) != 0) return 2;
     Customer c = MakeCustomer(2, "set", "S");
-    if (e.ADDREC(0, &c) != 0 || e.ADDREC(5, (pTEXT) "set.....") != 0) return 3;
-    end(e);
+    if (e.ADDREC(0, &c) != 0) return 3;
+    for (int i = 0; i <= how.bulk; ++i)
+      if (e.ADDREC(5, (pTEXT) "set.....") != 0) return 3;
+    how.end(e);
     return 7;  // the hook did not fire
   });
   unsetenv("CTISAM_TEST_CRASH_BETWEEN_COMMITS");
   ASSERT_EQ(Wait(pid), 0);
-  EXPECT_TRUE(std::filesystem::exists("customers.dat.setlog"));
-  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
-  ASSERT_EQ(api.OPNFIL(5, (pTEXT) "log.dat", SHARED), 0);
-  EXPECT_EQ(api.DATENT(0), 1);
+  // The journal lies next to the file that committed first (the one that joined the set last).
+  EXPECT_TRUE(std::filesystem::exists("log.dat.setlog"));
+  if (!how.keepOpen) {
+    ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+    ASSERT_EQ(api.OPNFIL(5, (pTEXT) "log.dat", SHARED), 0);
+  }
   EXPECT_EQ(api.DATENT(5), 1);
-  EXPECT_FALSE(std::filesystem::exists("customers.dat.setlog"));
+  EXPECT_EQ(api.DATENT(0), 1);
+  char rec[8];
+  ASSERT_EQ(api.LSTREC(5, rec), 0);
+  EXPECT_EQ(std::string(rec, 8), "kept....");
   EXPECT_FALSE(std::filesystem::exists("log.dat.setlog"));
   // The files work normally afterwards, and an uninterrupted two-file set commits both.
   ASSERT_EQ(api.LKISAM(ENABLE), 0);
@@ -395,19 +432,85 @@ void DieBetweenCommits(EngineApi& api, IFIL& customers, int (*begin)(EngineApi&)
   ASSERT_EQ(api.LKISAM(FREE), 0);
   EXPECT_EQ(api.DATENT(0), 2);
   EXPECT_EQ(api.DATENT(5), 2);
+  ASSERT_EQ(api.LKISAM(ENABLE), 0);
+  ASSERT_EQ(api.ADDREC(0, &kept), KDUP_ERR);
+  ASSERT_EQ(api.LKISAM(FREE), 0);
   EXPECT_FALSE(std::filesystem::exists("log.dat.setlog"));
+  EXPECT_FALSE(std::filesystem::exists("log.dat.setspill"));
+  ASSERT_EQ(api.CLSFIL(5, 0), 0);
+  // The undone set dropped the database it had created (its set id) in the log file.
+  EXPECT_EQ(NamedDatabases("log.dat"), databases + 1) << "only the committed set's id is new";
 }
 
-TEST_F(EngineProcess, LockSetDyingBetweenFileCommitsIsRolledBackOnOpen) {
+int LockSetBegin(EngineApi& e) { return e.LKISAM(ENABLE); }
+int LockSetEnd(EngineApi& e) { return e.LKISAM(FREE); }
+int TranBegin(EngineApi& e) { return e.TRANBEG(ENABLE) > 0 ? 0 : 1; }
+int TranEnd(EngineApi& e) { return e.TRANEND(FREE); }
+// A transaction without a lock mode takes no record locks.
+int TranBeginUnlocked(EngineApi& e) { return e.TRANBEG(0) > 0 ? 0 : 1; }
+
+class DyingSets : public EngineTest, public ::testing::WithParamInterface<DyingSet> {};
+
+TEST_P(DyingSets, SetDyingBetweenFileCommitsIsUndoneForTheNextToTouchTheFiles) {
   CreateCustomers();
-  DieBetweenCommits(
-      api, def_.ifil, [](EngineApi& e) { return static_cast<int>(e.LKISAM(ENABLE)); },
-      [](EngineApi& e) { return static_cast<int>(e.LKISAM(FREE)); });
+  DieBetweenCommits(api, def_.ifil, GetParam());
 }
 
-TEST_F(EngineProcess, TransactionDyingBetweenFileCommitsIsRolledBackOnOpen) {
+INSTANTIATE_TEST_SUITE_P(EngineProcess, DyingSets,
+                         ::testing::Values(DyingSet{LockSetBegin, LockSetEnd, false, 0},
+                                           DyingSet{TranBegin, TranEnd, false, 0},
+                                           DyingSet{TranBegin, TranEnd, true, 0},
+                                           DyingSet{TranBeginUnlocked, TranEnd, true, 40000}));
+
+// One process commits transactions over two files while another opens and closes them in a
+// loop: an opener never undoes a set whose writer is alive, so nothing committed is lost and
+// the files stay writable.
+TEST_F(EngineProcess, OpenersDuringMultiFileCommitsLoseNothing) {
   CreateCustomers();
-  DieBetweenCommits(
-      api, def_.ifil, [](EngineApi& e) { return e.TRANBEG(ENABLE) > 0 ? 0 : 1; },
-      [](EngineApi& e) { return static_cast<int>(e.TRANEND(FREE)); });
+  ASSERT_EQ(api.CREDAT(30, (pTEXT) "log.dat", 8, 0, SHARED), 0);
+  ASSERT_EQ(api.CLIFIL(&def_.ifil), 0);
+  ASSERT_EQ(api.CLSFIL(30, 0), 0);
+  constexpr int kSets = 150;
+  int done[2];
+  ASSERT_EQ(pipe(done), 0);
+  pid_t writer = Spawn([&](EngineApi& e) {
+    close(done[0]);
+    if (e.OPNRFIL(0, (pTEXT) "customers.dat", SHARED) != 0 || e.OPNFIL(5, (pTEXT) "log.dat", SHARED) != 0) return 1;
+    for (int id = 0; id < kSets; ++id) {
+      if (e.TRANBEG(ENABLE) <= 0) return 2;
+      Customer c = MakeCustomer(id, "w", "W");
+      if (e.ADDREC(5, (pTEXT) "entry...") != 0 || e.ADDREC(0, &c) != 0) return 3;
+      if (e.TRANEND(FREE) != 0) return 4;
+    }
+    return 0;
+  });
+  pid_t opener = Spawn([&](EngineApi& e) {
+    close(done[1]);
+    fcntl(done[0], F_SETFL, O_NONBLOCK);
+    char b;
+    do {
+      if (e.OPNRFIL(0, (pTEXT) "customers.dat", SHARED) != 0 || e.OPNFIL(5, (pTEXT) "log.dat", SHARED) != 0) return 1;
+      if (e.DATENT(0) < 0) return 3;
+      if (e.CLRFIL(0) != 0 || e.CLSFIL(5, 0) != 0) return 2;
+    } while (read(done[0], &b, 1) != 0);
+    return 0;
+  });
+  close(done[0]);
+  close(done[1]);
+  EXPECT_EQ(Wait(writer), 0);
+  EXPECT_EQ(Wait(opener), 0);
+  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+  ASSERT_EQ(api.OPNFIL(5, (pTEXT) "log.dat", SHARED), 0);
+  EXPECT_EQ(api.DATENT(0), kSets);
+  EXPECT_EQ(api.DATENT(5), kSets);
+  EXPECT_EQ(api.IDXENT(1), kSets);
+  EXPECT_EQ(Add(0, kSets, "after", "A"), 0);
+  EXPECT_EQ(api.ADDREC(5, (pTEXT) "after..."), 0);
+  EXPECT_EQ(api.DATENT(0), kSets + 1);
 }
+
+TEST_F(EngineProcess, MillionRecordTransactionCommitsAndAnAbortedOneLeavesNoTrace) {
+  LargeTransactionRoundTrip(api, CreateCustomers(), 1000000);
+}
+
+}  // namespace
