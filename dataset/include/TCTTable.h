@@ -20,6 +20,7 @@
 namespace CTTables {
 
 class TCTTable;
+class TCTMasterDataLink;
 
 /// What the range buffers mean: the driver's flag, one type for both units. rfNone (no range) is
 /// the initial value.
@@ -77,6 +78,19 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// Stores the handler and, outside loading and design, installs (or with an empty handler
   /// removes) DoIndexKey as the connection's index-key hook, shared by every table on it.
   void SetOnIndexRecord(const TCTIndexRecordEvent& Value);
+  /// The master's data source; while its dataset is active, an open table shows only the
+  /// records whose MasterFields match the master's current record (TCTTable.master.cpp). A
+  /// source whose master chain leads back to this table raises EDatabaseError; nothing changes.
+  fw::TDataSource* MasterSource() const;
+  void SetMasterSource(fw::TDataSource* Value);
+  /// ";"-separated entries, each "Name" (same field in master and detail) or "Master=Detail".
+  /// While loading the text is kept and applied in Loaded. On an open table every detail field
+  /// must be a field of the current index, else fw::Exception "Field : <name> not in the current
+  /// index" (nothing changes); a master field the master lacks raises EDatabaseError.
+  const std::string& MasterFields() const;
+  void SetMasterFields(const std::string& Value);
+  /// The master source, so that IsLinkedTo follows master chains.
+  fw::TDataSource* DataSource() const override;
 
   // --- State ------------------------------------------------------------------------------
   Ctdb::TOpenFlag OpenFlag() const { return FOpenFlag; }
@@ -140,6 +154,15 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void CancelRange();
   /// Start and end values by key position, then ApplyRange.
   void SetRange(const std::vector<fw::Variant>& StartValues, const std::vector<fw::Variant>& EndValues);
+
+  // --- Master/detail field lists (TCTTable.master.cpp) ---------------------------------------
+  /// Fills `List` with `DataSet`'s fields named by the left sides of the MasterFields entries
+  /// (an empty text adds nothing); an unknown name raises the framework's EDatabaseError.
+  static void GetMasterFieldList(std::vector<fw::TField*>& List, const std::string& FieldNames,
+                                 const fw::TDataSet* DataSet);
+  /// The same for the right sides (the detail fields).
+  static void GetDetailFieldList(std::vector<fw::TField*>& List, const std::string& FieldNames,
+                                 const fw::TDataSet* DataSet);
 
   // --- Creating and changing the table's files (TCTTable.restructure.cpp) --------------------
   /// Fills `Desc` for a new table's field: Name, logical FieldType and SubType by `DataType`
@@ -212,6 +235,8 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   int GetRecNo() const override;
   bool GetCanModify() const override;
   void Loaded() override;
+  void DoAfterOpen() override;
+  void DoOnNewRecord() override;
 
   /// The buffer field reads and writes go to in the current state (see the .cpp); null when none.
   TCTRecordBuffer* GetActiveRecBuf() const;
@@ -230,6 +255,13 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void DoIndexKey(Ctdb::CTIdxDesc* IndexDesc, const void* RecPtr, int32_t RecLen, bool& Accept);
   /// Whether a fetched record passes the filter (OnFilterRecord in dsFilter state).
   virtual bool RecordFilter(TCTRecordBuffer* Buffer);
+  /// Refills the master field list from MasterFields.
+  void SetUpMasterFields();
+  /// The master's record changed: restrict to its key (range flag rfMasterDetail) and go to the
+  /// first record; a closed master cancels the range.
+  void MasterLinkChange(TCTMasterDataLink* Sender);
+  /// The link lost its master or fields: cancel the range and refresh.
+  void MasterLinkDisable(TCTMasterDataLink* Sender);
 
  private:
   static TCTRecordBuffer* RecBuf(fw::TRecordBuffer Buffer) { return reinterpret_cast<TCTRecordBuffer*>(Buffer); }
@@ -248,6 +280,8 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void AfterIndexSwitch();
   void UnlockEditedRecord();
   int32_t CountKeysBeforeRange();
+  /// At open: with an active master link, fill both range buffers from the master.
+  void SetUpMasterRange();
 
   std::unique_ptr<Ctdb::TCTCursorDesc> FCursor;
   std::string FTableName;
@@ -278,6 +312,9 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   // Positions handed out by GetBookmark; a post that moves a record forwards the old position.
   std::vector<int32_t> FBookmarks;
   std::vector<std::pair<int32_t, int32_t>> FMovedBookmarks;
+  std::unique_ptr<TCTMasterDataLink> FMasterLink;
+  std::unique_ptr<fw::TStringList> FMasterFieldList;  // the raw MasterFields entries
+  std::string FPendingMasterFields;                   // MasterFields read while loading
 };
 
 }  // namespace CTTables
