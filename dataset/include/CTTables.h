@@ -1,8 +1,10 @@
 // Unit CTTables, the dataset layer: the table dataset with its record buffer, calculated-field
-// store and index definitions. Start with TCTTable.h.
+// store, blob stream, index definitions and filter conditions. Start with TCTTable.h.
 #pragma once
 
+#include "TCTBlobStream.h"
 #include "TCTCalcFields.h"
+#include "TCTFilter.h"
 #include "TCTIndexDefs.h"
 #include "TCTRecordBuffer.h"
 #include "TCTTable.h"

@@ -12,6 +12,7 @@
 #include "CtdbTypes.h"
 #include "TCTCursorDesc.h"
 #include "TCTCustomDataSet.h"
+#include "TCTFilter.h"
 #include "TCTIndexDefs.h"
 #include "TCTRecordBuffer.h"
 #include "TStringList.h"
@@ -21,6 +22,7 @@ namespace CTTables {
 
 class TCTTable;
 class TCTMasterDataLink;
+class FilterProgram;
 
 /// What the range buffers mean: the driver's flag, one type for both units. rfNone (no range) is
 /// the initial value.
@@ -186,6 +188,29 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// cursor's index count) becomes current, or none when the table has no index left.
   void DeleteIndex(const std::string& Name);
 
+  // --- Filtering (TCTTable.filter.cpp; the Filter language: UnitFilterParser.h) ------------
+  /// Each writer stores the value, then (controls disabled) closes and opens the table, even for
+  /// an unchanged value or while Filtered is false: a closed table opens (after loading, when
+  /// loading). Raises what Open raises. Assigning OnFilterRecord, even an empty handler, also
+  /// sets Filtered to true through SetFiltered.
+  void SetFilterText(const std::string& Value) override;
+  void SetFiltered(bool Value) override;
+  void SetOnFilterRecord(const fw::TFilterRecordEvent& Value) override;
+  /// Filter with each "FIELD" replaced by the value read in the current state's buffer (text
+  /// kinds in single quotes, others as their text or "*NULL*" when empty) and NULL by "*NULL*",
+  /// tokens joined without separators. An unknown field raises the framework's error.
+  std::string BuildparsString();
+  /// Whether the record in `Buffer` is shown: in dsFilter state on `Buffer`, OnFilterRecord first,
+  /// then (if accepted and Filter is not empty) the Filter text. State and filter buffer are
+  /// restored before an exception leaves. RecordFilter, which the fetch calls, answers with it.
+  bool DoRecordFilter(TCTRecordBuffer* Buffer);
+  /// Appends a condition to the condition list, which nothing reads (the view does not change).
+  void AddFilterCondition(const std::string& FieldName, int32_t FieldIndex, TCTFilterComp Comp,
+                          const fw::Variant& Value);
+  /// Frees every condition, the last first.
+  void ClearFilter();
+  const std::vector<std::unique_ptr<TCTFilter>>& FilterConditions() const { return FFilterConditions; }
+
   // --- Framework overrides callable by applications ----------------------------------------
   void Post() override;
   void Cancel() override;
@@ -197,6 +222,9 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void SetRecNo(int Value) override;
   bool BookmarkValid(const fw::TBookmark& Bookmark) override;
   int CompareBookmarks(const fw::TBookmark& Bookmark1, const fw::TBookmark& Bookmark2) override;
+  /// A TCTBlobStream on blob field `Field` (a TBlobField, else EDatabaseError) of the buffer the
+  /// current state reads and writes (TCTTable.blobs.cpp). Raises as the stream's constructor.
+  std::unique_ptr<fw::TStream> CreateBlobStream(fw::TField* Field, fw::TBlobStreamMode Mode) override;
 
  protected:
   // --- Descendants must implement -----------------------------------------------------------
@@ -278,10 +306,16 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   bool FindPartialKey(TCTRecordBuffer* Key, int Fields);
   int32_t KeyLengthOf(TCTRecordBuffer* Buffer, std::vector<uint8_t>& Key, int Fields);
   void AfterIndexSwitch();
+  /// Writes the text of `Master` into memo field `Detail` of key buffer `Buffer` through a
+  /// write-mode TCTBlobStream (TCTTable.blobs.cpp).
+  void CopyMemoToKey(TCTRecordBuffer& Buffer, fw::TField* Detail, const fw::TField* Master);
   void UnlockEditedRecord();
   int32_t CountKeysBeforeRange();
   /// At open: with an active master link, fill both range buffers from the master.
   void SetUpMasterRange();
+  void ReopenForFilter();
+  /// Filter's verdict on the filter buffer's record, through the analysed text (made on first use).
+  bool FilterTextAccepts();
 
   std::unique_ptr<Ctdb::TCTCursorDesc> FCursor;
   std::string FTableName;
@@ -306,6 +340,12 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   std::unique_ptr<TCTRecordBuffer> FKeyBuffer;
   std::unique_ptr<TCTRecordBuffer> FIndexRecord;
   TCTRecordBuffer* FFilterBuffer = nullptr;
+  // Filter analysed for the open table, forgotten when Filter changes or the table closes; the
+  // field of each reference (null: no such field) and its substituted text, reused per record.
+  std::unique_ptr<FilterProgram> FFilterProgram;
+  std::vector<fw::TField*> FFilterFields;
+  std::vector<std::string> FFilterValues;
+  std::vector<std::unique_ptr<TCTFilter>> FFilterConditions;
   int FKeyFieldsSet = 0;  // leading key positions assigned since the key buffer was emptied
   TCTIndexRecordEvent FOnIndexRecord;
   std::shared_ptr<TCTTable*> FHookToken = std::make_shared<TCTTable*>(this);

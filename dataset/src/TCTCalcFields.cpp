@@ -1,30 +1,88 @@
-// TCTCalcFields: the calculated- and lookup-field values of one record buffer (dataset, unit CTTables).
+// TCTCalcFields: the calculated- and lookup-field values of one record buffer (dataset, unit
+// CTTables).
 #include "TCTCalcFields.h"
 
+#include <algorithm>
 #include <cstring>
+#include <stdexcept>
+
+#include "StringUtils.h"
 
 namespace CTTables {
 
-void TCTCalcFields::Clear(int32_t size) { FData.assign(static_cast<size_t>(size > 0 ? size : 0), 0); }
+namespace {
 
-bool TCTCalcFields::Get(int32_t offset, int32_t dataSize, void* dest) const {
-  if (offset < 0 || dataSize < 0 || static_cast<size_t>(offset) + 1 + static_cast<size_t>(dataSize) > FData.size())
-    return false;
-  const bool present = FData[static_cast<size_t>(offset)] != 0;
-  if (present && dest != nullptr && dataSize > 0)
-    std::memcpy(dest, FData.data() + offset + 1, static_cast<size_t>(dataSize));
-  return present;
+// `size` bytes from `data` (zeros where `data` is null), or a blank value.
+void Store(TCTCalcField& entry, int32_t size, const void* data, size_t available) {
+  entry.Data.clear();
+  entry.Size = 0;
+  if (size <= 0) return;
+  entry.Data.assign(static_cast<size_t>(size), 0);
+  if (data != nullptr) std::memcpy(entry.Data.data(), data, std::min(available, entry.Data.size()));
+  entry.Size = size;
 }
 
-void TCTCalcFields::Set(int32_t offset, int32_t dataSize, const void* src) {
-  if (offset < 0 || dataSize < 0) return;
-  const size_t end = static_cast<size_t>(offset) + 1 + static_cast<size_t>(dataSize);
-  if (end > FData.size()) FData.resize(end, 0);
-  FData[static_cast<size_t>(offset)] = src != nullptr ? 1 : 0;
-  if (src != nullptr && dataSize > 0)
-    std::memcpy(FData.data() + offset + 1, src, static_cast<size_t>(dataSize));
-  else
-    std::memset(FData.data() + offset + 1, 0, static_cast<size_t>(dataSize));
+void CheckIndex(int index) {
+  if (index < 0)
+    throw std::out_of_range("TCTCalcFields: list index out of bounds (" + std::to_string(index) +
+                            ")");
+}
+
+}  // namespace
+
+TCTCalcField* TCTCalcFields::Find(const std::string& Name) {
+  for (TCTCalcField& entry : FFields)
+    if (fw::SameText(entry.Name, Name)) return &entry;
+  return nullptr;
+}
+
+void TCTCalcFields::AddField(const std::string& Name, int32_t Size, const void* Data) {
+  TCTCalcField entry;
+  entry.Name = Name;
+  Store(entry, Size, Data, static_cast<size_t>(std::max(Size, 0)));
+  FFields.push_back(std::move(entry));
+}
+
+void TCTCalcFields::GetData(const std::string& Name, void* Buffer, bool& IsBlank) const {
+  const TCTCalcField* entry = const_cast<TCTCalcFields*>(this)->Find(Name);
+  if (entry == nullptr) return;
+  IsBlank = entry->Data.empty();
+  if (!IsBlank && Buffer != nullptr) std::memcpy(Buffer, entry->Data.data(), entry->Data.size());
+}
+
+void TCTCalcFields::SetData(const std::string& Name, int32_t Size, const void* Data) {
+  TCTCalcField* entry = Find(Name);
+  if (entry == nullptr) return;
+  Store(*entry, Data != nullptr ? Size : 0, Data, static_cast<size_t>(std::max(Size, 0)));
+}
+
+void TCTCalcFields::ClearFields() {
+  for (auto entry = FFields.rbegin(); entry != FFields.rend(); ++entry)
+    Store(*entry, 0, nullptr, 0);
+}
+
+void TCTCalcFields::DeleteFields() { FFields.clear(); }
+
+void TCTCalcFields::RemoveField(const std::string& Name) {
+  for (auto entry = FFields.rbegin(); entry != FFields.rend(); ++entry) {
+    if (fw::SameText(entry->Name, Name)) {
+      FFields.erase(std::next(entry).base());
+      return;
+    }
+  }
+}
+
+void TCTCalcFields::GetField(int Index, TCTCalcField& Result) const {
+  CheckIndex(Index);
+  if (Index < Count()) Result = FFields[static_cast<size_t>(Index)];
+}
+
+void TCTCalcFields::SetField(int Index, const TCTCalcField& Value) {
+  CheckIndex(Index);
+  if (Index >= Count()) return;
+  TCTCalcField& entry = FFields[static_cast<size_t>(Index)];
+  entry.Name = Value.Name;
+  Store(entry, Value.Size, Value.Data.empty() ? nullptr : Value.Data.data(), Value.Data.size());
 }
 
 }  // namespace CTTables

@@ -2,6 +2,7 @@
 #include "TCTTable.h"
 
 #include "CtError.h"
+#include "FilterProgram.h"
 #include "TClassInfo.h"
 #include "TCTConnection.h"
 #include "TCTMasterDataLink.h"
@@ -101,7 +102,8 @@ void TCTTable::SetIsSuperFile(bool Value) {
 
 void TCTTable::Loaded() {
   Ctdb::TCTCustomDataSet::Loaded();
-  if (!FPendingMasterFields.empty()) SetMasterFields(std::string(FPendingMasterFields));  // a copy: it empties the pending text
+  // Passed as a copy: SetMasterFields empties the pending text.
+  if (!FPendingMasterFields.empty()) SetMasterFields(std::string(FPendingMasterFields));
   if (Connection() != nullptr && FOnIndexRecord) SetOnIndexRecord(FOnIndexRecord);
 }
 
@@ -171,6 +173,8 @@ void TCTTable::InternalClose() {
   FKeyBuffer.reset();
   FIndexRecord.reset();
   FFilterBuffer = nullptr;
+  FFilterProgram.reset();
+  FFilterFields.clear();
   FOldRecord.reset();
   FRangeFlag = rfNone;
   FBookmarks.clear();

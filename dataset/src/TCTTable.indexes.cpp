@@ -4,6 +4,7 @@
 
 #include "CtError.h"
 #include "StringUtils.h"
+#include "TBcd.h"
 #include "TCTConnection.h"
 #include "TCTTable.h"
 
@@ -386,6 +387,16 @@ void TCTTable::CreateRangeBuffer(std::unique_ptr<TCTRecordBuffer>& Buffer, fw::T
         CTDbIntf::CtError(conn.SetField(FCursor.get(), number, Buffer.get(), native.data()));
         break;
       }
+      case fw::ftBCD: {
+        fw::TBcd value{};
+        fw::CurrToFMTBCD(master->AsCurrency(), value, 20, 4);
+        CTDbIntf::CtError(conn.SetField(FCursor.get(), number, Buffer.get(), &value));
+        break;
+      }
+      case fw::ftMemo:
+      case fw::ftFmtMemo:
+        CopyMemoToKey(*Buffer, detail, master);
+        break;
       default:
         break;
     }

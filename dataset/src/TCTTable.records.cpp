@@ -32,7 +32,13 @@ int32_t BookmarkOf(const void* data) {
 
 fw::TRecordBuffer TCTTable::AllocRecordBuffer() {
   auto* buffer = new TCTRecordBuffer(FCursor.get());
-  buffer->CalcFields().Clear(CalcFieldsSize());
+  // One blank entry per calculated or lookup field, in field order.
+  const fw::TFields& fields = *Fields();
+  for (int i = 0; i < fields.Count(); ++i) {
+    const fw::TField* field = fields.Fields(i);
+    if (field->FieldKind() == fw::fkCalculated || field->FieldKind() == fw::fkLookup)
+      buffer->CalcFields().AddField(field->FieldName(), 0, nullptr);
+  }
   return reinterpret_cast<fw::TRecordBuffer>(buffer);
 }
 
@@ -45,7 +51,10 @@ void TCTTable::InternalInitRecord(fw::TRecordBuffer Buffer) { RecBuf(Buffer)->In
 
 int TCTTable::GetRecordSize() const { return FCursor != nullptr ? FCursor->FixedRecLength : 0; }
 
-void TCTTable::ClearCalcFields(fw::TRecordBuffer Buffer) { RecBuf(Buffer)->CalcFields().Clear(CalcFieldsSize()); }
+void TCTTable::ClearCalcFields(fw::TRecordBuffer Buffer) {
+  fw::TDataSet::ClearCalcFields(Buffer);
+  RecBuf(Buffer)->CalcFields().ClearFields();
+}
 
 TCTRecordBuffer* TCTTable::GetActiveRecBuf() const {
   switch (State()) {
@@ -73,19 +82,6 @@ TCTRecordBuffer* TCTTable::GetActiveRecBuf() const {
 }
 
 // --- Fetching -------------------------------------------------------------------------------
-
-bool TCTTable::RecordFilter(TCTRecordBuffer* Buffer) {
-  if (!OnFilterRecord()) return true;
-  bool accept = true;
-  TCTRecordBuffer* saved = FFilterBuffer;
-  FFilterBuffer = Buffer;
-  {
-    fw::TTempState filtering(this, fw::dsFilter);
-    OnFilterRecord()(this, accept);
-  }
-  FFilterBuffer = saved;
-  return accept;
-}
 
 fw::TGetResult TCTTable::GetRecord(fw::TRecordBuffer Buffer, fw::TGetMode GetMode, bool DoCheck) {
   TCTRecordBuffer* buffer = RecBuf(Buffer);
@@ -160,7 +156,9 @@ bool TCTTable::GetFieldData(fw::TField* Field, void* Buffer) {
   if (record == nullptr || Field == nullptr) return false;
   if (Field->FieldNo() < 0 || Field->FieldKind() != fw::fkData) {
     if (ComponentState().Contains(fw::csDesigning)) return false;
-    return record->CalcFields().Get(Field->Offset(), Field->DataSize(), Buffer);
+    bool blank = true;
+    record->CalcFields().GetData(Field->FieldName(), Buffer, blank);
+    return !blank;
   }
   bool blank = true;
   void* dest = Field->IsBlob() ? nullptr : Buffer;
@@ -182,7 +180,7 @@ void TCTTable::SetFieldData(fw::TField* Field, const void* Buffer) {
 
   Field->Validate(Buffer);
   if (Field->FieldNo() < 0 || Field->FieldKind() != fw::fkData)
-    record->CalcFields().Set(Field->Offset(), Field->DataSize(), Buffer);
+    record->CalcFields().SetData(Field->FieldName(), Field->DataSize(), Buffer);
   else
     CTDbIntf::CtError(Conn().SetField(FCursor.get(), Field->FieldNo(), record, Buffer));
 

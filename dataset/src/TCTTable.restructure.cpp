@@ -61,11 +61,16 @@ int16_t StoredLength(const Ctdb::CTFldDesc& Desc) {
     case Ctdb::fldFLOAT: return Desc.SubType == Ctdb::fldstMONEY ? 4 : 8;
     case Ctdb::fldTIMESTAMP: return 8;
     case Ctdb::fldBCD: return 10;
+    case Ctdb::fldBLOB:
+      // An empty memo still takes its terminating zero: the fields after it start behind it.
+      if (Desc.SubType == Ctdb::fldstSTRING) return static_cast<int16_t>(std::clamp<int>(Desc.Units1, 1, 0x7FFF));
+      break;
     case Ctdb::fldZSTRING:
       if (Desc.SubType == Ctdb::fldstCHARU) return 1;
-      [[fallthrough]];
-    default: return static_cast<int16_t>(std::min<int>(Desc.Units1 + PrefixOf(Desc.SubType), 0x7FFF));
+      break;
+    default: break;
   }
+  return static_cast<int16_t>(std::min<int>(Desc.Units1 + PrefixOf(Desc.SubType), 0x7FFF));
 }
 
 }  // namespace
@@ -95,7 +100,8 @@ void TCTTable::EncodeFieldDesc(Ctdb::CTFldDesc& Desc, const std::string& Name, f
     case fw::ftParadoxOle:
     case fw::ftDBaseOle:
     case fw::ftTypedBinary:
-      Desc.SubType = VariableSubType(Size);
+      // A binary blob without a size has no bound: it gets the 4-byte length form.
+      Desc.SubType = DataType != fw::ftVarBytes && Size <= 0 ? int16_t{Ctdb::fldst4STRING} : VariableSubType(Size);
       Desc.Units1 = units;
       break;
     case fw::ftMemo:

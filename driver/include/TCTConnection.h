@@ -329,16 +329,20 @@ class TCTConnection : public fw::TComponent {
 
   // ---- blobs (TCTConnection.blobs.cpp); 1127 for a field that is not a blob
   /// Loads blob field `fieldNo` (1-based) of the buffer's record into its stream, discarding the
-  /// stream's content. `isBlob` is set true before the blob check.
+  /// stream's content. `isBlob` is set true before the blob check. 1117 (the stream left empty)
+  /// when the record is damaged: text without its zero byte or a length running past the record.
   int32_t OpenBlob(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, bool& isBlob);
   /// Reads up to `count` bytes at `position` of the stream; `bytesRead` (0 beyond the end).
   int32_t GetBlob(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, int32_t& bytesRead,
                   void* dest, int32_t count, int32_t position);
-  /// Writes `count` bytes at `position` of the stream, which grows as needed.
+  /// Writes `count` bytes at `position` of the stream, which grows as needed; 1112, writing
+  /// nothing, when the blob would grow beyond what the field's length prefix counts (255 bytes
+  /// for the 1-byte form, 65535 for the 2-byte form).
   int32_t PutBlob(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, int32_t position,
                   int32_t count, const void* src);
   int32_t GetBlobSize(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, int32_t& size);
-  /// Sets the stream's size (growth is zero bytes).
+  /// Sets the stream's size (growth is zero bytes); 1112, changing nothing, beyond what the
+  /// field's length prefix counts.
   int32_t TruncateBlob(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, int32_t newSize);
   /// Does nothing (streams are written back by FillRecord when the record is posted); 0.
   int32_t CloseBlob(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer);

@@ -69,6 +69,8 @@ class TCTCustomRecordBuffer {
   /// table with blob fields, frees the blob streams. A null `data` or negative `len` loads an
   /// empty record.
   void SetRecord(const void* data, int32_t len);
+  /// The same, taking over the bytes of `data` (left empty) instead of copying them.
+  void SetRecord(std::vector<uint8_t>&& data);
   /// Rebuilds the record to be written: every field in order, fixed fields at full width, blob
   /// fields with an open stream written from it (text and a zero byte, or a little-endian length
   /// prefix and the bytes), other blob fields as they stand. Returns false, leaving the buffer

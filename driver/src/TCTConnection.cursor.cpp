@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "CText.h"
 #include "CursorKeys.h"
@@ -264,7 +265,7 @@ int32_t LoadCurrent(TCTConnection& conn, TCTCursorDesc* cursor, CTLockType lockT
   if (buffer == nullptr) return 0;
   std::vector<uint8_t> data;
   if (const int32_t r = conn.ReadRecord(cursor, data)) return r;
-  buffer->SetRecord(data.data(), static_cast<int32_t>(data.size()));
+  buffer->SetRecord(std::move(data));
   buffer->SetBookmark(&pos);
   return 0;
 }
@@ -344,7 +345,7 @@ int32_t TCTConnection::GetCurrentRecord(TCTCursorDesc* cursor, CTLockType lockTy
       }
     }
     if (buffer != nullptr) {
-      buffer->SetRecord(data.data(), static_cast<int32_t>(data.size()));
+      buffer->SetRecord(std::move(data));
       buffer->SetBookmark(&pos);
     }
   } catch (const std::bad_alloc&) {

@@ -134,7 +134,12 @@ void TCTCustomRecordBuffer::SetRecord(const void* data, int32_t len) {
     const auto* bytes = static_cast<const uint8_t*>(data);
     record.assign(bytes, bytes + len);
   }
-  FRecord.swap(record);
+  SetRecord(std::move(record));
+}
+
+void TCTCustomRecordBuffer::SetRecord(std::vector<uint8_t>&& data) {
+  FRecord.swap(data);
+  data.clear();
   FHasRecord = true;
   FPresentFieldCount = FieldCount();
   if (FBlobCount == 0) {

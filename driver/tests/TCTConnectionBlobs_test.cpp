@@ -159,6 +159,32 @@ TEST_F(BlobTest, AppendAndModifyWriteTheStreamsBackIntoTheRecord) {
   EXPECT_EQ(count, 0);
 }
 
+TEST_F(BlobTest, BlobsLongerThanTheirLengthFormAreRefusedWhole) {
+  TCTCustomRecordBuffer* buffer = NewBuffer();
+  buffer->InitRecord();
+  const std::vector<uint8_t> bytes = Pattern(256, 6);
+  EXPECT_EQ(Conn->PutBlob(Cursor.get(), kShort, buffer, 0, 256, bytes.data()), kCtOffsetBeyondData);
+  EXPECT_EQ(Conn->PutBlob(Cursor.get(), kShort, buffer, 250, 6, bytes.data()), kCtOffsetBeyondData);
+  EXPECT_TRUE(Get(buffer, kShort).empty());
+  EXPECT_EQ(Conn->PutBlob(Cursor.get(), kShort, buffer, 0, 255, bytes.data()), 0);
+  EXPECT_EQ(Conn->TruncateBlob(Cursor.get(), kMedium, buffer, 65536), kCtOffsetBeyondData);
+  EXPECT_EQ(Conn->TruncateBlob(Cursor.get(), kMedium, buffer, 65535), 0);
+}
+
+TEST_F(BlobTest, DamagedBlobsInARecordAreReportedNotReadPastItsEnd) {
+  TCTCustomRecordBuffer* buffer = NewBuffer();
+  bool isBlob = false;
+  // Text that runs to the end of the record without its zero byte.
+  const uint8_t unterminated[] = {1, 0, 0, 0, 'a', 'b', 'c'};
+  buffer->SetRecord(unterminated, sizeof unterminated);
+  EXPECT_EQ(Conn->OpenBlob(Cursor.get(), kMemo, buffer, isBlob), 1117);
+  EXPECT_TRUE(Get(buffer, kMemo).empty());
+  // A 1-byte length of 9 with two bytes left.
+  const uint8_t shortened[] = {1, 0, 0, 0, 0, 9, 'x', 'y'};
+  buffer->SetRecord(shortened, sizeof shortened);
+  EXPECT_EQ(Conn->OpenBlob(Cursor.get(), kShort, buffer, isBlob), 1117);
+}
+
 TEST_F(BlobTest, FieldsThatAreNotBlobsAndBadInputGiveNumbers) {
   TCTCustomRecordBuffer* buffer = NewBuffer();
   buffer->InitRecord();

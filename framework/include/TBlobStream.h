@@ -32,7 +32,7 @@ class TBlobStream : public TMemoryStream {
   void SetSize(int64_t newSize) override;
   /// Hands the content to the dataset now if it was written (or opened for writing) and not yet
   /// committed; may raise what the dataset or the field's OnChange raise.
-  void Commit();
+  void Commit() override;
   bool Modified() const { return FModified; }
 
  private:

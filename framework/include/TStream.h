@@ -33,6 +33,10 @@ class TStream {
   virtual int64_t Size();
   /// No-op in the base stream.
   virtual void SetSize(int64_t newSize);
+  /// Finishes now what the stream would otherwise leave to its destructor, so that errors reach
+  /// the caller (a blob stream hands its written content to its dataset here). The stream stays
+  /// usable. Nothing in the base stream.
+  virtual void Commit() {}
 
   /// `Seek(0, soCurrent)` / `Seek(p, soBeginning)`.
   int64_t Position() { return Seek(0, soCurrent); }

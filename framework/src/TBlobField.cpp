@@ -3,7 +3,6 @@
 #include "TBlobField.h"
 
 #include "DataSetMessages.h"
-#include "TBlobStream.h"
 #include "TClassInfo.h"
 #include "TDataSet.h"
 #include "TMemoryStream.h"
@@ -44,7 +43,7 @@ std::string ReadAll(TStream* Stream) {
 
 /// Commits a written blob stream so that errors reach the caller.
 void Finish(std::unique_ptr<TStream>& Stream) {
-  if (auto* blob = dynamic_cast<TBlobStream*>(Stream.get())) blob->Commit();
+  if (Stream) Stream->Commit();
   Stream.reset();
 }
 

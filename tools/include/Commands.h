@@ -44,6 +44,7 @@ struct ReadOptions {
   std::string Index;                 ///< empty: the table's first index
   KeyValues From, To;                ///< range ends; empty: open
   std::vector<std::string> Columns;  ///< fields to show, in this order; empty: all
+  std::string Filter;                ///< the table's Filter text; empty: every record
 };
 
 struct ExportOptions {

@@ -54,6 +54,10 @@ class TableCursor {
   /// Restricts reading to keys from `from` to `to`, both ends included; an empty KeyValues leaves
   /// that end open. Positions before the first record of the range.
   virtual void SetRange(const KeyValues& from, const KeyValues& to) = 0;
+  /// Shows only the records for which `text` (the table's Filter language) is true; empty: all.
+  /// Clears any range: set the filter first. A text the filter cannot evaluate raises when a
+  /// record is read (the parser's exceptions, or the framework's for an unknown field).
+  virtual void SetFilter(const std::string& text) = 0;
   /// Positions before the first record (of the range, when one is set).
   virtual void First() = 0;
   /// Positions so that the next Read returns the first record whose key is equal to or after

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iostream>
 
+#include "BlobColumns.h"
 #include "Commands.h"
 #include "CsvReader.h"
 #include "ProgressBar.h"
@@ -256,7 +257,12 @@ ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOpt
         for (auto& v : values) v.reset();
         for (std::size_t c = 0; c < columns.size(); ++c) values[columns[c]] = std::move(record[c]);
         const std::uint64_t rejectedBefore = run.Rejected;
-        run.Add(values, reader.RecordLine());
+        if (const std::optional<std::string> bad = DecodeBinaryColumns(info.Fields, values)) {
+          run.Count();
+          run.Reject(reader.RecordLine(), *bad);
+        } else {
+          run.Add(values, reader.RecordLine());
+        }
         if (options.StopOnError && run.Rejected > rejectedBefore) break;
       }
       StopSignals::Check();

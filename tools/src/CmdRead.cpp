@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iostream>
 
+#include "BlobColumns.h"
 #include "Commands.h"
 #include "CsvWriter.h"
 #include "StringUtils.h"
@@ -46,6 +47,7 @@ std::unique_ptr<TableCursor> OpenForReading(TableBackend& backend, const TableRe
     if (!known) throw ToolError(kExitNotFound, "table " + table.Display() + " has no index '" + read.Index + "'");
   }
   cursor->UseIndex(read.Index);
+  if (!read.Filter.empty()) cursor->SetFilter(read.Filter);
   if (!read.From.empty() || !read.To.empty()) cursor->SetRange(read.From, read.To);
   cursor->First();
   return cursor;
@@ -105,6 +107,7 @@ ExitCode RunExport(TableBackend& backend, const TableRef& table, const ExportOpt
     writer.WriteRow(header);
     std::vector<std::string> values;
     while (cursor->Read(values)) {
+      EncodeBinaryColumns(info.Fields, values);
       writer.WriteRow(Pick(values, positions));
       ++rows;
     }
@@ -146,6 +149,7 @@ ExitCode RunList(TableBackend& backend, const TableRef& table, const ListOptions
         more = true;
         break;
       }
+      ShowBinaryColumnsAsSize(info.Fields, values);
       printer.AddRow(Pick(values, positions));
     }
   }

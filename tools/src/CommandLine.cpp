@@ -28,7 +28,7 @@ struct Parsed {
   int MaxBuffers = 0, MaxFiles = 0, MaxSectors = 0, MaxIndexKey = 0;
   std::string UserName, Password, ServerName, DataDir, TempDir, DataExt, IndexExt, SuperFileExt;
   std::vector<std::string> FieldTexts, IndexTexts, Columns;
-  std::string IndexText, IndexName, From, To, Find, File, Separator = ",";
+  std::string IndexText, IndexName, From, To, Find, File, Filter, Separator = ",";
   ImportOptions Import;
   ListOptions List;
   bool Replace = false;
@@ -110,6 +110,7 @@ void AddReadOptions(CLI::App* cmd, Parsed& p) {
   cmd->add_option("--from", p.From, "Start of the key range, values comma-separated as in CSV");
   cmd->add_option("--to", p.To, "End of the key range (included)");
   cmd->add_option("--columns,-c", p.Columns, "Fields to show, in this order")->delimiter(',');
+  cmd->add_option("--filter", p.Filter, "Only records for which this filter is true, e.g. '(\"CITY\" = 'Oslo') AND (\"ID\" > 3)'");
 }
 
 ReadOptions CollectRead(const Parsed& p) {
@@ -118,6 +119,7 @@ ReadOptions CollectRead(const Parsed& p) {
   read.From = ParseKey(p.From, "--from");
   read.To = ParseKey(p.To, "--to");
   read.Columns = p.Columns;
+  read.Filter = p.Filter;
   return read;
 }
 

@@ -11,6 +11,7 @@
 #include "TFieldDefs.h"
 #include "TFields.h"
 #include "ToolError.h"
+#include "UnitFilterParser.h"
 
 namespace ctt {
 
@@ -96,12 +97,26 @@ class TableLayerCursor : public TableCursor {
     First();
   }
 
-  void First() override {
-    FTable->First();
-    if (!FFrom.empty()) FTable->FindNearest(Values(FFrom));
+  void SetFilter(const std::string& text) override {
+    // Each of the two re-opens the table, which forgets a range and a nearest-key start.
+    FTable->SetFilter(text);
+    FTable->SetFiltered(!text.empty());
+    FFrom.clear();
   }
 
-  bool FindNearest(const KeyValues& key) override { return FTable->FindNearest(Values(key)) && !FTable->Eof(); }
+  void First() override {
+    FTable->First();
+    if (!FFrom.empty()) {
+      FTable->FindNearest(Values(FFrom));
+      SkipFilteredOut();
+    }
+  }
+
+  bool FindNearest(const KeyValues& key) override {
+    const bool found = FTable->FindNearest(Values(key));
+    SkipFilteredOut();
+    return found && !FTable->Eof();
+  }
 
   bool Read(std::vector<std::string>& values) override {
     if (FTable->Eof()) return false;
@@ -152,6 +167,14 @@ class TableLayerCursor : public TableCursor {
 
  private:
   Ctdb::TCTConnection& Connection() const { return *FTable->Connection(); }
+
+  // A key seek lands on its record whether or not the filter passes it (the table filters the
+  // records it steps to, not the one it is put on): step on when this one does not pass.
+  void SkipFilteredOut() {
+    if (FTable->Filtered() && !FTable->Filter().empty() && !FTable->Eof() &&
+        !UnitFilterParser::ParseFilter(FTable->BuildparsString()))
+      FTable->Next();
+  }
 
   std::unique_ptr<CTTables::TCTTable> FTable;
   KeyValues FFrom;

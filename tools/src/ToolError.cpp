@@ -8,6 +8,8 @@
 #include "CtMessages.h"
 #include "ECtreeException.h"
 #include "Exception.h"
+#include "StringUtils.h"
+#include "UnitFilterParser.h"
 
 namespace ctt {
 
@@ -54,6 +56,10 @@ ErrorReport DescribeException(std::exception_ptr error) {
     if (message.empty() && e.ErrorCode != 0) return {DescribeErrorNumber(e.ErrorCode), code};
     if (e.ErrorCode != 0) message += " (error " + std::to_string(e.ErrorCode) + ")";
     return {message, code};
+  } catch (const UnitFilterParser::EParserError& e) {
+    // The paren-count message spans three lines; the tool reports on one.
+    const std::string lines = fw::StringReplace(e.Message(), " \r\n", "\r\n", true);
+    return {"bad filter: " + fw::StringReplace(lines, "\r\n", "; ", true), kExitUsage};
   } catch (const ToolError& e) {
     return {e.what(), e.Code};
   } catch (const CsvError& e) {

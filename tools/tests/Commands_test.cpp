@@ -250,6 +250,11 @@ TEST_F(CommandsTest, ListShowsAnAlignedTableWithFindAndLimit) {
   EXPECT_EQ(out.str(), "id  name  city\n--  ----  ----\n(0 records)\n");
 
   options = {};
+  options.Read.Filter = "\"city\" = 'Oslo'";  // handed to the table layer, which applies it
+  EXPECT_EQ(RunList(backend, table, options, console), kExitOk);
+  EXPECT_EQ(store.Filter, options.Read.Filter);
+
+  options = {};
   options.Read.From = {"4"};
   options.Read.Columns = {"name"};
   out.str("");

@@ -28,6 +28,7 @@ struct FakeStore {
   int Rollbacks = 0;
   int FailCommitNumber = 0;  // the commit with this number (1-based) fails with error 37
   bool Transactions = true;  // what HasTransactions answers
+  std::string Filter;        // the last filter text a cursor was given (not applied)
   int Appends = 0;
   int SignalAtAppend = 0;    // the append with this number (1-based) raises Signal first
   int Signal = 0;
@@ -56,6 +57,11 @@ class FakeCursor : public TableCursor {
     CheckKey(to);
     FFrom = from;
     FTo = to;
+    First();
+  }
+
+  void SetFilter(const std::string& text) override {
+    FStore.Filter = text;
     First();
   }
 

@@ -114,6 +114,24 @@ TEST_F(TableLayerTest, ListsInIndexOrderWithFindAndRange) {
   EXPECT_EQ(out.str(), "ID\n--\n 1\n 3\n 2\n 4\n(4 records)\n");
 }
 
+TEST_F(TableLayerTest, FilterSelectsRecordsWithinARangeAndBadFiltersAreUsageErrors) {
+  ASSERT_EQ(Run({"list", "people", "--filter", "(\"CITY\" = 'oslo') OR (\"ID\" < 2)", "-c", "ID"}), kExitOk)
+      << err.str();
+  EXPECT_EQ(out.str(), "ID\n--\n 1\n 2\n 4\n(3 records)\n");
+  // A key search that lands on a record the filter rejects starts at the next one it accepts.
+  ASSERT_EQ(Run({"list", "people", "--find", "3", "--filter", "\"CITY\" = 'Oslo'", "-c", "ID"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "ID\n--\n 4\n(1 record)\n");
+  ASSERT_EQ(Run({"list", "people", "--from", "3", "--filter", "\"CITY\" = 'Oslo'", "-c", "ID"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "ID\n--\n 4\n(1 record)\n");
+  ASSERT_EQ(Run({"export", "people", "-i", "ByCity", "--from", "Bergen", "--to", "Oslo", "--filter", "\"ID\" > 2",
+                 "-c", "ID"}),
+            kExitOk)
+      << err.str();
+  EXPECT_EQ(out.str(), "ID\r\n3\r\n4\r\n");
+  EXPECT_EQ(Run({"list", "people", "--filter", "(\"ID\" = 1"}), kExitUsage);
+  EXPECT_EQ(err.str(), "ctt: list: bad filter: Paren count off; Found 1 (; Found 0 )\n");
+}
+
 TEST_F(TableLayerTest, ExportsCsvAndDescribesTheTable) {
   ASSERT_EQ(Run({"export", "people", "--from", "1", "--to", "2"}), kExitOk) << err.str();
   EXPECT_EQ(out.str(), "ID,NAME,CITY\r\n1,\"Arvid, Jr\",Bergen\r\n2,Brita,Oslo\r\n");
