@@ -56,7 +56,8 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// Directory of the table, passed to the connection as it is. Raises while open.
   const std::string& Database() const { return FDatabase; }
   void SetDatabase(const std::string& Value);
-  /// Opens with 8 (read only) added to the open mode; field writes are then ignored silently.
+  /// Opens with 8 (read only) added to the open mode; record field writes are then ignored
+  /// silently, while key, range, calculated and filter values are written as usual.
   bool ReadOnly() const { return FReadOnly; }
   void SetReadOnly(bool Value);
   /// Opens without the shared flag. An exclusive table takes no record locks when editing.
@@ -69,11 +70,13 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void SetIsSuperFile(bool Value);
   /// The current index's name. Setting it on an open table switches the cursor to that index
   /// (an unknown name leaves the cursor's order alone and makes the name empty); on a closed
-  /// table it only records the name, looked up at open ("" selects the primary index).
+  /// table it only records the name, looked up at open ("" selects the primary index; a name
+  /// the table does not have opens it in the order it has, with the name empty).
   std::string IndexName() const { return FIndexDesc.Name; }
   void SetIndexName(const std::string& Value);
-  /// The ";"-separated key fields of the current index. Setting it selects the index whose key
-  /// fields are these (or start with them); EDatabaseError when no index matches.
+  /// The ";"-separated key fields of the current index (of a closed table: what was set).
+  /// Setting it selects the index whose key fields are these (or start with them), on a closed
+  /// table when it opens; EDatabaseError when no index matches. "" returns to the primary index.
   std::string IndexFieldNames() const;
   void SetIndexFieldNames(const std::string& Value);
   const TCTIndexRecordEvent& OnIndexRecord() const { return FOnIndexRecord; }
@@ -169,11 +172,12 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   // --- Creating and changing the table's files (TCTTable.restructure.cpp) --------------------
   /// Fills `Desc` for a new table's field: Name, logical FieldType and SubType by `DataType`
   /// (strings and variable bytes choose their length-prefix subtype by `Size`), and the unit
-  /// counts the type keeps (characters or bytes; 32 and the scale for BCD). Other members are
-  /// left as they are.
+  /// counts the type keeps (characters or bytes; 32 and the scale for BCD). Currency becomes BCD
+  /// with scale 4 (money would keep whole cents only). Other members are left as they are.
   static void EncodeFieldDesc(Ctdb::CTFldDesc& Desc, const std::string& Name, fw::TFieldType DataType, int Size);
   /// Creates the table's files (directory Database, name TableName) from FieldDefs (filled from
-  /// the persistent fields when empty) and IndexDefs; an existing table of that name is replaced.
+  /// the persistent data fields when empty: calculated and lookup fields are not stored) and
+  /// IndexDefs; an existing table of that name is replaced.
   /// Requires an inactive table; raises ECtreeException with the driver's number (e.g. 1115 no
   /// fields, 802 a field with no c-tree form) and the framework's error for an unknown key field.
   void CreateTable();
@@ -334,6 +338,7 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   std::unique_ptr<fw::TStringList> FKeyFieldNames;
   std::unique_ptr<TCTIndexDefs> FIndexDefs;
   Ctdb::CTIdxDesc FIndexDesc;
+  std::string FIndexFieldNames;  // set on a closed table; the index is chosen by them at open
   TRangeFlag FRangeFlag = rfNone;
   std::unique_ptr<TCTRecordBuffer> FRangeStart;
   std::unique_ptr<TCTRecordBuffer> FRangeEnd;

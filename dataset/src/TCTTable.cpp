@@ -20,7 +20,6 @@ constexpr int32_t kOpenReadOnly = 8;
 constexpr int32_t kAlignmentMismatch = 1136;
 constexpr int32_t kNoConnection = 1118;
 constexpr int32_t kNoTableName = 1120;
-constexpr int32_t kBadIndex = 1137;
 
 }  // namespace
 
@@ -131,9 +130,15 @@ void TCTTable::InternalOpen() {
   CTDbIntf::CtError(opened);
 
   CTDbIntf::CtError(conn.InitIndexes(FCursor.get()));
-  if (!FIndexDesc.Name.empty() && FCursor->FindIndex(FIndexDesc.Name, -1) < 0)
-    CTDbIntf::CtError(kBadIndex);
-  if (FCursor->GetIndexCount() > 0) {
+  if (!FIndexFieldNames.empty()) {
+    FIndexDefs->Update();
+    FIndexDesc.Name = FIndexDefs->FindIndexForFields(FIndexFieldNames)->Name();
+  }
+  if (!FIndexDesc.Name.empty() && FCursor->FindIndex(FIndexDesc.Name, -1) < 0) {
+    // A name the table does not have opens it without switching index, in the order the cursor
+    // has; the name reads back empty, as after setting an unknown name on an open table.
+    FIndexDesc = FCursor->GetIndexDesc(FIndexDesc.Name);
+  } else if (FCursor->GetIndexCount() > 0) {
     // An index number of -1 makes the driver look the index up by name; "" is the primary one.
     FIndexDesc.IndexId = -1;
     CTDbIntf::CtError(conn.SwitchToIndex(FCursor.get(), &FIndexDesc, false));

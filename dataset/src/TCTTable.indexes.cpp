@@ -97,9 +97,11 @@ void TCTTable::SetIndexName(const std::string& Value) {
   if (FCursor == nullptr) {
     FIndexDesc.Name = Value;
     FIndexDesc.IndexId = -1;
+    FIndexFieldNames.clear();
     return;
   }
   CheckBrowseMode();
+  FIndexFieldNames.clear();
   FIndexDesc = FCursor->GetIndexDesc(Value);
   if (FIndexDesc.IndexId >= 0) {
     CTDbIntf::CtError(Conn().SwitchToIndex(FCursor.get(), &FIndexDesc, true));
@@ -109,8 +111,9 @@ void TCTTable::SetIndexName(const std::string& Value) {
 }
 
 std::string TCTTable::IndexFieldNames() const {
+  if (FCursor == nullptr) return FIndexFieldNames;
   std::string names;
-  if (FCursor != nullptr) {
+  {
     for (int i = 1; i <= FCursor->GetIndexFieldNo(); ++i) {
       const int number = FCursor->GetIndexFields(i);
       if (number < 1 || number > FieldDefs()->Count()) continue;
@@ -122,9 +125,22 @@ std::string TCTTable::IndexFieldNames() const {
 }
 
 void TCTTable::SetIndexFieldNames(const std::string& Value) {
+  if (FCursor == nullptr) {
+    FIndexDesc.Name.clear();
+    FIndexDesc.IndexId = -1;
+    FIndexFieldNames = Value;
+    return;
+  }
+  if (fw::Trim(Value).empty()) {
+    // Back to the primary index; a table without one keeps its order.
+    const int32_t primary = FCursor->FindIndex("", -1);
+    if (primary >= 0) SetIndexName(FCursor->GetIndexes(primary).Name);
+    return;
+  }
   FIndexDefs->SetUpdated(false);
   FIndexDefs->Update();
   SetIndexName(FIndexDefs->FindIndexForFields(Value)->Name());
+  FIndexFieldNames = Value;  // chosen again by them when the table is reopened
 }
 
 void TCTTable::GetIndexNames(fw::TStrings& List) {
@@ -377,6 +393,12 @@ void TCTTable::CreateRangeBuffer(std::unique_ptr<TCTRecordBuffer>& Buffer, fw::T
         CTDbIntf::CtError(conn.SetField(FCursor.get(), number, Buffer.get(), &value));
         break;
       }
+      case fw::ftBCD: {
+        fw::TBcd value{};
+        if (!fw::CurrToFMTBCD(master->AsCurrency(), value, 20, 4)) CTDbIntf::CtError(Ctdb::kCtValueDoesNotFit);
+        CTDbIntf::CtError(conn.SetField(FCursor.get(), number, Buffer.get(), &value));
+        break;
+      }
       case fw::ftDate:
       case fw::ftTime:
       case fw::ftDateTime: {
@@ -385,12 +407,6 @@ void TCTTable::CreateRangeBuffer(std::unique_ptr<TCTRecordBuffer>& Buffer, fw::T
         const double value = master->AsDateTime();
         DataConvert(detail, &value, native.data(), true);
         CTDbIntf::CtError(conn.SetField(FCursor.get(), number, Buffer.get(), native.data()));
-        break;
-      }
-      case fw::ftBCD: {
-        fw::TBcd value{};
-        fw::CurrToFMTBCD(master->AsCurrency(), value, 20, 4);
-        CTDbIntf::CtError(conn.SetField(FCursor.get(), number, Buffer.get(), &value));
         break;
       }
       case fw::ftMemo:

@@ -167,9 +167,11 @@ bool TCTTable::GetFieldData(fw::TField* Field, void* Buffer) {
 }
 
 void TCTTable::SetFieldData(fw::TField* Field, const void* Buffer) {
-  // A read-only table ignores writes silently.
-  if (FReadOnly || Field == nullptr) return;
+  if (Field == nullptr) return;
   const fw::TDataSetState state = State();
+  // A read-only table ignores record writes silently; key and range values, calculated fields
+  // and filter values are still written, so that it can be searched, ranged and calculated.
+  if (FReadOnly && (state == fw::dsEdit || state == fw::dsInsert || state == fw::dsNewValue)) return;
   if (!fw::dsWriteModes.Contains(state)) CTDbIntf::CtError(kNotEditing);
   if (state == fw::dsSetKey && GetIndexFieldCount() > 0 && !GetIsIndexField(Field))
     CTDbIntf::CtErrorFmt(kFieldNotIndexed, {fw::Variant(Field->DisplayName())});
@@ -261,16 +263,25 @@ int TCTTable::CompareBookmarks(const fw::TBookmark& Bookmark1, const fw::TBookma
 
 void TCTTable::InternalEdit() {
   TCTRecordBuffer* active = RecBuf(ActiveBuffer());
-  FOldRecord = std::make_unique<TCTRecordBuffer>(FCursor.get());
-  FOldRecord->Assign(*active);
   Ctdb::TCTConnection& conn = Conn();
-  static_cast<void>(conn.OpenAllBlobs(FCursor.get(), active));
-  // An exclusively opened table is the only writer of its file: it needs no record lock.
+  // The storage cursor may stand on another row of the window: the record edited is the active one.
+  InternalSetToRecord(ActiveBuffer());
+  // An exclusively opened table is the only writer of its file: it needs no record lock. A
+  // shared one locks the record and then reads it again, so that the user edits what is stored
+  // now and not what was fetched before another user's change.
   if (!FExclusive && FEditLock == 0) {
     int32_t handle = 0;
     CTDbIntf::CtError(conn.LockRecord(FCursor.get(), handle));
     FEditLock = handle;
+    const int32_t reread = conn.GetCurrentRecord(FCursor.get(), Ctdb::dbiNOLOCK, active);
+    if (reread != 0) {
+      UnlockEditedRecord();
+      CTDbIntf::CtError(reread);
+    }
   }
+  FOldRecord = std::make_unique<TCTRecordBuffer>(FCursor.get());
+  FOldRecord->Assign(*active);
+  static_cast<void>(conn.OpenAllBlobs(FCursor.get(), active));
 }
 
 void TCTTable::UnlockEditedRecord() {
@@ -297,9 +308,14 @@ void TCTTable::InternalPost() {
   fw::TDataSet::InternalPost();
   TCTRecordBuffer* active = RecBuf(ActiveBuffer());
   Ctdb::TCTConnection& conn = Conn();
+  // The record rewritten is the active one, wherever the storage cursor stood.
+  if (State() == fw::dsEdit) InternalSetToRecord(ActiveBuffer());
   int32_t before = 0;
   const bool hadPosition = conn.GetBookMark(FCursor.get(), before) == 0;
   if (State() == fw::dsEdit) {
+    // A refused rewrite (a duplicate key, a record changed by another user) raises here and
+    // leaves the table in dsEdit with the user's values and the record lock, so that they can
+    // be corrected and posted again or cancelled.
     CTDbIntf::CtError(conn.ModifyRecord(FCursor.get(), active, FOldRecord.get(), true));
     UnlockEditedRecord();
     // A rewritten record may move in the file: bookmarks handed out for it follow it.
@@ -311,6 +327,11 @@ void TCTTable::InternalPost() {
     }
   } else {
     CTDbIntf::CtError(conn.AppendRecord(FCursor.get(), active));
+    // The new record becomes current (an append started from the end, where the cursor still
+    // stands), so that the window is rebuilt around it. A record that falls outside the range
+    // cannot become current: the window is then rebuilt where the cursor is.
+    int32_t added = 0;
+    if (conn.GetBookMark(FCursor.get(), added) == 0) static_cast<void>(conn.SetToBookMark(FCursor.get(), added));
   }
   FOldRecord.reset();
   FInsertType = Ctdb::isNone;
@@ -363,8 +384,15 @@ int TCTTable::GetRecordCount() const {
 int TCTTable::GetRecNo() const {
   TCTRecordBuffer* record = GetActiveRecBuf();
   if (FCursor == nullptr || record == nullptr || record->BookmarkFlag() != fw::bfCurrent) return -1;
+  Ctdb::TCTConnection& conn = Conn();
+  // Counting stands the storage cursor on the active record, which need not be the one the
+  // window was fetched up to: the position is saved and restored around it, as BookmarkValid
+  // does, so that the next fetch continues where it stood.
+  CTDbIntf::CtError(conn.SetContext(FCursor.get()));
   int32_t number = 0;
-  CTDbIntf::CtError(Conn().GetAlmostRecordNumber(FCursor.get(), record, number));
+  const int32_t counted = conn.GetAlmostRecordNumber(FCursor.get(), record, number);
+  CTDbIntf::CtError(conn.RestoreContext(FCursor.get()));
+  CTDbIntf::CtError(counted);
   return number;
 }
 

@@ -34,10 +34,18 @@ fw::TDateTime CTDateToDateTime(int32_t day);
 /// The c-tree day number of the day part of `date`; 0 for 0 and for dates outside years 1-9999.
 int32_t DateTimeToCtDate(fw::TDateTime date);
 
-/// Copies the 10-byte c-tree BCD at `ctBcd` (precision, sign and places, 8 digit bytes) over the
-/// first 10 bytes of `bcd`; the other digit bytes are left as they are.
+/// Digits the 10-byte c-tree BCD holds: two a byte in its 8 digit bytes.
+inline constexpr int kCtBcdDigits = 16;
+
+/// Copies the 10-byte c-tree BCD at `ctBcd` (precision, sign and places, 8 digit bytes packed
+/// from the first) over the first 10 bytes of `bcd` and zeroes the other 24 digit bytes.
 void CTreeBCDtoBDEBCD(const void* ctBcd, fw::TBcd& bcd);
-/// Copies the first 10 bytes of `bcd` to the 10 bytes at `ctBcd`.
-void BDEBCDtoCTreeBCD(const fw::TBcd& bcd, void* ctBcd);
+/// Writes `bcd` normalised to the 10 bytes at `ctBcd`: no leading zeros, no trailing fraction
+/// zeros, precision = the significant digits left, packed from the first digit byte, places
+/// kept (they may exceed the precision: 0.05 is one digit with 2 places); zero is precision 1,
+/// places 0, positive. Returns false, writing nothing, when that form needs
+/// more than kCtBcdDigits digits or `bcd` is malformed (precision above 64, a digit nibble
+/// above 9): a value is never cut.
+bool BDEBCDtoCTreeBCD(const fw::TBcd& bcd, void* ctBcd);
 
 }  // namespace Ctdb

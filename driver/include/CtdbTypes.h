@@ -78,6 +78,7 @@ enum : int32_t {
   kCtBeginOfTable = 1101,    // current record asked for before the first record
   kCtEndOfTable = 1102,      // current record asked for after the last record
   kCtRecordTooLong = 1103,   // a table definition whose record exceeds kCtMaxRecordLength
+  kCtValueDoesNotFit = 1104,  // a value the field's stored form cannot hold (BCD over 16 digits)
   kCtOffsetBeyondData = 1112,  // a field lies beyond the end of the record held
   kCtInvalidCursor = 1113,   // nil cursor
   kCtNoIndexes = 1114,       // the table has no index

@@ -188,7 +188,8 @@ class TCTConnection : public fw::TComponent {
   int32_t GetField(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, void* dest,
                    bool& isBlank);
   /// Writes the framework value at `src` (null: the field's empty value) into field `fieldNo`.
-  /// 47, 1113, 1125, 1112 as GetField (also when the buffer holds no record).
+  /// 47, 1113, 1125, 1112 as GetField (also when the buffer holds no record); 1104, with the
+  /// field unchanged, for a BCD value of more than 16 digits or money outside its 32-bit range.
   int32_t SetField(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, const void* src);
 
   // ==== storage driver: cursors, records, table and index definition, blobs ====
@@ -264,9 +265,11 @@ class TCTConnection : public fw::TComponent {
   /// Adds the buffer's record (FillRecord) with its keys; with the hook, keys of package indexes
   /// too. 2 on a unique clash (nothing written), 1116 when the record cannot be rebuilt.
   int32_t AppendRecord(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer);
-  /// Rewrites the current record with `buffer` when the stored one still equals `oldBuffer`;
-  /// otherwise (or on a clash) nothing changes and 0 is still returned (kept so). `release` ends
-  /// the lock set and returns that result. At cpBof/cpEof: cpNone and 1101/1102.
+  /// Rewrites the current record with `buffer` when the stored one still equals `oldBuffer`.
+  /// Otherwise nothing changes and 1135 is returned; a rewrite the storage refuses returns its
+  /// number (2 for a duplicate key) with the record and its keys as they were. `release` ends
+  /// the lock set (its result is returned when everything else succeeded). At cpBof/cpEof:
+  /// cpNone and 1101/1102.
   int32_t ModifyRecord(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer, TCTCustomRecordBuffer* oldBuffer,
                        bool release);
   /// Deletes the current record and its keys (package indexes too); returns the lock set's end
@@ -364,6 +367,7 @@ class TCTConnection : public fw::TComponent {
   void SetEmptyCharText(const std::string& value) { FEmptyChar = value.empty() ? '\0' : value[0]; }
   int32_t CheckCursor(const TCTCursorDesc* cursor) const;
   int32_t BuildSchemaFile(TCTCursorDesc* cursor, const std::string& schemaPath);
+  void RestorePackageKeys(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer, TCTCustomRecordBuffer* oldBuffer);
 
   bool FStreamedActive = false;
   bool FActive = false;

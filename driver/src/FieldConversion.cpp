@@ -73,8 +73,52 @@ int32_t DateTimeToCtDate(fw::TDateTime date) {
   return static_cast<int32_t>((int64_t{year} * 36525) / 100 + (month * 306) / 10 + day - kCtEpoch);
 }
 
-void CTreeBCDtoBDEBCD(const void* ctBcd, fw::TBcd& bcd) { std::memcpy(&bcd, ctBcd, kBcdBytes); }
+void CTreeBCDtoBDEBCD(const void* ctBcd, fw::TBcd& bcd) {
+  bcd = fw::TBcd{};
+  std::memcpy(&bcd, ctBcd, kBcdBytes);
+}
 
-void BDEBCDtoCTreeBCD(const fw::TBcd& bcd, void* ctBcd) { std::memcpy(ctBcd, &bcd, kBcdBytes); }
+// The framework right-aligns a value in as many digits as its precision asks for (CurrToBCD with
+// precision 32 puts 12.34 in the last digit bytes), so a plain copy of the first 8 digit bytes
+// would keep only leading zeros. The digits are normalised first and then packed from the
+// first byte; a value that needs more than 16 digits is refused rather than cut.
+bool BDEBCDtoCTreeBCD(const fw::TBcd& bcd, void* ctBcd) {
+  constexpr uint8_t kNegative = 0x80;
+  constexpr uint8_t kPlacesMask = 0x3F;
+  const int precision = bcd.Precision;
+  int places = bcd.SignSpecialPlaces & kPlacesMask;
+  if (precision > 64) return false;
+  uint8_t digits[64];
+  for (int k = 0; k < precision; ++k) {
+    const uint8_t byte = bcd.Fraction[k / 2];
+    digits[k] = k % 2 == 0 ? byte >> 4 : byte & 0x0F;
+    if (digits[k] > 9) return false;
+  }
+  int last = precision;  // one past the last digit kept
+  while (places > 0 && last > 0 && digits[last - 1] == 0) {
+    --last;
+    --places;
+  }
+  // Leading zeros go too, fraction ones included: 0.05 keeps the one digit 5 with 2 places (the
+  // framework reads places beyond the precision as leading fraction zeros).
+  int first = 0;
+  while (first < last && digits[first] == 0) ++first;
+  const int count = last - first;
+  if (count > kCtBcdDigits) return false;
+
+  uint8_t out[kBcdBytes] = {};
+  for (int k = 0; k < count; ++k) {
+    const uint8_t digit = digits[first + k];
+    out[2 + k / 2] |= static_cast<uint8_t>(k % 2 == 0 ? digit << 4 : digit);
+  }
+  if (count == 0) {
+    out[0] = 1;  // zero: one digit, no places, no sign
+  } else {
+    out[0] = static_cast<uint8_t>(count);
+    out[1] = static_cast<uint8_t>(places | ((bcd.SignSpecialPlaces & kNegative) != 0 ? kNegative : 0));
+  }
+  std::memcpy(ctBcd, out, kBcdBytes);
+  return true;
+}
 
 }  // namespace Ctdb

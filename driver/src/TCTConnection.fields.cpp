@@ -98,11 +98,14 @@ double SingleAsShown(float value) {
   return shown;
 }
 
-int32_t RoundToInt32(double value) {
-  const double rounded = std::nearbyint(value);  // half to even, as the framework rounds
-  if (!(rounded >= std::numeric_limits<int32_t>::min())) return std::numeric_limits<int32_t>::min();
-  if (rounded > std::numeric_limits<int32_t>::max()) return std::numeric_limits<int32_t>::max();
-  return static_cast<int32_t>(rounded);
+// Money is a 32-bit count of hundredths, rounded half to even as the framework rounds. A value
+// outside that range (or not a number) is refused instead of being clamped to its limit.
+bool ToCents(double value, int32_t& cents) {
+  const double rounded = std::nearbyint(value * 100.0);
+  if (!(rounded >= std::numeric_limits<int32_t>::min() && rounded <= std::numeric_limits<int32_t>::max()))
+    return false;
+  cents = static_cast<int32_t>(rounded);
+  return true;
 }
 
 }  // namespace
@@ -166,11 +169,14 @@ int32_t TCTConnection::GetField(TCTCursorDesc* cursor, int32_t fieldNo, TCTCusto
       }
       break;
     case CT_TIMES: {
-      // The day offset is added to the millisecond count, not to the day: a stored time stamp
-      // does not read back as the value SetField wrote. Kept so for existing applications.
+      // Deliberately not the historic reading, which added the day offset to the millisecond
+      // count, so that a time stamp never read back as the value written (2020-01-01 came back
+      // as 0320-11-03 00:10:20). The stored layout is unchanged (SetField subtracts the offset
+      // from the day); reading adds it back to the day, so every value written comes back as
+      // written and files written by other programs read as the dates they hold.
       isBlank = IsBlankBuffer(p, length, empty);
-      double msecs = LoadAt<int32_t>(p) * kMSecsPerDay + LoadAt<int32_t>(p + 4);
-      if (!isBlank) msecs += kCtDateOffset;
+      const int64_t day = int64_t{LoadAt<int32_t>(p)} + (isBlank ? 0 : kCtDateOffset);
+      const double msecs = static_cast<double>(day) * kMSecsPerDay + LoadAt<int32_t>(p + 4);
       if (out != nullptr) StoreAt(out, msecs);
       break;
     }
@@ -233,7 +239,12 @@ int32_t TCTConnection::SetField(TCTCursorDesc* cursor, int32_t fieldNo, TCTCusto
   switch (code) {
     case CT_CHAR:
     case CT_CHARU: p[0] = in != nullptr ? in[0] : empty; break;
-    case CT_MONEY: StoreAt(p, in != nullptr ? RoundToInt32(LoadAt<double>(in) * 100.0) : 0); break;
+    case CT_MONEY: {
+      int32_t cents = 0;
+      if (in != nullptr && !ToCents(LoadAt<double>(in), cents)) return kCtValueDoesNotFit;
+      StoreAt(p, cents);
+      break;
+    }
     case CT_DATE: StoreAt(p, in != nullptr ? LoadAt<int32_t>(in) - kCtDateOffset : 0); break;
     case CT_TIME: StoreAt(p, in != nullptr ? LoadAt<int32_t>(in) : 0); break;
     case CT_SFLOAT: StoreAt(p, in != nullptr ? static_cast<float>(LoadAt<double>(in)) : 0.0f); break;
@@ -241,7 +252,7 @@ int32_t TCTConnection::SetField(TCTCursorDesc* cursor, int32_t fieldNo, TCTCusto
       if (in != nullptr) {
         fw::TBcd bcd;
         std::memcpy(&bcd, in, sizeof bcd);
-        BDEBCDtoCTreeBCD(bcd, p);
+        if (!BDEBCDtoCTreeBCD(bcd, p)) return kCtValueDoesNotFit;
       } else {
         std::memset(p, 0, 10);
       }

@@ -134,19 +134,41 @@ int32_t TCTConnection::ModifyRecord(TCTCursorDesc* cursor, TCTCustomRecordBuffer
   // are built from the same bytes.
   if (cursor->HasBlobs && !buffer->FillRecord()) return kCtOutOfMemory;
   if (const int32_t r = CTDbIntf::LockISAM(a, ENABLE)) return r;
+  // Deliberately not silent: a record changed by someone else since it was read (1135) and a
+  // rewrite the storage refuses (2 for a duplicate key, ...) are returned, so that the caller
+  // does not report as posted an edit that was never written. The record is left as it was.
+  int32_t result = 0;
   try {
-    // A record changed by someone else since it was read is left alone, and the call still
-    // reports success: kept so, the dataset layer relies on this result.
-    if (CheckRecord(cursor, oldBuffer, buffer) == 0 && buffer->RecordPtr() != nullptr) {
-      (void)(cursor->HasBlobs
-                 ? CTDbIntf::ReWriteVRecord(a, cursor->DataFileNo, buffer->RecordPtr(), buffer->RecordSize())
-                 : CTDbIntf::ReWriteRecord(a, cursor->DataFileNo, buffer->RecordPtr()));
+    result = CheckRecord(cursor, oldBuffer, buffer);
+    if (result == 0 && buffer->RecordPtr() == nullptr) result = kCtOutOfMemory;
+    if (result == 0) {
+      result = cursor->HasBlobs
+                   ? CTDbIntf::ReWriteVRecord(a, cursor->DataFileNo, buffer->RecordPtr(), buffer->RecordSize())
+                   : CTDbIntf::ReWriteRecord(a, cursor->DataFileNo, buffer->RecordPtr());
     }
+    // Keys of package-maintained indexes may have been moved (all or some) before the refusal.
+    if (result != 0 && result != kCtRecordChanged && OnIndexKey) RestorePackageKeys(cursor, buffer, oldBuffer);
   } catch (...) {
     (void)EndLockSet(a);
     throw;
   }
-  return release ? EndLockSet(a) : 0;
+  const int32_t released = release ? EndLockSet(a) : 0;
+  return result != 0 ? result : released;
+}
+
+// CheckRecord moves the keys of package-maintained indexes to the new record before the rewrite;
+// when the change is refused they go back to the record as stored (which equals `oldBuffer`).
+// Each step may find nothing to do (a key never moved, one the hook kept out): that is ignored.
+void TCTConnection::RestorePackageKeys(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer,
+                                       TCTCustomRecordBuffer* oldBuffer) {
+  const CTDbIntf::TLoadAlignment a = Alignment();
+  const int32_t pos = CTDbIntf::CurrentFileOffset(a, cursor->DataFileNo);
+  const std::vector<uint8_t> data = RecordOf(buffer);
+  for (CTIdxDesc& index : cursor->Indexes) {
+    if (!PackageMaintained(index)) continue;
+    (void)DeleteKeyAt(a, index.IndexId, data, pos);
+    (void)AddIndexKey(cursor, &index, oldBuffer);
+  }
 }
 
 int32_t TCTConnection::RemoveRecord(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer) {

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "DriverTestSupport.h"
+#include "TBcd.h"
 
 namespace Ctdb::testing {
 namespace {
@@ -128,6 +129,9 @@ TEST_F(FieldTest, MoneyDatesTimesAndFloats) {
   ASSERT_EQ(SetValue(1, 0.125), 0);
   std::memcpy(&stored, At(1), 4);
   EXPECT_EQ(stored, 12) << "halves round to even";
+  EXPECT_EQ(SetValue(1, 21474836.48), kCtValueDoesNotFit) << "not clamped to the 32-bit limit";
+  std::memcpy(&stored, At(1), 4);
+  EXPECT_EQ(stored, 12);
   ASSERT_EQ(Set(1, nullptr), 0);
   EXPECT_EQ(Get<double>(1, blank), 0.0);
   EXPECT_TRUE(blank) << "zero money is all EmptyChar bytes when EmptyChar is #0";
@@ -152,7 +156,7 @@ TEST_F(FieldTest, MoneyDatesTimesAndFloats) {
   EXPECT_FALSE(blank) << "integer fields are never blank";
 }
 
-TEST_F(FieldTest, TimeStampsAddTheDayOffsetToTheMilliseconds) {
+TEST_F(FieldTest, TimeStampsKeepTheStoredLayoutAndReadBackAsWritten) {
   Define({{"s", CT_TIMES, 8}});
   bool blank = true;
   const double noonOfNewYear2000 = 63082411200000.0;
@@ -161,7 +165,7 @@ TEST_F(FieldTest, TimeStampsAddTheDayOffsetToTheMilliseconds) {
   std::memcpy(words, At(1), 8);
   EXPECT_EQ(words[0], 109514);
   EXPECT_EQ(words[1], 43200000) << "milliseconds are truncated";
-  EXPECT_EQ(Get<double>(1, blank), 109514.0 * 86400000.0 + 43200000.0 + 620606.0);
+  EXPECT_EQ(Get<double>(1, blank), noonOfNewYear2000);
   EXPECT_FALSE(blank);
 
   ASSERT_EQ(SetValue(1, -5.0), 0);
@@ -170,30 +174,42 @@ TEST_F(FieldTest, TimeStampsAddTheDayOffsetToTheMilliseconds) {
   EXPECT_EQ(words[1], 0);
   EXPECT_EQ(Get<double>(1, blank), 0.0);
   EXPECT_TRUE(blank);
-  ASSERT_EQ(SetValue(1, 86400000.0 * 3), 0);  // day 3 lies before c-tree's day 0
+  ASSERT_EQ(SetValue(1, 86400000.0 * 3 + 1), 0);  // day 3 lies before c-tree's day 0
   std::memcpy(words, At(1), 8);
   EXPECT_EQ(words[0], 3 - 620606);
+  EXPECT_EQ(Get<double>(1, blank), 86400000.0 * 3 + 1);
 }
 
-TEST_F(FieldTest, BcdCopiesTheTenBytesCTreeKeeps) {
+// The framework right-aligns digits (CurrToBCD) or packs them from the first byte (StrToBCD);
+// both must come back by value, up to the 16 digits the stored form holds.
+TEST_F(FieldTest, BcdIsStoredNormalisedAndReadsBackByValue) {
   Define({{"b", CT_BCD, 10}});
-  fw::TBcd value{};
-  uint8_t raw[sizeof(fw::TBcd)] = {};
-  raw[0] = 20;    // precision
-  raw[1] = 0x82;  // negative, 2 places
-  raw[9] = 0x12;
-  raw[10] = 0x34;  // digits beyond the 16 that c-tree keeps
-  std::memcpy(&value, raw, sizeof raw);
-  ASSERT_EQ(Set(1, &value), 0);
-  EXPECT_EQ(Bytes(1, 10), std::string(reinterpret_cast<char*>(raw), 10));
-
-  uint8_t back[sizeof(fw::TBcd)];
-  std::memset(back, 0xEE, sizeof back);
   bool blank = true;
-  ASSERT_EQ(Conn->GetField(&Cursor, 1, Buffer.get(), back, blank), 0);
-  EXPECT_FALSE(blank);
-  EXPECT_EQ(std::memcmp(back, raw, 10), 0);
-  for (size_t i = 10; i < sizeof back; ++i) EXPECT_EQ(back[i], 0) << "digit byte " << i;
+  const auto roundTrip = [&](const fw::TBcd& value) {
+    EXPECT_EQ(Set(1, &value), 0);
+    fw::TBcd back{};
+    std::memset(&back, 0xEE, sizeof back);
+    EXPECT_EQ(Conn->GetField(&Cursor, 1, Buffer.get(), &back, blank), 0);
+    EXPECT_FALSE(blank);
+    return back;
+  };
+  fw::TBcd value{};
+  ASSERT_TRUE(fw::CurrToBCD(fw::Currency{12345600}, value, 32, 4));  // 1234.56
+  fw::TBcd back = roundTrip(value);
+  EXPECT_EQ(Bytes(1, 10), std::string("\x06\x02\x12\x34\x56\0\0\0\0\0", 10)) << "6 digits, 2 places";
+  EXPECT_EQ(fw::BCDCompare(back, value), 0);
+  for (size_t i = 8; i < sizeof back.Fraction; ++i) EXPECT_EQ(back.Fraction[i], 0) << "digit byte " << i;
+
+  for (const char* text : {"-12345678901234.56", "0.00000000000000001", "9999999999999999", "0", "-0.05"}) {
+    value = fw::StrToBCD(text);
+    EXPECT_EQ(fw::BCDToStr(roundTrip(value)), fw::BCDToStr(value)) << text;
+  }
+
+  value = fw::StrToBCD("12345678901234567");  // 17 digits
+  ASSERT_EQ(Set(1, &value), kCtValueDoesNotFit);
+  EXPECT_EQ(fw::BCDToStr(roundTrip(fw::StrToBCD("1"))), "1") << "a refused value writes nothing";
+  ASSERT_EQ(Set(1, &value), kCtValueDoesNotFit);
+  EXPECT_EQ(Bytes(1, 10), std::string("\x01\0\x10\0\0\0\0\0\0\0", 10));
 
   ASSERT_EQ(Set(1, nullptr), 0);
   EXPECT_EQ(Bytes(1, 10), std::string(10, '\0'));

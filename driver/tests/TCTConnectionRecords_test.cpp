@@ -70,12 +70,12 @@ TEST_F(RecordTest, ModifyRewritesTheRecordAndMovesItsKeys) {
   EXPECT_EQ(GroupOf(2), 99);
   UseIndex("ByGroup");
   EXPECT_EQ(Walk(true), (Ids{1, 3, 4, 2}));
-  // A rewrite that would clash on the unique index changes nothing, and still reports 0.
+  // A rewrite that would clash on the unique index changes nothing and says so.
   TCTCustomRecordBuffer* three = Fetch(3);
   TCTCustomRecordBuffer* clash = WithGroup(three, 5);
   const int32_t one = 1;
   std::memcpy(clash->RecordPtr(), &one, 4);
-  EXPECT_EQ(Conn->ModifyRecord(Cursor.get(), clash, three, true), 0);
+  EXPECT_EQ(Conn->ModifyRecord(Cursor.get(), clash, three, true), KDUP_ERR);
   EXPECT_EQ(GroupOf(3), 30);
   EXPECT_EQ(Count(), 4);
 }
@@ -106,7 +106,7 @@ TEST_F(RecordTest, ARecordChangedByAnotherUserIsLeftAsThatUserWroteIt) {
   ASSERT_EQ(Conn->CloseCursor(other), 0);
 
   EXPECT_EQ(Conn->CheckRecord(Cursor.get(), mine), kCtRecordChanged);
-  EXPECT_EQ(Conn->ModifyRecord(Cursor.get(), WithGroup(mine, 55), mine, true), 0);
+  EXPECT_EQ(Conn->ModifyRecord(Cursor.get(), WithGroup(mine, 55), mine, true), kCtRecordChanged);
   EXPECT_EQ(GroupOf(2), 77);
   UseIndex("ByGroup");
   EXPECT_EQ(Walk(true), (Ids{1, 3, 2}));
@@ -196,6 +196,19 @@ TEST_F(PackageIndexTest, TheHookDecidesWhichRecordsGetKeys) {
   // Without a hook appends leave the package index alone.
   ASSERT_EQ(Append(5, 50), 0);
   EXPECT_EQ(PackageKeys(), 1);
+}
+
+TEST_F(PackageIndexTest, ARefusedRewriteGivesThePackageKeysBack) {
+  ASSERT_EQ(Append(1, 10), 0);
+  ASSERT_EQ(Append(2, 30), 0);
+  TCTCustomRecordBuffer* two = Fetch(2);
+  TCTCustomRecordBuffer* clash = WithGroup(two, 50);
+  const int32_t one = 1;
+  std::memcpy(clash->RecordPtr(), &one, 4);
+  EXPECT_EQ(Conn->ModifyRecord(Cursor.get(), clash, two, true), KDUP_ERR);
+  EXPECT_EQ(PackageKeys(), 2);
+  EXPECT_EQ(Append(3, 30), KDUP_ERR) << "the key of group 30 is back";
+  EXPECT_EQ(Append(4, 50), 0) << "and the one of group 50 gone";
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // KeyBuilder: segment transforms (integers big-endian with the sign flipped, floats by their
-// order-preserving bit transform, text padded and optionally upper-cased, descending inverted).
+// order-preserving bit transform, BCD by sign, exponent and digits, text padded and optionally
+// upper-cased, descending inverted).
 #include "KeyBuilder.h"
 
 #include <cstring>
@@ -25,6 +26,37 @@ void StoreBE(uint64_t v, int n, uint8_t* out) {
 }
 
 uint32_t PrefixLen(const uint8_t* p, int width) { return static_cast<uint32_t>(LoadLE(p, width)); }
+
+constexpr int kBcdLen = 10;
+
+// A 10-byte BCD (precision, sign bit 7 and places in bits 0-5, 16 digits packed from byte 2) as
+// 10 bytes whose order is value order: a class byte (0x40 negative, 0x80 zero, 0xC0 positive),
+// the decimal exponent of the first significant digit biased by 128, then the significant
+// digits from that one on. Negative values invert the exponent and digits, so that a larger
+// magnitude sorts first. Digits a precision claims beyond the 16 stored count as zeros.
+void BcdKey(const uint8_t* src, uint8_t* out) {
+  int digits[16];
+  for (int k = 0; k < 16; ++k) digits[k] = (k % 2 == 0 ? src[2 + k / 2] >> 4 : src[2 + k / 2] & 0x0F) % 10;
+  const int precision = src[0];
+  const int places = src[1] & 0x3F;
+  const int stored = precision < 16 ? precision : 16;
+  int first = 0;
+  while (first < stored && digits[first] == 0) ++first;
+  std::memset(out, 0, kBcdLen);
+  if (first == stored) {
+    out[0] = 0x80;
+    return;
+  }
+  const bool negative = (src[1] & 0x80) != 0;
+  int exponent = precision - places - first;
+  exponent = exponent < -127 ? -127 : exponent > 127 ? 127 : exponent;
+  out[0] = negative ? 0x40 : 0xC0;
+  out[1] = static_cast<uint8_t>(exponent + 128);
+  for (int k = first; k < stored; ++k)
+    out[2 + (k - first) / 2] |= static_cast<uint8_t>((k - first) % 2 == 0 ? digits[k] << 4 : digits[k]);
+  if (negative)
+    for (int i = 1; i < kBcdLen; ++i) out[i] = static_cast<uint8_t>(~out[i]);
+}
 
 }  // namespace
 
@@ -86,6 +118,8 @@ KeyLayout KeyLayout::Compile(const IndexDef& ix, const std::vector<FieldDef>& fi
           case CT_F4STRING:
           case CT_4STRING: s.xform = kPStr4; break;
           case CT_STRING: s.xform = kZStr; break;
+          case CT_BCDOLD:
+          case CT_BCD: s.xform = kBcd; break;
           default: s.xform = kBytes; break;
         }
         break;
@@ -135,6 +169,7 @@ void KeyLayout::Emit(const Seg& s, const uint8_t* src, size_t avail, uint8_t* ou
                      bool& allEmpty) const {
   const int n = s.length;
   uint8_t tmp[8];
+  uint8_t tmp10[kBcdLen];
   const uint8_t* from = src;
   size_t have = avail;
   bool numeric = false;
@@ -184,6 +219,14 @@ void KeyLayout::Emit(const Seg& s, const uint8_t* src, size_t avail, uint8_t* ou
       if (z) have = static_cast<const uint8_t*>(z) - src;
       break;
     }
+    case kBcd:
+      if (avail >= static_cast<size_t>(kBcdLen) && n >= kBcdLen) {
+        BcdKey(src, tmp10);
+        from = tmp10;
+        have = kBcdLen;
+        numeric = true;
+      }
+      break;
     case kBytes: break;
   }
   size_t take = have < static_cast<size_t>(n) ? have : n;

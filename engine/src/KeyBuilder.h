@@ -29,7 +29,7 @@ class KeyLayout {
   void TransformRaw(uint8_t* key) const;
 
  private:
-  enum Xform : uint8_t { kBytes, kUInt, kSInt, kFloat, kStamp, kPStr1, kPStr2, kPStr4, kZStr };
+  enum Xform : uint8_t { kBytes, kUInt, kSInt, kFloat, kStamp, kPStr1, kPStr2, kPStr4, kZStr, kBcd };
   struct Seg {
     int offset = 0;  // byte offset in the record, or the field number (byField)
     int length = 0;

@@ -77,6 +77,38 @@ TEST(KeyBuilder, SchemaSegmentsFollowFieldTypesAndVariableOffsets) {
   EXPECT_EQ(out[7], 5);
 }
 
+// A 10-byte BCD field: precision (the digit count), sign and places, the digits packed from
+// byte 2 (a precision beyond the digits given counts trailing zeros, as a writer may leave).
+struct Bcd {
+  uint8_t bytes[10] = {};
+  Bcd(bool negative, int places, const char* digits, int precision = -1) {
+    const int count = static_cast<int>(std::strlen(digits));
+    bytes[0] = static_cast<uint8_t>(precision < 0 ? count : precision);
+    bytes[1] = static_cast<uint8_t>(places | (negative ? 0x80 : 0));
+    for (int k = 0; k < count; ++k)
+      bytes[2 + k / 2] |= static_cast<uint8_t>((digits[k] - '0') << (k % 2 == 0 ? 4 : 0));
+  }
+};
+
+TEST(KeyBuilder, BcdSegmentsSortByValueWhateverTheEncoding) {
+  std::vector<FieldDef> fields = {{"b", CT_BCD, 10}};
+  for (int mode : {SCHSEG, SCHSEG | DSCSEG}) {
+    const KeyLayout k = KeyLayout::Compile(OneSegment(0, 10, mode), fields);
+    const std::vector<Bcd> ascending = {
+        Bcd(true, 0, "9999999999999999"), Bcd(true, 0, "1000"), Bcd(true, 1, "125"), Bcd(true, 2, "5"),
+        Bcd(false, 0, "0"),  Bcd(false, 3, "1"),  Bcd(false, 2, "5"), Bcd(false, 1, "5"),
+        Bcd(false, 0, "9"),  Bcd(false, 0, "10"), Bcd(false, 2, "1234"), Bcd(false, 0, "9999999999999999")};
+    for (size_t i = 1; i < ascending.size(); ++i) {
+      const std::string low = KeyOf(k, ascending[i - 1]), high = KeyOf(k, ascending[i]);
+      EXPECT_TRUE((mode & DSCSEG) != 0 ? high < low : low < high) << "mode " << mode << ", value " << i;
+    }
+    // Leading and trailing zeros, zero's sign and the null BCD change the bytes, not the value.
+    EXPECT_EQ(KeyOf(k, Bcd(false, 3, "0012340")), KeyOf(k, Bcd(false, 2, "1234")));
+    EXPECT_EQ(KeyOf(k, Bcd(false, 2, "5", 3)), KeyOf(k, Bcd(false, 0, "5")));
+    EXPECT_EQ(KeyOf(k, Bcd(true, 0, "0")), KeyOf(k, Bcd(false, 0, "")));
+  }
+}
+
 TEST(KeyBuilder, NullKeysAndDuplicateSuffix) {
   std::vector<FieldDef> none;
   IndexDef ix = OneSegment(0, 4, REGSEG, 1);

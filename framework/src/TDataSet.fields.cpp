@@ -133,13 +133,14 @@ void TDataSet::DataConvert(TField* Field, const void* Source, void* Dest, bool T
 
 // --- Access helpers ---------------------------------------------------------------------------
 
+// Every name up to the end of the text is looked up, blank ones too (" " raises field not
+// found); only the empty text, and nothing after a final ";", gives no name.
 void TDataSet::GetFieldList(std::vector<TField*>& List, const std::string& FieldNames) const {
   std::size_t pos = 0;
-  while (pos <= FieldNames.size()) {
+  while (pos < FieldNames.size()) {
     std::size_t end = FieldNames.find(';', pos);
     if (end == std::string::npos) end = FieldNames.size();
-    const std::string name = Trim(std::string_view(FieldNames).substr(pos, end - pos));
-    if (!name.empty() || end < FieldNames.size()) List.push_back(FieldByName(name));
+    List.push_back(FieldByName(Trim(std::string_view(FieldNames).substr(pos, end - pos))));
     pos = end + 1;
   }
 }

@@ -425,6 +425,9 @@ TEST_F(DataSetTest, FieldValuesReadAndWriteSeveralFields) {
   list.clear();
   Table->GetFieldList(list, "");
   EXPECT_TRUE(list.empty());
+  EXPECT_THROW(Table->GetFieldList(list, " "), EDatabaseError);  // a blank name is not no name
+  Table->GetFieldList(list, " ID ;Name;");
+  EXPECT_EQ(list.size(), 2u);
 }
 
 TEST_F(DataSetTest, FilterRecordSkipsRejectedRecordsInBothDirections) {

@@ -167,6 +167,22 @@ TEST_F(TableLayerTest, MissingTablesIndexesAndBadRanges) {
   EXPECT_NE(out.str().find("records  5\n"), std::string::npos) << out.str();
 }
 
+TEST_F(TableLayerTest, DecimalsAndDateTimesComeBackAsImported) {
+  ASSERT_EQ(Run({"create", "ledger", "-f", "no:integer,price:currency,amount:bcd:16.4,at:datetime", "-x",
+                 "byamount:amount"}),
+            kExitOk)
+      << err.str();
+  const std::string rows =
+      "no,price,amount,at\r\n"
+      "1,12.3456,-123456789012.3456,2020-01-01 08:30:00\r\n"
+      "2,-0.0001,1234.56,1999-12-31 23:59:59\r\n";
+  const fs::path csv = dir / "ledger.csv";
+  std::ofstream(csv) << rows;
+  ASSERT_EQ(Run({"import", "ledger", csv.string()}), kExitOk) << err.str();
+  ASSERT_EQ(Run({"export", "ledger", "--index", "byamount"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), rows);
+}
+
 TEST_F(TableLayerTest, CreateImportChangeIndexesAndDrop) {
   ASSERT_EQ(Run({"create", "orders", "-f", "no:integer,customer:string:20,amount:float", "-x", "byno:no:primary",
                  "-x", "bycustomer:customer+no"}),
