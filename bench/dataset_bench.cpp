@@ -26,6 +26,7 @@ struct Customer {  // the record image of the table (byte alignment)
   char name[30];
   char city[20];
   double balance;
+  char slack[10];  // the connection makes records 10 bytes longer than their fields
 };
 #pragma pack(pop)
 

@@ -42,9 +42,10 @@ class TCTCursorDesc {
   bool KeyFieldsValid = false;
   std::array<int32_t, 256> KeyFields{};
 
-  // Buffers of the current index's key and of physical-order reads.
+  // Buffers of the current index's key and of the records steps and seeks read.
   std::vector<uint8_t> KeyBuffer;  ///< Sized to the current index's key length.
   std::vector<uint8_t> ReadBuffer;
+  std::vector<uint8_t> FoundKey;   ///< The key the last step or seek in an index found.
   int32_t FixedRecLength = 0;
 
   // Key range of the current index.

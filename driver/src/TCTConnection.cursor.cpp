@@ -223,49 +223,123 @@ int32_t TCTConnection::GetLKey(TCTCursorDesc* cursor, std::vector<uint8_t>& key)
 
 namespace {
 
+// The cursor's buffer for fixed-length records read by a step or a seek.
+uint8_t* RecordSpace(TCTCursorDesc* cursor) {
+  std::vector<uint8_t>& record = cursor->ReadBuffer;
+  const size_t length = static_cast<size_t>(std::max(cursor->FixedRecLength, 0));
+  if (record.size() != length) record.assign(length, 0);
+  return record.data();
+}
+
+// The cursor's buffer for the key a step or a seek found (room for the longest key).
+uint8_t* KeySpace(TCTCursorDesc* cursor) {
+  const size_t length = static_cast<size_t>(std::max<int32_t>(KeyLength(cursor), CT_MAXKEYLEN));
+  if (cursor->FoundKey.size() < length) cursor->FoundKey.assign(length, 0);
+  return cursor->FoundKey.data();
+}
+
+// Reads the first record of the range from its low end (forward) or its high end, with the
+// search calls that read the record they find.
+int32_t ReadRangeEnd(TCTConnection& conn, TCTCursorDesc* cursor, bool forward, void* record) {
+  const CTDbIntf::TLoadAlignment a = conn.Alignment();
+  const int16_t keyno = cursor->KeyNo;
+  const bool duplicates = AllowsDuplicates(a, keyno);
+  if (forward) {
+    std::vector<uint8_t> target =
+        Target(cursor->RangeLow, KeyLength(cursor), duplicates, cursor->RangeLowInclusive ? 0x00 : 0xFF);
+    return cursor->RangeLowInclusive ? CTDbIntf::GetGTERecord(a, keyno, target.data(), record)
+                                     : CTDbIntf::GetGTRecord(a, keyno, target.data(), record);
+  }
+  std::vector<uint8_t> target =
+      Target(cursor->RangeHigh, KeyLength(cursor), duplicates, cursor->RangeHighInclusive ? 0xFF : 0x00);
+  return cursor->RangeHighInclusive ? CTDbIntf::GetLTERecord(a, keyno, target.data(), record)
+                                    : CTDbIntf::GetLTRecord(a, keyno, target.data(), record);
+}
+
+// Checks the key the index stands on against the cursor's range after a call that read a
+// record. Outside the range, the record that was current before (`previous`) becomes current
+// again, so that a step or seek past the range leaves the data file where it was.
+int32_t KeepInRange(TCTConnection& conn, TCTCursorDesc* cursor, int32_t previous) {
+  if (!cursor->RangeActive) return 0;
+  const CTDbIntf::TLoadAlignment a = conn.Alignment();
+  uint8_t* key = KeySpace(cursor);
+  int32_t length = 0;
+  if (const int16_t r = CTDbIntf::CurrentISAMKey(a, cursor->KeyNo, key, &length)) return r;
+  const int32_t result = conn.IsInRange(cursor, key, KeyLength(cursor));
+  if (result != 0 && previous != 0) (void)CTDbIntf::SetRecord(a, cursor->DataFileNo, previous, nullptr, 0);
+  return result;
+}
+
 // Moves one record forward (forward true) or backward in the current order and makes it current;
-// `pos` receives its position.
-int32_t StepRecord(TCTConnection& conn, TCTCursorDesc* cursor, bool forward, int32_t& pos) {
+// `pos` receives its position. `read` tells whether the cursor's ReadBuffer now holds the whole
+// record (fixed-length records: the navigation call read it, so it is not read a second time).
+int32_t StepRecord(TCTConnection& conn, TCTCursorDesc* cursor, bool forward, int32_t& pos, bool& read) {
   const CTDbIntf::TLoadAlignment a = conn.Alignment();
   const int16_t datno = cursor->DataFileNo;
   const bool fromEnd = cursor->Position == (forward ? cpBof : cpEof);
+  read = false;
   if (PhysicalOrder(cursor)) {
-    std::vector<uint8_t>& record = cursor->ReadBuffer;
-    if (record.size() < static_cast<size_t>(cursor->FixedRecLength))
-      record.assign(static_cast<size_t>(cursor->FixedRecLength), 0);
+    uint8_t* record = RecordSpace(cursor);
     int32_t r;
     if (forward)
-      r = fromEnd ? CTDbIntf::FirstRecord(a, datno, record.data()) : CTDbIntf::NextRecord(a, datno, record.data());
+      r = fromEnd ? CTDbIntf::FirstRecord(a, datno, record) : CTDbIntf::NextRecord(a, datno, record);
     else
-      r = fromEnd ? CTDbIntf::LastRecord(a, datno, record.data()) : CTDbIntf::PreviousRecord(a, datno, record.data());
+      r = fromEnd ? CTDbIntf::LastRecord(a, datno, record) : CTDbIntf::PreviousRecord(a, datno, record);
     if (r != 0) return r;
     pos = CTDbIntf::CurrentFileOffset(a, datno);
+    read = !cursor->HasBlobs;
     return pos == 0 ? NotFound(a) : 0;
   }
   const int16_t keyno = cursor->KeyNo;
-  std::vector<uint8_t> key(static_cast<size_t>(std::max<int32_t>(KeyLength(cursor), CT_MAXKEYLEN)), 0);
-  if (fromEnd && cursor->RangeActive)
-    pos = forward ? conn.GetGKey(cursor, key) : conn.GetLKey(cursor, key);
-  else if (fromEnd)
-    pos = forward ? CTDbIntf::FirstKey(a, keyno, key.data()) : CTDbIntf::LastKey(a, keyno, key.data());
-  else
-    pos = forward ? CTDbIntf::NextKey(a, keyno, key.data()) : CTDbIntf::PreviousKey(a, keyno, key.data());
+  if (!cursor->HasBlobs) {
+    // One call steps the index and reads the record it lands on, making it current.
+    const int32_t previous = cursor->RangeActive ? CTDbIntf::CurrentFileOffset(a, datno) : 0;
+    uint8_t* record = RecordSpace(cursor);
+    int32_t r;
+    if (fromEnd && cursor->RangeActive)
+      r = ReadRangeEnd(conn, cursor, forward, record);
+    else if (fromEnd)
+      r = forward ? CTDbIntf::FirstRecord(a, keyno, record) : CTDbIntf::LastRecord(a, keyno, record);
+    else
+      r = forward ? CTDbIntf::NextRecord(a, keyno, record) : CTDbIntf::PreviousRecord(a, keyno, record);
+    if (r != 0) return r;
+    if (const int32_t out = KeepInRange(conn, cursor, previous)) return out;
+    pos = CTDbIntf::CurrentFileOffset(a, datno);
+    read = true;
+    return pos == 0 ? NotFound(a) : 0;
+  }
+  // Variable-length records: the key step, then the record is read at its length.
+  uint8_t* key = KeySpace(cursor);
+  std::vector<uint8_t> rangeKey;
+  if (fromEnd && cursor->RangeActive) {
+    pos = forward ? conn.GetGKey(cursor, rangeKey) : conn.GetLKey(cursor, rangeKey);
+    key = rangeKey.data();
+  } else if (fromEnd) {
+    pos = forward ? CTDbIntf::FirstKey(a, keyno, key) : CTDbIntf::LastKey(a, keyno, key);
+  } else {
+    pos = forward ? CTDbIntf::NextKey(a, keyno, key) : CTDbIntf::PreviousKey(a, keyno, key);
+  }
   if (pos == 0) return NotFound(a);
   if (cursor->RangeActive) {
-    if (const int32_t r = conn.IsInRange(cursor, key.data(), KeyLength(cursor))) return r;
+    if (const int32_t r = conn.IsInRange(cursor, key, KeyLength(cursor))) return r;
   }
   return CTDbIntf::SetRecord(a, datno, pos, nullptr, 0);
 }
 
 int32_t LoadCurrent(TCTConnection& conn, TCTCursorDesc* cursor, CTLockType lockType, TCTCustomRecordBuffer* buffer,
-                    int32_t pos) {
+                    int32_t pos, bool read) {
   if (lockType != dbiNOLOCK) {
     if (const int32_t r = conn.LockData(cursor->DataFileNo, LockMode(lockType))) return r;
   }
   if (buffer == nullptr) return 0;
-  std::vector<uint8_t> data;
-  if (const int32_t r = conn.ReadRecord(cursor, data)) return r;
-  buffer->SetRecord(std::move(data));
+  // A record locked after it was read is read again: another user may have changed it meanwhile.
+  if (read && lockType == dbiNOLOCK) {
+    buffer->SetRecord(cursor->ReadBuffer.data(), static_cast<int32_t>(cursor->ReadBuffer.size()));
+  } else {
+    std::vector<uint8_t> data;
+    if (const int32_t r = conn.ReadRecord(cursor, data)) return r;
+    buffer->SetRecord(std::move(data));
+  }
   buffer->SetBookmark(&pos);
   return 0;
 }
@@ -278,8 +352,9 @@ int32_t TCTConnection::GetNextRecord(TCTCursorDesc* cursor, CTLockType lockType,
   int32_t result;
   try {
     int32_t pos = 0;
-    result = StepRecord(*this, cursor, true, pos);
-    if (result == 0) result = LoadCurrent(*this, cursor, lockType, buffer, pos);
+    bool read = false;
+    result = StepRecord(*this, cursor, true, pos, read);
+    if (result == 0) result = LoadCurrent(*this, cursor, lockType, buffer, pos, read);
   } catch (const std::bad_alloc&) {
     result = kCtOutOfMemory;
   }
@@ -300,8 +375,9 @@ int32_t TCTConnection::GetPriorRecord(TCTCursorDesc* cursor, CTLockType lockType
   int32_t result;
   try {
     int32_t pos = 0;
-    result = StepRecord(*this, cursor, false, pos);
-    if (result == 0) result = LoadCurrent(*this, cursor, lockType, buffer, pos);
+    bool read = false;
+    result = StepRecord(*this, cursor, false, pos, read);
+    if (result == 0) result = LoadCurrent(*this, cursor, lockType, buffer, pos, read);
   } catch (const std::bad_alloc&) {
     result = kCtOutOfMemory;
   }
@@ -333,8 +409,18 @@ int32_t TCTConnection::GetCurrentRecord(TCTCursorDesc* cursor, CTLockType lockTy
       if (cursor->RangeActive) {
         if (const int32_t r = IsInRange(cursor, key.data(), static_cast<int32_t>(key.size()))) return r;
       }
-      std::vector<uint8_t> found(static_cast<size_t>(std::max<int32_t>(KeyLength(cursor), CT_MAXKEYLEN)), 0);
-      const int32_t foundPos = CTDbIntf::GetGTEKey(a, cursor->KeyNo, key.data(), found.data());
+      // After a step or a seek the index stands on this record already: its current key is the
+      // record's key. Otherwise the key is looked up, and the record made current again when
+      // the index finds another record with the same key.
+      uint8_t* current = KeySpace(cursor);
+      int32_t currentLength = 0;
+      const bool standing = CTDbIntf::CurrentISAMKey(a, cursor->KeyNo, current, &currentLength) == 0 &&
+                            std::memcmp(current, key.data(), key.size()) == 0;
+      int32_t foundPos = pos;
+      if (!standing) {
+        std::vector<uint8_t> found(static_cast<size_t>(std::max<int32_t>(KeyLength(cursor), CT_MAXKEYLEN)), 0);
+        foundPos = CTDbIntf::GetGTEKey(a, cursor->KeyNo, key.data(), found.data());
+      }
       if (foundPos == 0) return NotFound(a);
       if (foundPos != pos) {
         // The index stands on another record with the same key: go back to our own record.
@@ -414,6 +500,31 @@ int32_t SeekKey(TCTConnection& conn, TCTCursorDesc* cursor, TCTCustomRecordBuffe
     const size_t valueLength = duplicates && keyLength >= 4 ? static_cast<size_t>(keyLength - 4) : key.size();
     const uint8_t fill = kind == skGreater || kind == skLessOrEqual ? 0xFF : 0x00;
     std::vector<uint8_t> target = Target(key, keyLength, duplicates, fill);
+    if (!cursor->HasBlobs) {
+      // One call finds the key and reads its record, making it current; a record that does not
+      // match or lies outside the range gives the data file its previous record back.
+      const int32_t previous = CTDbIntf::CurrentFileOffset(a, cursor->DataFileNo);
+      uint8_t* record = RecordSpace(cursor);
+      int32_t r;
+      switch (kind) {
+        case skEqual:
+        case skGreaterOrEqual: r = CTDbIntf::GetGTERecord(a, cursor->KeyNo, target.data(), record); break;
+        case skGreater: r = CTDbIntf::GetGTRecord(a, cursor->KeyNo, target.data(), record); break;
+        case skLessOrEqual: r = CTDbIntf::GetLTERecord(a, cursor->KeyNo, target.data(), record); break;
+        default: r = CTDbIntf::GetLTRecord(a, cursor->KeyNo, target.data(), record); break;
+      }
+      if (r != 0) return r;
+      uint8_t* found = KeySpace(cursor);
+      int32_t length = 0;
+      if (const int16_t k = CTDbIntf::CurrentISAMKey(a, cursor->KeyNo, found, &length)) return k;
+      if (kind == skEqual && std::memcmp(found, key.data(), valueLength) != 0) {
+        if (previous != 0) (void)CTDbIntf::SetRecord(a, cursor->DataFileNo, previous, nullptr, 0);
+        return INOT_ERR;
+      }
+      if (const int32_t out = KeepInRange(conn, cursor, previous)) return out;
+      cursor->Position = cpNone;
+      return 0;
+    }
     std::vector<uint8_t> found(static_cast<size_t>(std::max<int32_t>(keyLength, CT_MAXKEYLEN)), 0);
     int32_t pos = 0;
     switch (kind) {

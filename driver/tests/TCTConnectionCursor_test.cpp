@@ -79,6 +79,21 @@ TEST_F(CursorTest, InclusiveRangeTakesEveryDuplicateAtBothEnds) {
   EXPECT_EQ(Walk(false), (Ids{6, 7, 5, 4, 2, 3}));
 }
 
+// The record read past the range's end is not left current: the range's last record is.
+TEST_F(CursorTest, SteppingPastTheRangeLeavesItsLastRecordCurrent) {
+  UseIndex("ByGroup");
+  SetGroupRange(20, true, 40, true);
+  for (bool forward : {true, false}) {
+    Walk(forward);
+    int32_t bookmark = 0;
+    ASSERT_EQ(Conn->GetBookMark(Cursor.get(), bookmark), 0);
+    ASSERT_EQ(Conn->SetToBookMark(Cursor.get(), bookmark), 0);
+    TCTCustomRecordBuffer* buffer = NewBuffer();
+    ASSERT_EQ(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+    EXPECT_EQ(IdOf(*buffer), forward ? 6 : 3);
+  }
+}
+
 TEST_F(CursorTest, ExclusiveEndsLeaveOutEveryDuplicateOfTheirValue) {
   UseIndex("ByGroup");
   SetGroupRange(20, false, 40, false);

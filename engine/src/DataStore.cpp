@@ -8,6 +8,7 @@
 #include <cstring>
 #include <map>
 
+#include "RecordCodec.h"
 #include "Superfile.h"
 #include "ctisam.h"
 
@@ -16,7 +17,10 @@ namespace cte {
 namespace {
 
 constexpr char kMagic[8] = {'C', 'T', 'L', 'M', 'D', 'B', 1, 0};
-constexpr uint32_t kVersion = 1;
+// Version 2 stores fixed-length records encoded (RecordCodec); version 1 files, whose records
+// are stored as given, are still read and written in their own layout.
+constexpr uint32_t kVersion = 2;
+constexpr uint32_t kOldestVersion = 1;
 constexpr uint32_t kFirstPos = 128;
 
 MDB_val Val(const void* p, size_t n) { return MDB_val{n, const_cast<void*>(p)}; }
@@ -54,7 +58,8 @@ FileHeader ReadHeader(MDB_txn* txn, MDB_dbi meta, uint8_t kind) {
   if (!GetMeta(txn, meta, "hdr", raw) || raw.size() != sizeof(FileHeader)) Throw(CT_EDAMAGED);
   FileHeader h;
   std::memcpy(&h, raw.data(), sizeof h);
-  if (std::memcmp(h.magic, kMagic, sizeof kMagic) != 0 || h.version != kVersion) Throw(CT_EDAMAGED);
+  if (std::memcmp(h.magic, kMagic, sizeof kMagic) != 0 || h.version < kOldestVersion || h.version > kVersion)
+    Throw(CT_EDAMAGED);
   if (h.pack != LibraryPack()) Throw(CT_EALIGN);
   // An index file where a data file is wanted: OPNFIL opens it on its own instead.
   if (h.kind != kind) Throw(h.kind == kKindIndex ? CT_ENOTDAT : CT_EDAMAGED);
@@ -266,6 +271,22 @@ void DataStore::PutFields(MDB_txn* txn, const std::vector<FieldDef>& fields) {
 
 void DataStore::PutHeader(MDB_txn* txn, const FileHeader& hdr) {
   PutMeta(txn, meta_, "hdr", std::string(reinterpret_cast<const char*>(&hdr), sizeof hdr));
+}
+
+bool DataStore::Packed() const { return hdr_.version >= 2 && (hdr_.filmod & VLENGTH) == 0; }
+
+MDB_val DataStore::Pack(const void* rec, size_t n, std::vector<uint8_t>& space) const {
+  if (!Packed()) return MDB_val{n, const_cast<void*>(rec)};
+  RecordCodec::Encode(static_cast<const uint8_t*>(rec), n, space);
+  return MDB_val{space.size(), space.data()};
+}
+
+MDB_val DataStore::Unpack(const MDB_val& stored, std::vector<uint8_t>& space) const {
+  if (!Packed()) return stored;
+  if (space.size() != hdr_.reclen) space.resize(hdr_.reclen);
+  if (!RecordCodec::Decode(static_cast<const uint8_t*>(stored.mv_data), stored.mv_size, space.data(), space.size()))
+    Throw(CT_EDAMAGED);
+  return MDB_val{space.size(), space.data()};
 }
 
 DataStore::Counters DataStore::ReadCounters(MDB_txn* txn) {

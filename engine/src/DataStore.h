@@ -62,6 +62,14 @@ class DataStore {
   bool Accepts(size_t ordinal, const uint8_t* rec, size_t n);
 
   MDB_dbi RecDbi() const { return rec_; }
+  // Stored form of records (see FORMAT.md): fixed-length records of files of format version 2
+  // are kept encoded by RecordCodec; other records are stored exactly as given.
+  bool Packed() const;
+  // The value to store for the n bytes at rec; space holds the encoded bytes when needed.
+  MDB_val Pack(const void* rec, size_t n, std::vector<uint8_t>& space) const;
+  // The whole record for a stored value: the value itself, or its decoding into space (the
+  // record length). Throws Fail CT_EDAMAGED for a stored value that does not decode.
+  MDB_val Unpack(const MDB_val& stored, std::vector<uint8_t>& space) const;
   MDB_dbi KeyDbi(size_t ordinal) const { return keys_[ordinal]; }
 
   // Writes inside txn (the caller commits). PutDef replaces the stored definition, creating

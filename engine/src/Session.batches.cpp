@@ -90,6 +90,7 @@ void Session::FillBatch(BatchState& b, BatchRequest& req, void* buf, long bufsiz
         ++b.next;
         continue;
       }
+      rec = s.Unpack(rec, unpacked_);
       need += 4 + rec.mv_size;
     }
     if (used + need > room) {
@@ -130,10 +131,11 @@ void Session::DeleteBatch(int keyno, BatchRequest& req) {
   uint8_t key[CT_MAXKEYLEN];
   Write(h, [&](MDB_txn* txn) {
     for (uint32_t pos : sel.positions) {
-      MDB_val rk{sizeof pos, &pos}, old{};
-      int rc = mdb_get(txn, s.RecDbi(), &rk, &old);
+      MDB_val rk{sizeof pos, &pos}, stored{};
+      int rc = mdb_get(txn, s.RecDbi(), &rk, &stored);
       if (rc == MDB_NOTFOUND) Throw(CT_EDAMAGED);
       Check(rc);
+      const MDB_val old = s.Unpack(stored, unpacked_);
       // A key is removed only where it points at this record, whatever rule kept it out of an
       // index (null key, condition).
       for (size_t i = 0; i < nidx; ++i) {

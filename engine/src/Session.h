@@ -38,6 +38,7 @@ struct Position {
   MDB_val curVal{};  // the current record in the snapshot of generation curGen
   uint64_t curGen = 0;
   std::vector<std::unique_ptr<KeyPos>> keys;
+  std::vector<uint8_t> curSpace;  // the current record decoded, when curVal points here
 };
 
 // An open file number: a data file, or one index (member) of a data file's set.
@@ -330,11 +331,13 @@ class Session {
       throw;
     }
   }
-  // The record at pos in the current snapshot (false when none).
+  // The record at pos in the current snapshot, in its stored form (false when none): pass it
+  // through DataStore::Unpack before reading its bytes.
   bool Fetch(DataStore& s, uint32_t pos, MDB_val& out);
   void CopyOut(const MDB_val& v, void* buf, long bufsiz, bool fixed, uint32_t reclen, long& len);
   // Makes the current key of index ordinal of p valid, rebuilding it from the current record.
   KeyPos& EnsureKey(Handle& data, Position& p, size_t ordinal);
+  // Makes pos current with its whole record v (in the snapshot or in p.curSpace).
   void MakeCurrent(Handle& data, Position& p, uint32_t pos, const MDB_val& v, int keptOrdinal);
   // Moves kp on index dbi; returns the position found or 0 (kp unchanged when none).
   uint32_t Step(Env& env, MDB_dbi dbi, KeyPos& kp, int keylen, int dataLen, NavOp op,
@@ -363,6 +366,8 @@ class Session {
   std::vector<std::unique_ptr<Handle>> files_;
   std::map<int, Context> contexts_;
   std::vector<uint8_t> scratch_;
+  std::vector<uint8_t> packed_;    // a record's stored form on its way to the file
+  std::vector<uint8_t> unpacked_;  // a stored record decoded (one not made current)
   // The open mode a commit on h is made with: OPS_FLUSH adds WRITETHRU to every file.
   void RekeyIndexes(Handle& h, const FileDef& def, const std::vector<size_t>& ordinals);
   int CommitMode(const Handle& h) const { return h.mode | (ops_ & OPS_FLUSH ? WRITETHRU : 0); }

@@ -43,8 +43,9 @@ void Session::FillIndex(DataStore& s, MDB_txn* txn, size_t ordinal) {
     for (; rc == 0; rc = mdb_cursor_get(c, &k, &v, MDB_NEXT)) {
       uint32_t pos;
       std::memcpy(&pos, k.mv_data, sizeof pos);
-      const uint8_t* r = static_cast<const uint8_t*>(v.mv_data);
-      if (layout.Build(r, v.mv_size, pos, key) || !s.Accepts(ordinal, r, v.mv_size)) continue;
+      const MDB_val whole = s.Unpack(v, unpacked_);
+      const uint8_t* r = static_cast<const uint8_t*>(whole.mv_data);
+      if (layout.Build(r, whole.mv_size, pos, key) || !s.Accepts(ordinal, r, whole.mv_size)) continue;
       MDB_val kk{static_cast<size_t>(layout.KeyLen()), key}, pv{sizeof pos, &pos};
       int put = Put(txn, dbi, &kk, &pv, MDB_NOOVERWRITE);
       if (put == MDB_KEYEXIST) Throw(KDUP_ERR);

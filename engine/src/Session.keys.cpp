@@ -34,7 +34,9 @@ KeyPos& Session::EnsureKey(Handle& data, Position& p, size_t ordinal) {
   DataStore& s = *data.store;
   s.env().Snapshot();
   if (p.curGen != s.env().Gen()) {
-    if (!Fetch(s, p.cur, p.curVal)) Throw(ICUR_ERR);
+    MDB_val stored{};
+    if (!Fetch(s, p.cur, stored)) Throw(ICUR_ERR);
+    p.curVal = s.Unpack(stored, p.curSpace);
     p.curGen = s.env().Gen();
   }
   s.Layout(ordinal).Build(static_cast<const uint8_t*>(p.curVal.mv_data), p.curVal.mv_size, p.cur, kp.key);

@@ -110,7 +110,7 @@ void Session::AddRec(int datno, void* rec, long len) {
       uint8_t* key = keys + i * CT_MAXKEYLEN;
       if (!k.Build(r, n, pos, key) && s.Accepts(i, r, n)) PutKey(txn, s.KeyDbi(i), key, k.KeyLen(), pos);
     }
-    MDB_val k = PosKey(pos), v{n, r};
+    MDB_val k = PosKey(pos), v = s.Pack(r, n, packed_);
     Check(Put(txn, s.RecDbi(), &k, &v, MDB_APPEND));
     s.WriteCounters(txn, c);
   });
@@ -145,10 +145,11 @@ void Session::Rewrite(int datno, const void* rec, long len) {
   const uint8_t* r = static_cast<const uint8_t*>(rec);
   CheckChange(h, pos);
   Write(h, [&](MDB_txn* txn) {
-    MDB_val k = PosKey(pos), old{};
-    int rc = mdb_get(txn, s.RecDbi(), &k, &old);
+    MDB_val k = PosKey(pos), stored{};
+    int rc = mdb_get(txn, s.RecDbi(), &k, &stored);
     if (rc == MDB_NOTFOUND) Throw(ICUR_ERR);
     Check(rc);
+    const MDB_val old = s.Unpack(stored, unpacked_);
     for (size_t i = 0; i < nidx; ++i) {
       const KeyLayout& layout = s.Layout(i);
       uint8_t* ok = oldKeys + i * CT_MAXKEYLEN;
@@ -160,7 +161,7 @@ void Session::Rewrite(int datno, const void* rec, long len) {
       if (!oldNull) DelKey(txn, s.KeyDbi(i), ok, layout.KeyLen());
       if (!newNull) PutKey(txn, s.KeyDbi(i), nk, layout.KeyLen(), pos);
     }
-    MDB_val v{n, const_cast<uint8_t*>(r)};
+    MDB_val v = s.Pack(r, n, packed_);
     Check(Put(txn, s.RecDbi(), &k, &v, 0));
   });
   p.curGen = 0;
@@ -186,10 +187,11 @@ void Session::DeleteRec(int datno) {
   const uint32_t pos = p.cur;
   CheckChange(h, pos);
   Write(h, [&](MDB_txn* txn) {
-    MDB_val k = PosKey(pos), old{};
-    int rc = mdb_get(txn, s.RecDbi(), &k, &old);
+    MDB_val k = PosKey(pos), stored{};
+    int rc = mdb_get(txn, s.RecDbi(), &k, &stored);
     if (rc == MDB_NOTFOUND) Throw(ICUR_ERR);
     Check(rc);
+    const MDB_val old = s.Unpack(stored, unpacked_);
     for (size_t i = 0; i < nidx; ++i) {
       const KeyLayout& layout = s.Layout(i);
       uint8_t* key = keys + i * CT_MAXKEYLEN;
@@ -220,7 +222,9 @@ long Session::ReadCur(int datno, void* buf, long bufsiz, bool fixed) {
   if (buf) AutoLock(h, p.cur, false);
   s.env().Snapshot();
   if (p.curGen != s.env().Gen()) {
-    if (!Fetch(s, p.cur, p.curVal)) Throw(ICUR_ERR);
+    MDB_val stored{};
+    if (!Fetch(s, p.cur, stored)) Throw(ICUR_ERR);
+    p.curVal = s.Unpack(stored, p.curSpace);
     p.curGen = s.env().Gen();
   }
   long len = 0;
@@ -235,10 +239,10 @@ long Session::ReadAt(int datno, uint32_t pos, void* buf, long bufsiz, bool fixed
   if (makeCurrent && Fetch(s, pos, v)) AutoLock(h, pos, false);
   if (!Fetch(s, pos, v)) Throw(INOT_ERR);
   long len = 0;
-  CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
+  CopyOut(s.Unpack(v, unpacked_), buf, bufsiz, fixed, s.RecLen(), len);
   if (makeCurrent) {
     Position& p = Pos(h);
-    MakeCurrent(h, p, pos, v, -1);
+    MakeCurrent(h, p, pos, s.Unpack(v, p.curSpace), -1);
     p.curGen = s.env().Gen();
   }
   return len;
@@ -250,7 +254,7 @@ void Session::SetCur(int datno, uint32_t pos, const void* rec, long len) {
   Position& p = Pos(h);
   MDB_val v{};
   if (!Fetch(s, pos, v)) Throw(INOT_ERR);
-  MakeCurrent(h, p, pos, v, -1);
+  MakeCurrent(h, p, pos, s.Unpack(v, p.curSpace), -1);
   p.curGen = s.env().Gen();
   if (!rec) return;
   size_t n = len > 0 ? static_cast<size_t>(len) : s.RecLen();
@@ -327,13 +331,17 @@ long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long 
       uint32_t found = PosOf(k);
       AutoLock(f, found, false);
       if (!Fetch(s, found, v)) Throw(INOT_ERR);
-      CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
-      MakeCurrent(f, p, found, v, -1);
+      // A fixed-length record is decoded straight into the position: copying it out cannot
+      // fail, so the position never shows a record that was not made current.
+      const MDB_val whole = s.Unpack(v, p.curSpace);
+      CopyOut(whole, buf, bufsiz, fixed, s.RecLen(), len);
+      MakeCurrent(f, p, found, whole, -1);
       p.curGen = s.env().Gen();
       return len;
     }
-    CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
-    MakeCurrent(f, p, PosOf(k), v, -1);
+    const MDB_val whole = s.Unpack(v, p.curSpace);
+    CopyOut(whole, buf, bufsiz, fixed, s.RecLen(), len);
+    MakeCurrent(f, p, PosOf(k), whole, -1);
     p.curGen = s.env().Gen();
     p.recAt = true;
     return len;
@@ -363,8 +371,9 @@ long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long 
     mark.Restore(kp);
     Throw(Locking() ? INOT_ERR : CT_EDAMAGED);
   }
-  CopyOut(v, buf, bufsiz, fixed, s.RecLen(), len);
-  MakeCurrent(h, p, pos, v, static_cast<int>(f.ordinal));
+  const MDB_val whole = s.Unpack(v, p.curSpace);
+  CopyOut(whole, buf, bufsiz, fixed, s.RecLen(), len);
+  MakeCurrent(h, p, pos, whole, static_cast<int>(f.ordinal));
   p.curGen = s.env().Gen();
   return len;
 }
@@ -380,7 +389,7 @@ uint32_t Session::NewRec(int datno, long len) {
     DataStore::Counters c = s.ReadCounters(txn);
     pos = c.nextPos;
     c.nextPos = Advance(pos, n);
-    MDB_val k = PosKey(pos), v{n, scratch_.data()};
+    MDB_val k = PosKey(pos), v = s.Pack(scratch_.data(), n, packed_);
     Check(Put(txn, s.RecDbi(), &k, &v, MDB_APPEND));
     s.WriteCounters(txn, c);
   });
@@ -398,7 +407,7 @@ void Session::WriteAt(int datno, uint32_t pos, const void* rec, long len) {
     int rc = mdb_get(txn, s.RecDbi(), &k, &old);
     if (rc == MDB_NOTFOUND) Throw(INOT_ERR);
     Check(rc);
-    MDB_val v{n, const_cast<void*>(rec)};
+    MDB_val v = s.Pack(rec, n, packed_);
     Check(Put(txn, s.RecDbi(), &k, &v, 0));
   });
 }

@@ -25,6 +25,81 @@ void Tamper(const char* file, const char* db, const void* key, size_t klen, cons
   mdb_env_close(env);
 }
 
+// The stored bytes of one entry of a named database (empty when absent).
+std::string Peek(const char* file, const char* db, const void* key, size_t klen, unsigned flags = 0) {
+  MDB_env* env = nullptr;
+  mdb_env_create(&env);
+  mdb_env_set_maxdbs(env, 16);
+  std::string out;
+  MDB_txn* txn = nullptr;
+  MDB_dbi dbi;
+  MDB_val k{klen, const_cast<void*>(key)}, v{};
+  if (mdb_env_open(env, file, MDB_NOSUBDIR | MDB_RDONLY, 0644) == 0 && mdb_txn_begin(env, nullptr, MDB_RDONLY, &txn) == 0) {
+    if (mdb_dbi_open(txn, db, flags, &dbi) == 0 && mdb_get(txn, dbi, &k, &v) == 0)
+      out.assign(static_cast<const char*>(v.mv_data), v.mv_size);
+    mdb_txn_abort(txn);
+  }
+  mdb_env_close(env);
+  return out;
+}
+
+// Rewrites the format version in the header of an engine file.
+void SetVersion(const char* file, uint32_t version) {
+  std::string hdr = Peek(file, "meta", "hdr", 3);
+  ASSERT_EQ(hdr.size(), 32u);
+  std::memcpy(hdr.data() + 8, &version, 4);
+  Tamper(file, "meta", "hdr", 3, hdr.data(), hdr.size());
+}
+
+constexpr uint32_t kFirstPos = 128;
+
+// Files of the first layout store records as given; files of the current one store them
+// shorter. Both read back the same records, and are maintained in their own layout.
+TEST_F(EngineDamage, BothRecordLayoutsReadBackTheSameRecords) {
+  for (uint32_t version : {1u, 2u}) {
+    SCOPED_TRACE(version);
+    COUNT dat = CreateCustomers(EXCLUSIVE);
+    ASSERT_EQ(api.CLRFIL(dat), 0);
+    SetVersion("customers.dat", version);
+    ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", EXCLUSIVE), 0);
+    ASSERT_EQ(Add(0, 7, "Ada Quill", "Brindlemoor", 2.5), 0);
+    ASSERT_EQ(Add(0, 8, "Bo Fenwick", "Alderwyn"), 0);
+    Customer c{};
+    uint8_t key[4] = {0x80, 0, 0, 7};
+    ASSERT_EQ(api.EQLREC(1, key, &c), 0);
+    c.balance = 4.0;
+    ASSERT_EQ(api.RWTREC(0, &c), 0);
+    ASSERT_EQ(api.CLRFIL(0), 0);
+    const size_t stored = Peek("customers.dat", "rec", &kFirstPos, 4, MDB_INTEGERKEY).size();
+    EXPECT_EQ(stored == sizeof(Customer), version == 1) << stored;
+    ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", EXCLUSIVE), 0);
+    ASSERT_EQ(api.FRSREC(2, &c), 0);  // city order: Alderwyn first
+    EXPECT_EQ(c.id, 8);
+    EXPECT_STREQ(c.name, "Bo Fenwick");
+    ASSERT_EQ(api.NXTREC(2, &c), 0);
+    EXPECT_EQ(c.id, 7);
+    EXPECT_STREQ(c.city, "Brindlemoor");
+    EXPECT_EQ(c.balance, 4.0);
+    EXPECT_EQ(c.date, 0);
+    ASSERT_EQ(api.DELRFIL(0), 0);
+  }
+}
+
+TEST_F(EngineDamage, NewerFormatAndUndecodableRecordsAreRefused) {
+  COUNT dat = CreateCustomers(EXCLUSIVE);
+  ASSERT_EQ(Add(dat, 1, "Cy Marrow", "Quenby"), 0);
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  std::filesystem::copy_file("customers.dat", "newer.dat");
+  SetVersion("newer.dat", 3);
+  EXPECT_EQ(api.OPNRFIL(0, (pTEXT) "newer.dat", SHARED), CT_EDAMAGED);
+  const uint8_t truncated[] = {0x7F, 'x'};  // announces 128 bytes, holds one
+  Tamper("customers.dat", "rec", &kFirstPos, 4, truncated, sizeof truncated, MDB_INTEGERKEY);
+  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+  Customer c{};
+  EXPECT_EQ(api.FRSREC(0, &c), CT_EDAMAGED);
+  EXPECT_EQ(api.FRSREC(1, &c), CT_EDAMAGED);
+}
+
 TEST_F(EngineDamage, GarbledDefinitionIsRefusedAtOpen) {
   COUNT dat = CreateCustomers(EXCLUSIVE);
   ASSERT_EQ(api.CLRFIL(dat), 0);
