@@ -22,6 +22,7 @@
 namespace CTTables {
 
 class TCTTable;
+class TCTMasterDataLink;
 class FilterProgram;
 class LocateMatch;
 
@@ -84,6 +85,19 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// Stores the handler and, outside loading and design, installs (or with an empty handler
   /// removes) DoIndexKey as the connection's index-key hook, shared by every table on it.
   void SetOnIndexRecord(const TCTIndexRecordEvent& Value);
+  /// The master's data source; while its dataset is active, an open table shows only the
+  /// records whose MasterFields match the master's current record (TCTTable.master.cpp). A
+  /// source whose master chain leads back to this table raises EDatabaseError; nothing changes.
+  fw::TDataSource* MasterSource() const;
+  void SetMasterSource(fw::TDataSource* Value);
+  /// ";"-separated entries, each "Name" (same field in master and detail) or "Master=Detail".
+  /// While loading the text is kept and applied in Loaded. On an open table every detail field
+  /// must be a field of the current index, else fw::Exception "Field : <name> not in the current
+  /// index" (nothing changes); a master field the master lacks raises EDatabaseError.
+  const std::string& MasterFields() const;
+  void SetMasterFields(const std::string& Value);
+  /// The master source, so that IsLinkedTo follows master chains.
+  fw::TDataSource* DataSource() const override;
 
   // --- State ------------------------------------------------------------------------------
   Ctdb::TOpenFlag OpenFlag() const { return FOpenFlag; }
@@ -170,6 +184,14 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// the cursor nor a pending edit is touched, and no scroll event fires.
   fw::Variant Lookup(const std::string& KeyFields, const fw::Variant& KeyValues,
                      const std::string& ResultFields) override;
+  // --- Master/detail field lists (TCTTable.master.cpp) ---------------------------------------
+  /// Fills `List` with `DataSet`'s fields named by the left sides of the MasterFields entries
+  /// (an empty text adds nothing); an unknown name raises the framework's EDatabaseError.
+  static void GetMasterFieldList(std::vector<fw::TField*>& List, const std::string& FieldNames,
+                                 const fw::TDataSet* DataSet);
+  /// The same for the right sides (the detail fields).
+  static void GetDetailFieldList(std::vector<fw::TField*>& List, const std::string& FieldNames,
+                                 const fw::TDataSet* DataSet);
 
   // --- Creating and changing the table's files (TCTTable.restructure.cpp) --------------------
   /// Fills `Desc` for a new table's field: Name, logical FieldType and SubType by `DataType`
@@ -269,6 +291,8 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   int GetRecNo() const override;
   bool GetCanModify() const override;
   void Loaded() override;
+  void DoAfterOpen() override;
+  void DoOnNewRecord() override;
 
   /// The buffer field reads and writes go to in the current state (see the .cpp); null when none.
   TCTRecordBuffer* GetActiveRecBuf() const;
@@ -295,6 +319,13 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// (TCTTable.lookup.cpp).
   void DoAfterPost() override;
   void DoAfterDelete() override;
+  /// Refills the master field list from MasterFields.
+  void SetUpMasterFields();
+  /// The master's record changed: restrict to its key (range flag rfMasterDetail) and go to the
+  /// first record; a closed master cancels the range.
+  void MasterLinkChange(TCTMasterDataLink* Sender);
+  /// The link lost its master or fields: cancel the range and refresh.
+  void MasterLinkDisable(TCTMasterDataLink* Sender);
 
  private:
   static TCTRecordBuffer* RecBuf(fw::TRecordBuffer Buffer) { return reinterpret_cast<TCTRecordBuffer*>(Buffer); }
@@ -316,6 +347,8 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void CopyMemoToKey(TCTRecordBuffer& Buffer, fw::TField* Detail, const fw::TField* Master);
   void UnlockEditedRecord();
   int32_t CountKeysBeforeRange();
+  /// At open: with an active master link, fill both range buffers from the master.
+  void SetUpMasterRange();
   void ReopenForFilter();
   /// Filter's verdict on the filter buffer's record, through the analysed text (made on first use).
   bool FilterTextAccepts();
@@ -373,6 +406,9 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   // another: a lookup field computed for a candidate record).
   std::vector<std::unique_ptr<TCTRecordBuffer>> FSearchBuffers;
   size_t FSearchDepth = 0;
+  std::unique_ptr<TCTMasterDataLink> FMasterLink;
+  std::unique_ptr<fw::TStringList> FMasterFieldList;  // the raw MasterFields entries
+  std::string FPendingMasterFields;                   // MasterFields read while loading
 };
 
 }  // namespace CTTables

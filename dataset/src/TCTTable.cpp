@@ -5,6 +5,8 @@
 #include "FilterProgram.h"
 #include "TClassInfo.h"
 #include "TCTConnection.h"
+#include "TCTMasterDataLink.h"
+#include "TDataSource.h"
 
 namespace CTTables {
 
@@ -26,6 +28,10 @@ TCTTable::TCTTable(fw::TComponent* AOwner)
       FKeyFieldNames(std::make_unique<fw::TStringList>()),
       FIndexDefs(std::make_unique<TCTIndexDefs>(this)) {
   FIndexDesc.IndexId = -1;
+  FMasterFieldList = std::make_unique<fw::TStringList>();
+  FMasterLink = std::make_unique<TCTMasterDataLink>(this);
+  FMasterLink->OnMasterChange = [this](TCTMasterDataLink* sender) { MasterLinkChange(sender); };
+  FMasterLink->OnMasterDisable = [this](TCTMasterDataLink* sender) { MasterLinkDisable(sender); };
 }
 
 TCTTable::~TCTTable() {
@@ -34,6 +40,7 @@ TCTTable::~TCTTable() {
   } catch (...) {
     // A destructor never throws; the storage is released by the cursor's owner either way.
   }
+  FMasterLink.reset();
 }
 
 const fw::TClassInfo& TCTTable::StaticClass() {
@@ -42,6 +49,8 @@ const fw::TClassInfo& TCTTable::StaticClass() {
           .Creatable()
           .Property("Database", &TCTTable::Database, &TCTTable::SetDatabase, "")
           .Property("IndexName", &TCTTable::IndexName, &TCTTable::SetIndexName, "")
+          .Reference("MasterSource", &TCTTable::MasterSource, &TCTTable::SetMasterSource)
+          .Property("MasterFields", &TCTTable::MasterFields, &TCTTable::SetMasterFields, "")
           .Property("TableName", &TCTTable::TableName, &TCTTable::SetTableName, "")
           .Property("ReadOnly", &TCTTable::ReadOnly, &TCTTable::SetReadOnly, false)
           .Property("KeyExclusive", &TCTTable::KeyExclusive, &TCTTable::SetKeyExclusive, false)
@@ -92,6 +101,8 @@ void TCTTable::SetIsSuperFile(bool Value) {
 
 void TCTTable::Loaded() {
   Ctdb::TCTCustomDataSet::Loaded();
+  // Passed as a copy: SetMasterFields empties the pending text.
+  if (!FPendingMasterFields.empty()) SetMasterFields(std::string(FPendingMasterFields));
   if (Connection() != nullptr && FOnIndexRecord) SetOnIndexRecord(FOnIndexRecord);
 }
 
@@ -141,6 +152,7 @@ void TCTTable::InternalOpen() {
   BindFields(true);
 
   FCursor->RangeActive = false;
+  SetUpMasterRange();
   SetCursorRange();
 
   CTDbIntf::CtError(conn.SetToBegin(FCursor.get()));

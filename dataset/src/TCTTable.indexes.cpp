@@ -318,9 +318,9 @@ bool TCTTable::SetCursorRange() {
     case rfRangeEnd:
     case rfMasterDetail: {
       // A user range compares as many key fields as names were ever assigned in dsSetKey; a
-      // master/detail range (later: the master field list) is inclusive at both ends.
+      // master/detail range compares the master's fields and is inclusive at both ends.
       const bool user = FRangeFlag != rfMasterDetail;
-      const int fields = FKeyFieldNames->Count();
+      const int fields = user ? FKeyFieldNames->Count() : FMasterFieldList->Count();
       std::vector<uint8_t> low, high;
       const int32_t lowLength = KeyLengthOf(FRangeStart.get(), low, fields);
       const int32_t highLength = KeyLengthOf(FRangeEnd.get(), high, fields);
