@@ -165,8 +165,8 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   // --- Search by value (TCTTable.locate.cpp) ---------------------------------------------------
   /// Finds the first record whose fields named in `KeyFields` ("A;B", unknown names raise the
   /// framework's field-not-found error) equal `KeyValues`: one value, or a variant array with
-  /// one element per field. Only records the table shows qualify: inside its range and accepted
-  /// by its filter. Without a range the index whose leading key fields are the most searched
+  /// one element per field. The search reads past the table's filter, so a record the filter
+  /// hides can be found; with a range in force only records inside it qualify. Without a range the index whose leading key fields are the most searched
   /// fields finds them, the rest are compared; otherwise the table is read from its first record
   /// in its current order. Key values are converted to their fields' types first (a value that
   /// cannot be raises the conversion error and nothing moves); a null key finds a null field.
@@ -311,10 +311,6 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void DoIndexKey(Ctdb::CTIdxDesc* IndexDesc, const void* RecPtr, int32_t RecLen, bool& Accept);
   /// Whether a fetched record passes the filter (OnFilterRecord in dsFilter state).
   virtual bool RecordFilter(TCTRecordBuffer* Buffer);
-  /// The one check of a record found by Locate or Lookup against the table's filter: true when
-  /// the table is not filtered, otherwise its calculated fields are computed and RecordFilter
-  /// decides.
-  bool FoundRecordPassesFilter(TCTRecordBuffer* Candidate);
   /// After the base: lookup fields that show this table's records are brought up to date
   /// (TCTTable.lookup.cpp).
   void DoAfterPost() override;

@@ -284,9 +284,8 @@ bool TCTTable::FindByIndex(LocateMatch& Match, int Ordinal, int BestCount, TCTRe
   CTDbIntf::CtError(conn.SetToBegin(cursor));
   bool found = false;
   // The index decides the covered fields with its own key comparison; the others are compared.
-  // A Locate that the index alone decides, on an unfiltered table, needs no record read.
-  TCTRecordBuffer* record =
-      Positioned && BestCount == static_cast<int>(conditions.size()) && !Filtered() ? nullptr : &Found;
+  // A Locate that the index alone decides needs no record read.
+  TCTRecordBuffer* record = Positioned && BestCount == static_cast<int>(conditions.size()) ? nullptr : &Found;
   while (!found && conn.GetNextRecord(cursor, Ctdb::dbiNOLOCK, record) == 0)
     found = record == nullptr || CandidateMatches(Match, static_cast<size_t>(BestCount), Found);
   state.Restore(found);
@@ -299,12 +298,12 @@ bool TCTTable::FindByScan(LocateMatch& Match, TCTRecordBuffer& Found) {
   Ctdb::TCTCursorDesc* cursor = FCursor.get();
   if (Match.DecodesRecords() && !cursor->RangeActive && !cursor->HasBlobs) {
     // The bulk scan: record bytes straight from the engine, fields decoded and compared in
-    // place; only a record that matches is loaded and shown to the filter.
+    // place; only a record that matches is loaded.
     Ctdb::TCTCustomRecordBuffer scratch(cursor);
     const auto accepts = [&](const uint8_t* record, int32_t length) {
       if (!Match.MatchesRecord(conn, cursor, scratch, record, length)) return false;
       Found.SetRecord(record, length);
-      return FoundRecordPassesFilter(&Found);
+      return true;
     };
     int32_t position = 0;
     int32_t result = 0;
@@ -404,13 +403,7 @@ bool TCTTable::CandidateMatches(const LocateMatch& Match, size_t From, TCTRecord
     FFilterBuffer = saved;
     if (!match) return false;
   }
-  return FoundRecordPassesFilter(&Candidate);
-}
-
-bool TCTTable::FoundRecordPassesFilter(TCTRecordBuffer* Candidate) {
-  if (!Filtered()) return true;
-  GetCalcFields(AsRecordBuffer(Candidate));
-  return RecordFilter(Candidate);
+  return true;
 }
 
 }  // namespace CTTables
