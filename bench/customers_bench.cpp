@@ -30,19 +30,14 @@
 #include "TField.h"
 #include "ctisam.h"
 
+#include "CustomerRecord.h"
+
 namespace {
 
-#pragma pack(push, 1)
-struct Customer {  // the record image of the table (byte alignment)
-  int32_t id;
-  char name[30];
-  char city[20];
-  double balance;
-  char slack[10];  // the connection makes records 10 bytes longer than their fields
-};
-#pragma pack(pop)
+using bench::Customer;
+using bench::kCities;
+using bench::CityOf;
 
-constexpr int kCities = 50;
 constexpr int kSeeks = 20000;
 constexpr int kUpdates = 20000;
 constexpr int kDeletes = 10000;
@@ -60,11 +55,6 @@ std::string gDir;
 std::string NameOf(int32_t id, int version = 0) {
   char text[32];
   std::snprintf(text, sizeof text, "name%07d", (id * 7919 + version * 104729) % 1000003);
-  return text;
-}
-std::string CityOf(int32_t id) {
-  char text[24];
-  std::snprintf(text, sizeof text, "city%02d", id % kCities);
   return text;
 }
 Customer Make(int32_t id) {

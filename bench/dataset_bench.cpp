@@ -18,19 +18,14 @@
 #include "Ctdb.h"
 #include "TField.h"
 
+#include "CustomerRecord.h"
+
 namespace {
 
-#pragma pack(push, 1)
-struct Customer {  // the record image of the table (byte alignment)
-  int32_t id;
-  char name[30];
-  char city[20];
-  double balance;
-  char slack[10];  // the connection makes records 10 bytes longer than their fields
-};
-#pragma pack(pop)
+using bench::Customer;
+using bench::kCities;
+using bench::CityOf;
 
-constexpr int kCities = 50;
 constexpr int kLookups = 20000;
 int gRecords = 1000000;
 std::vector<int32_t> gOrder;   // ids in insertion order (a permutation)
@@ -46,12 +41,6 @@ std::string NameOf(int32_t id) {
   std::snprintf(text, sizeof text, "name%07d", (id * 7919) % 1000003);
   return text;
 }
-std::string CityOf(int32_t id) {
-  char text[24];
-  std::snprintf(text, sizeof text, "city%02d", id % kCities);
-  return text;
-}
-
 Customer Make(int32_t id) {
   Customer c{};
   c.id = id;

@@ -26,18 +26,14 @@
 #include <sqlite3.h>
 #endif
 
+#include "CustomerRecord.h"
+
 namespace {
 
-#pragma pack(push, 1)
-struct Customer {  // the record image of the table (byte alignment)
-  int32_t id;
-  char name[30];
-  char city[20];
-  double balance;
-};
-#pragma pack(pop)
+using bench::Customer;
+using bench::kCities;
+using bench::CityOf;
 
-constexpr int kCities = 50;
 constexpr int32_t kIdLimit = 500000;
 // City below city02 (4% of the records) and ID in the lower half: 2% pass.
 constexpr const char* kFilter = "(\"CITY\" < 'city02') AND (\"ID\" <= 500000)";
@@ -56,12 +52,6 @@ double CpuNow() {
   timespec t{};
   clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
   return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
-}
-
-std::string CityOf(int32_t id) {
-  char text[24];
-  std::snprintf(text, sizeof text, "city%02d", id % kCities);
-  return text;
 }
 
 Customer Make(int32_t id) {

@@ -19,18 +19,14 @@
 #include "Ctdb.h"
 #include "TField.h"
 
+#include "CustomerRecord.h"
+
 namespace {
 
-#pragma pack(push, 1)
-struct Customer {  // the record image of the table (byte alignment)
-  int32_t id;
-  char name[30];
-  char city[20];
-  double balance;
-};
-#pragma pack(pop)
+using bench::Customer;
+using bench::kCities;
+using bench::CityOf;
 
-constexpr int kCities = 50;
 constexpr int kSearches = 20000;
 constexpr int kBatch = 5000;  // records per transaction while filling
 int gRecords = 1000000;
