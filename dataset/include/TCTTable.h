@@ -172,7 +172,8 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// cannot be raises the conversion error and nothing moves); a null key finds a null field.
   /// loPartialKey makes the last field, when it holds text, match values that begin with its
   /// key; loCaseInsensitive ignores case in text compared outside an index. Brings the table
-  /// into browse mode first. The table keeps its position, index and range; with `SyncCursor`
+  /// into browse mode first. The table keeps its position and index; a search through an index
+  /// cancels the table's range (the scan keeps it and reads only the range). With `SyncCursor`
   /// the cursor is then moved to the record found (the window is not resynchronised).
   bool LocateRecord(const std::string& KeyFields, const fw::Variant& KeyValues, fw::TLocateOptions Options,
                     bool SyncCursor);
@@ -181,7 +182,7 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   bool Locate(const std::string& KeyFields, const fw::Variant& KeyValues, fw::TLocateOptions Options) override;
   /// The values of `ResultFields` (one value, or a variant array for "X;Y") of the first record
   /// LocateRecord finds without options, calculated fields computed; Null when none. Neither
-  /// the cursor nor a pending edit is touched, and no scroll event fires.
+  /// the cursor, its range nor a pending edit is touched, and no scroll event fires.
   fw::Variant Lookup(const std::string& KeyFields, const fw::Variant& KeyValues,
                      const std::string& ResultFields) override;
   // --- Master/detail field lists (TCTTable.master.cpp) ---------------------------------------
@@ -350,9 +351,10 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   bool FilterTextAccepts();
   // Search by value (TCTTable.locate.cpp) and lookup fields (TCTTable.lookup.cpp).
   bool FindRecord(const std::string& KeyFields, const fw::Variant& KeyValues, fw::TLocateOptions Options,
-                  TCTRecordBuffer& Found, bool& Positioned);
+                  TCTRecordBuffer& Found, bool& Positioned, bool& ByIndex);
   int ChooseLocateIndex(const LocateMatch& Match, int& BestCount) const;
-  bool FindByIndex(LocateMatch& Match, int Ordinal, int BestCount, TCTRecordBuffer& Found, bool& Positioned);
+  bool FindByIndex(LocateMatch& Match, int Ordinal, int BestCount, TCTRecordBuffer& Found, bool& Positioned,
+                   bool& ByIndex);
   bool FindByScan(LocateMatch& Match, TCTRecordBuffer& Found);
   /// The physical-order half of FindByScan on a table read in index order (see the .cpp).
   bool FindFirstInIndexOrder(Ctdb::TCTCustomRecordBuffer& Scratch, const Ctdb::TCTRecordTest& Accepts,

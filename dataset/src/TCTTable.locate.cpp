@@ -142,7 +142,20 @@ bool TCTTable::LocateRecord(const std::string& KeyFields, const fw::Variant& Key
   TCTRecordBuffer& found = AcquireSearchBuffer();
   const AtScopeEnd release([this] { ReleaseSearchBuffer(); });
   bool positioned = SyncCursor;
-  if (!FindRecord(KeyFields, KeyValues, Options, found, positioned)) return false;
+  bool byIndex = false;
+  const bool ranged = FCursor->RangeActive;
+  const bool located = FindRecord(KeyFields, KeyValues, Options, found, positioned, byIndex);
+  // A search through an index ends by cancelling the range it set, and with it the range the
+  // table had: applications rely on a Locate by key leaving the whole table in view.
+  if (byIndex) {
+    ResetCursorRange();
+    if (ranged && !(located && SyncCursor)) {
+      AfterIndexSwitch();
+      UpdateCursorPos();
+      Resync(fw::TResyncMode{});
+    }
+  }
+  if (!located) return false;
   if (SyncCursor && !positioned) {
     int32_t position = 0;
     std::memcpy(&position, found.GetBookmark(), sizeof position);
@@ -161,7 +174,10 @@ fw::Variant TCTTable::Lookup(const std::string& KeyFields, const fw::Variant& Ke
   TCTRecordBuffer& found = AcquireSearchBuffer();
   const AtScopeEnd release([this] { ReleaseSearchBuffer(); });
   bool positioned = false;
-  if (!FindRecord(KeyFields, KeyValues, fw::TLocateOptions{}, found, positioned)) return fw::Null();
+  // Unlike Locate, a lookup keeps the table's range: it is asked while the table is browsed (a
+  // lookup field per shown record) and must leave what the table shows as it was.
+  bool byIndex = false;
+  if (!FindRecord(KeyFields, KeyValues, fw::TLocateOptions{}, found, positioned, byIndex)) return fw::Null();
   GetCalcFields(AsRecordBuffer(&found));
   TCTRecordBuffer* saved = FFilterBuffer;
   FFilterBuffer = &found;
@@ -178,7 +194,8 @@ fw::Variant TCTTable::Lookup(const std::string& KeyFields, const fw::Variant& Ke
 }
 
 bool TCTTable::FindRecord(const std::string& KeyFields, const fw::Variant& KeyValues, fw::TLocateOptions Options,
-                          TCTRecordBuffer& Found, bool& Positioned) {
+                          TCTRecordBuffer& Found, bool& Positioned, bool& ByIndex) {
+  ByIndex = false;
   std::vector<fw::TField*> fields;
   GetFieldList(fields, KeyFields);
   if (fields.empty()) return false;
@@ -198,17 +215,16 @@ bool TCTTable::FindRecord(const std::string& KeyFields, const fw::Variant& KeyVa
   const bool keep = Positioned;
   Positioned = false;
   if (!match.Satisfiable()) return false;
-  // With a range in force the records the table shows are those of its range: they are read in
-  // the table's order, so the range stays as it is.
+  // The index is chosen whatever range the table has: the search's own range replaces it.
   int best = 0;
-  const int ordinal = FCursor->RangeActive ? -1 : ChooseLocateIndex(match, best);
+  const int ordinal = ChooseLocateIndex(match, best);
   bool found = false;
   if (ordinal < 0) {
     found = FindByScan(match, Found);
   } else {
     // Locate in the table's own index leaves the cursor where the search finds the record.
     Positioned = keep && FCursor->Indexes[static_cast<size_t>(ordinal)].IndexId == FCursor->KeyNo;
-    found = FindByIndex(match, ordinal, best, Found, Positioned);
+    found = FindByIndex(match, ordinal, best, Found, Positioned, ByIndex);
   }
   if (found) Found.SetBookmarkFlag(fw::bfCurrent);
   return found;
@@ -242,7 +258,7 @@ int TCTTable::ChooseLocateIndex(const LocateMatch& Match, int& BestCount) const 
 }
 
 bool TCTTable::FindByIndex(LocateMatch& Match, int Ordinal, int BestCount, TCTRecordBuffer& Found,
-                           bool& Positioned) {
+                           bool& Positioned, bool& ByIndex) {
   Ctdb::TCTConnection& conn = Conn();
   Ctdb::TCTCursorDesc* cursor = FCursor.get();
   const std::vector<LocateCondition>& conditions = Match.Conditions();
@@ -280,6 +296,7 @@ bool TCTTable::FindByIndex(LocateMatch& Match, int Ordinal, int BestCount, TCTRe
     }
   }
 
+  ByIndex = true;
   cursor->SetRange(key.data(), length, true, key.data(), length, true);
   CTDbIntf::CtError(conn.SetToBegin(cursor));
   bool found = false;

@@ -91,7 +91,7 @@ TEST_F(Locate, MoreCoveredFieldsWinAndTiesKeepTheLowerOrdinal) {
   EXPECT_EQ(Id(table), 7);
 }
 
-TEST_F(Locate, ReadsPastTheFilterKeepsTheRangeAndPostsAPendingEdit) {
+TEST_F(Locate, ReadsPastTheFilterDropsTheRangeByIndexAndPostsAPendingEdit) {
   FillPeople();
   TCTTable* table = NewTable();
   table->Open();
@@ -103,12 +103,23 @@ TEST_F(Locate, ReadsPastTheFilterKeepsTheRangeAndPostsAPendingEdit) {
   EXPECT_EQ(table->Lookup("AMOUNT", V(50.0), "ID").AsInteger(), 5);
   table->SetFiltered(false);
 
+  // A search that reads the table keeps its range and finds only what it shows; a lookup keeps
+  // it too; a Locate through an index looks past it and leaves the table without it.
   table->SetRange({V(3)}, {V(6)});
-  EXPECT_FALSE(table->Locate("ID", V(8), {}));
-  EXPECT_TRUE(table->Locate("CITY", V("Oslo"), {}));
+  EXPECT_FALSE(table->Locate("AMOUNT", V(80.0), {}));
+  EXPECT_TRUE(table->Locate("AMOUNT", V(40.0), {}));
   EXPECT_EQ(Id(table), 4);
-  EXPECT_EQ(table->RecordCount(), 4);  // the range is still in force
-  table->CancelRange();
+  EXPECT_EQ(table->Lookup("ID", V(8), "ID").AsInteger(), 8);
+  EXPECT_EQ(table->RecordCount(), 4);
+  EXPECT_EQ(Id(table), 4);
+  EXPECT_TRUE(table->Locate("ID", V(8), {}));
+  EXPECT_EQ(Id(table), 8);
+  EXPECT_EQ(table->RecordCount(), 10);
+  table->SetRange({V(3)}, {V(6)});
+  EXPECT_FALSE(table->Locate("ID", V(80), {}));
+  EXPECT_EQ(table->RecordCount(), 10);
+  EXPECT_EQ(Id(table), 3);
+  table->Next();
 
   table->Edit();
   table->FieldByName("NAME")->SetAsString("Donna");
@@ -117,7 +128,8 @@ TEST_F(Locate, ReadsPastTheFilterKeepsTheRangeAndPostsAPendingEdit) {
   EXPECT_EQ(table->State(), fw::dsBrowse);
 
   table->SetRange({V(50)}, {V(60)});
-  EXPECT_FALSE(table->Locate("NAME", V("Donna"), {}));
+  EXPECT_TRUE(table->Locate("NAME", V("Donna"), {}));
+  EXPECT_EQ(Id(table), 4);
 }
 
 TEST_F(Locate, NullAndBlankKeysFindNullFields) {
