@@ -66,7 +66,7 @@ constexpr TMessage kMessages[] = {
     {31101, "Beginning of the table"},
     {31102, "End of the table"},
     {31103, "Record longer than the storage limit of 32767 bytes"},
-    {31104, "Value does not fit in the field: BCD holds 16 digits, money -21474836.48 to 21474836.47"},
+    {31104, "Value does not fit in the field: BCD holds 16 digits, money whole hundredths from -21474836.48 to 21474836.47"},
     {31110, "Procedure %s can not be found in %s"},
     {31111, "Unabled to load %s"},
     {31112, "Offset exceeds data size"},

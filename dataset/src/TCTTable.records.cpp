@@ -20,6 +20,18 @@ constexpr int32_t kFieldNotIndexed = 1124;
 constexpr int32_t kNoCurrentRecord = 100;
 constexpr int32_t kNoRecord = 101;
 
+// A money field holds whole hundredths, and the driver rounds what it is given. A value with a
+// finer part (12.3456) would be stored as a different amount without a word, so the table
+// refuses it; the tolerance only absorbs the binary form of two-decimal values.
+bool FitsMoney(const Ctdb::TCTCursorDesc& Cursor, const fw::TField& Field, const void* Buffer) {
+  if (Buffer == nullptr || Field.FieldNo() < 1 || Field.FieldNo() > Cursor.FieldCount()) return true;
+  if (!Cursor.Fields[static_cast<size_t>(Field.FieldNo() - 1)]->IsMoney()) return true;
+  double value = 0;
+  std::memcpy(&value, Buffer, sizeof value);
+  const double scaled = value * 100.0;
+  return std::fabs(scaled - std::nearbyint(scaled)) <= 1e-6;
+}
+
 int32_t BookmarkOf(const void* data) {
   int32_t position = 0;
   std::memcpy(&position, data, sizeof position);
@@ -183,6 +195,8 @@ void TCTTable::SetFieldData(fw::TField* Field, const void* Buffer) {
   Field->Validate(Buffer);
   if (Field->FieldNo() < 0 || Field->FieldKind() != fw::fkData)
     record->CalcFields().SetData(Field->FieldName(), Field->DataSize(), Buffer);
+  else if (!FitsMoney(*FCursor, *Field, Buffer))
+    CTDbIntf::CtError(Ctdb::kCtValueDoesNotFit);
   else
     CTDbIntf::CtError(Conn().SetField(FCursor.get(), Field->FieldNo(), record, Buffer));
 

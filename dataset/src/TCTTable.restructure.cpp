@@ -93,14 +93,6 @@ void TCTTable::EncodeFieldDesc(Ctdb::CTFldDesc& Desc, const std::string& Name, f
       Desc.Units1 = 32;
       Desc.Units2 = units;
       break;
-    case fw::ftCurrency:
-      // Deliberately not the 4-byte money form (whole cents): a currency value has four
-      // decimals, and money would round 12.3456 to 12.35. BCD with four places keeps it exactly.
-      Desc.FieldType = Ctdb::fldBCD;
-      Desc.SubType = 0;
-      Desc.Units1 = 32;
-      Desc.Units2 = 4;
-      break;
     case fw::ftBytes: Desc.Units1 = units; break;
     case fw::ftVarBytes:
     case fw::ftBlob:

@@ -59,8 +59,8 @@ TEST(EncodeFieldDesc, ChoosesTypesSubtypesAndUnits) {
   EXPECT_EQ(bcd.FieldType, Ctdb::fldBCD);
   EXPECT_EQ(bcd.Units1, 32);
   EXPECT_EQ(bcd.Units2, 4);
-  EXPECT_EQ(Encoded(fw::ftCurrency, 0).FieldType, Ctdb::fldBCD);
-  EXPECT_EQ(Encoded(fw::ftCurrency, 0).Units2, 4);
+  EXPECT_EQ(Encoded(fw::ftCurrency, 0).FieldType, Ctdb::fldFLOAT);
+  EXPECT_EQ(Encoded(fw::ftCurrency, 0).SubType, Ctdb::fldstMONEY);
   EXPECT_EQ(Encoded(fw::ftAutoInc, 0).FieldType, Ctdb::fldINT32);
   EXPECT_EQ(Encoded(fw::ftAutoInc, 0).SubType, Ctdb::fldstAUTOINC);
   EXPECT_EQ(Encoded(fw::ftWord, 0).FieldType, Ctdb::fldUINT16);

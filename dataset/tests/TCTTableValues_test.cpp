@@ -103,7 +103,9 @@ TEST_F(Values, CurrencyAndDateTimesComeBackAsWritten) {
   const fw::TDateTime evening = fw::EncodeDate(1999, 12, 31) + fw::EncodeTime(23, 59, 58, 999);
   ASSERT_TRUE(table->FindKey({fw::Variant(int32_t{1})}));
   table->Edit();
-  table->FieldByName("PRICE")->SetAsFloat(12.3456);
+  // Currency is stored in whole hundredths: a finer value is refused, not rounded.
+  EXPECT_THROW(table->FieldByName("PRICE")->SetAsFloat(12.3456), fw::Exception);
+  table->FieldByName("PRICE")->SetAsFloat(12.34);
   table->FieldByName("AT")->SetAsDateTime(newYear);
   table->Post();
   ASSERT_TRUE(table->FindKey({fw::Variant(int32_t{2})}));
@@ -114,7 +116,7 @@ TEST_F(Values, CurrencyAndDateTimesComeBackAsWritten) {
 
   table->Open();
   ASSERT_TRUE(table->FindKey({fw::Variant(int32_t{1})}));
-  EXPECT_EQ(table->FieldByName("PRICE")->AsString(), "12.3456");
+  EXPECT_EQ(table->FieldByName("PRICE")->AsString(), "12.34");
   EXPECT_EQ(table->FieldByName("AT")->AsDateTime(), newYear);
   ASSERT_TRUE(table->FindKey({fw::Variant(int32_t{2})}));
   EXPECT_EQ(fw::FormatDateTime("yyyy-mm-dd hh:nn:ss.zzz", table->FieldByName("AT")->AsDateTime()),

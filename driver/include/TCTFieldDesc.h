@@ -28,6 +28,8 @@ class TCTFieldDesc {
 
   /// True for the four variable-length (blob) codes.
   static bool IsBlobType(int32_t fieldType);
+  /// True for c-tree money: a 4-byte count of hundredths.
+  bool IsMoney() const;
 
   /// Width of the field's part inside a record whose variable parts are empty: 1 for codes 146
   /// and 154, 2 for 162, 4 for 170, otherwise `GetMaxSize()`.

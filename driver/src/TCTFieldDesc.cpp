@@ -23,6 +23,8 @@ bool TCTFieldDesc::IsBlobType(int32_t fieldType) {
   return fieldType == CT_STRING || fieldType == CT_PSTRING || fieldType == CT_2STRING || fieldType == CT_4STRING;
 }
 
+bool TCTFieldDesc::IsMoney() const { return FieldType == CT_MONEY; }
+
 int32_t TCTFieldDesc::GetDefSize() const {
   switch (FieldType) {
     case CT_STRING:

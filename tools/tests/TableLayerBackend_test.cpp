@@ -176,8 +176,8 @@ TEST_F(TableLayerTest, DecimalsAndDateTimesComeBackAsImported) {
       << err.str();
   const std::string rows =
       "no,price,amount,at\r\n"
-      "1,12.3456,-123456789012.3456,2020-01-01 08:30:00\r\n"
-      "2,-0.0001,1234.56,1999-12-31 23:59:59\r\n";
+      "1,12.34,-123456789012.3456,2020-01-01 08:30:00\r\n"
+      "2,-0.01,1234.56,1999-12-31 23:59:59\r\n";
   const fs::path csv = dir / "ledger.csv";
   std::ofstream(csv) << rows;
   ASSERT_EQ(Run({"import", "ledger", csv.string()}), kExitOk) << err.str();
