@@ -31,10 +31,10 @@ struct ImportOptions {
   std::vector<FieldDefinition> Fields;     ///< when not empty, the table is created first
   std::vector<IndexDefinition> Indexes;    ///< indexes of the table created
   bool Replace = false;                    ///< with Fields: an existing table is replaced
-  /// Rows per transaction; 0: one transaction for all rows. Small batches are fastest: the engine
-  /// keeps an operating-system lock per added record until the commit, and a long list of them
-  /// slows every further lock down.
-  std::uint64_t BatchSize = 100;
+  /// Rows per transaction; 0 (the default): one transaction for all rows, the fastest way, since
+  /// every commit writes the pages the batch touched again, and an import that adds all rows or
+  /// none.
+  std::uint64_t BatchSize = 0;
   std::uint64_t SkipRows = 0;        ///< data rows to pass over first (resuming an import)
   bool StopOnError = false;          ///< the first rejected row rolls back its batch and stops
 };

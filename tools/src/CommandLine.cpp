@@ -142,7 +142,7 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
   import->add_option("--field,-f", p.FieldTexts, "Create the table with these fields first");
   import->add_option("--index,-x", p.IndexTexts, "Indexes of the table created with --field");
   import->add_flag("--replace", p.Replace, "With --field: replace an existing table, deleting its records");
-  import->add_option("--batch-size", p.Import.BatchSize, "Rows per transaction (0: one for all)");
+  import->add_option("--batch-size", p.Import.BatchSize, "Rows per transaction (default 0: one for all)");
   import->add_option("--skip-rows", p.Import.SkipRows, "Pass over this many data rows first (resuming)");
   import->add_flag("--stop-on-error", p.Import.StopOnError, "Roll back the batch and stop at the first bad row");
   import->add_option("--separator", p.Separator, "Field separator (default ',')");
