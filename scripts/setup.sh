@@ -3,7 +3,7 @@
 set -euo pipefail
 
 # libsqlite3-dev is only for the benchmarks that compare with SQLite (bench/).
-packages=(g++ cmake make pkg-config liblmdb-dev libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev libsqlite3-dev)
+packages=(g++ cmake make pkg-config liblmdb-dev libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev libsqlite3-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

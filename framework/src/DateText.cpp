@@ -172,6 +172,9 @@ bool ParseTime(std::string_view text, TDateTime& dt) {
       continue;
     }
     if (digits == 0) return false;
+    // The part after the decimal separator is a fraction of a second: "5" is 500 ms, not 5.
+    if (count == 3)
+      for (; digits < 3; ++digits) fields[3] *= 10;
     digits = 0;
     ++count;
     if (c == '\0') break;

@@ -131,6 +131,7 @@ TEST(DateText, ParsesDatesAndTimesOrRaises) {
   EXPECT_DOUBLE_EQ(StrToTime("12:00"), 0.5);
   EXPECT_DOUBLE_EQ(StrToTime("6:00 pm"), 0.75);
   EXPECT_DOUBLE_EQ(StrToTime("00:00:01.500"), 1.5 / SecsPerDay);
+  EXPECT_DOUBLE_EQ(StrToTime("00:00:01.5"), 1.5 / SecsPerDay);  // a fraction of a second, not 5 ms
   EXPECT_DOUBLE_EQ(StrToDateTime("2000-01-01 12:00:00"), 36526.5);
   EXPECT_THROW(StrToDate("2000-02-30"), EConvertError);
   EXPECT_THROW(StrToDate("abc"), EConvertError);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ExitCode.h"
+#include "RowWriter.h"
 #include "TableBackend.h"
 
 namespace ctt {
@@ -37,6 +38,8 @@ struct ImportOptions {
   std::uint64_t BatchSize = 0;
   std::uint64_t SkipRows = 0;        ///< data rows to pass over first (resuming an import)
   bool StopOnError = false;          ///< the first rejected row rolls back its batch and stops
+  ValueSpellings Spellings;          ///< the blank and boolean texts of the CSV
+  std::string DateFormat;            ///< the CSV's date order and separator, e.g. "dd.mm.yyyy"
 };
 
 /// The part of an index an `export` or `list` reads.
@@ -50,14 +53,14 @@ struct ReadOptions {
 struct ExportOptions {
   ReadOptions Read;
   std::string File;                  ///< "-" writes standard output
-  char Separator = ',';
+  RowFormat Format{OutputFormat::Csv, true, "\r\n"};  ///< CSV with CR LF line ends, as RFC 4180 has it
 };
 
 struct ListOptions {
   ReadOptions Read;
   KeyValues Find;                    ///< when not empty, start at the nearest key
   std::uint64_t Limit = 50;          ///< rows shown at most; 0: all
-  std::size_t MaxWidth = 40;         ///< widest column shown, in characters
+  RowFormat Format{OutputFormat::Table};
 };
 
 /// Each command returns the exit code of its outcome and raises for failures that end it (the
@@ -87,7 +90,11 @@ ExitCode RunDropIndex(TableBackend& backend, const TableRef& table, const std::s
 ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOptions& options, Console& console);
 ExitCode RunExport(TableBackend& backend, const TableRef& table, const ExportOptions& options, Console& console);
 ExitCode RunList(TableBackend& backend, const TableRef& table, const ListOptions& options, Console& console);
-ExitCode RunInfo(TableBackend& backend, const TableRef& table, Console& console);
+/// info with `asCreate`: one line, the `ctt create` command that makes a table of the same
+/// layout (CreateCommand).
+ExitCode RunInfo(TableBackend& backend, const TableRef& table, bool asCreate, Console& console);
+/// "ctt create NAME -f a:integer,b:string:20 -x byid:a:primary", quoted for a POSIX shell.
+std::string CreateCommand(const std::string& name, const TableInfo& info);
 ExitCode RunCheck(TableBackend& backend, const TableRef& table, Console& console);
 
 }  // namespace ctt

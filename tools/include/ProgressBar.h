@@ -23,10 +23,10 @@ class ProgressBar {
   /// Draws the final state and ends the line (nothing when not a terminal or never drawn).
   void Finish(std::uint64_t done, std::uint64_t rows);
 
-  /// The text of the bar for a fraction in 0..1 (negative when unknown), a row count and a rate
-  /// in rows per second, in `width` characters of bar:
-  /// "[#########           ]  45%  450,000 rows  112,000 rows/s".
-  static std::string Render(double fraction, std::uint64_t rows, double rate, int width);
+  /// The text of the bar for a fraction in 0..1 (negative when unknown), a row count, a rate in
+  /// rows per second and the seconds still to go (negative when unknown), in `width` characters
+  /// of bar: "[#########           ]  45%  450,000 rows  112,000 rows/s  ETA 0:05".
+  static std::string Render(double fraction, std::uint64_t rows, double rate, int width, double eta = -1);
   /// `value` with "," between groups of three digits.
   static std::string Grouped(std::uint64_t value);
 

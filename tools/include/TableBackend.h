@@ -35,6 +35,16 @@ struct TableInfo {
   std::vector<std::int64_t> IndexKeys;
 };
 
+/// How import reads texts: which one means a blank field, which spell true and false (in
+/// addition to "true"/"false", "yes"/"no" and "1"/"0", any case), and what becomes of text
+/// longer than its field (sizes are bytes of UTF-8).
+struct ValueSpellings {
+  std::string Null;                ///< a cell equal to this leaves the field blank ("" always does)
+  std::vector<std::string> True;   ///< further texts for true
+  std::vector<std::string> False;  ///< further texts for false
+  bool Truncate = false;           ///< cut long text at a character boundary instead of rejecting it
+};
+
 /// Values for the leading fields of an index key, as text (the way a field's text setter takes
 /// them). Fewer values than the index has fields give a partial key.
 using KeyValues = std::vector<std::string>;
@@ -63,13 +73,14 @@ class TableCursor {
   /// Positions so that the next Read returns the first record whose key is equal to or after
   /// `key` (the nearest key). Returns false when there is no such record.
   virtual bool FindNearest(const KeyValues& key) = 0;
-  /// Reads the record at the position as one text per field (blank fields as empty texts) and
-  /// moves on. Returns false at the end (of the range).
+  /// Reads the record at the position as one text per field (the texts and blank values of
+  /// FieldText) and moves on. Returns false at the end (of the range).
   virtual bool Read(std::vector<std::string>& values) = 0;
 
-  /// Adds a record: `values[i]` is the text for field i, nullopt leaves it blank. Raises when the
-  /// record is rejected (a duplicate key, a value that does not convert); nothing is added then.
-  virtual void Append(const std::vector<std::optional<std::string>>& values) = 0;
+  /// Adds a record: `values[i]` is the text for field i, read with `spellings`; nullopt leaves it
+  /// blank. Raises when the record is rejected (a duplicate key, a value that does not convert);
+  /// nothing is added then.
+  virtual void Append(const std::vector<std::optional<std::string>>& values, const ValueSpellings& spellings) = 0;
 
   /// Whether the three calls below work. Without them every Append is durable on its own.
   virtual bool HasTransactions() const = 0;

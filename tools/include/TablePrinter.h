@@ -14,7 +14,8 @@ namespace ctt {
 ///     --  -----------  ------
 ///      1  Smith, Anne  Oslo
 ///
-/// Widths count UTF-8 characters, not bytes. Control characters in a cell are shown escaped
+/// Widths count the columns a terminal gives each character: one for most, two for wide ones
+/// (CJK ideographs, most emoji), none for combining marks. Control characters in a cell are shown escaped
 /// ("\n", "\t", "\r", other bytes below 32 as "\xNN") so that a cell never breaks a line. A cell
 /// wider than `maxWidth` characters is cut and ends in "...". Columns are separated by two blanks;
 /// trailing blanks are not printed.
@@ -31,12 +32,12 @@ class TablePrinter {
   void AddRow(std::vector<std::string> cells);
   std::size_t RowCount() const { return FRows.size(); }
 
-  /// Prints the header, the rule and every row added.
-  void Print(std::ostream& out) const;
+  /// Prints the header and the rule (when `header` is set) and every row added.
+  void Print(std::ostream& out, bool header = true) const;
 
-  /// The number of characters `text` shows as (UTF-8 continuation bytes do not count).
+  /// The number of screen columns `text` (UTF-8) takes; an invalid byte counts as one.
   static std::size_t DisplayWidth(const std::string& text);
-  /// `cell` with control characters escaped and cut to `maxWidth` characters as Print shows it.
+  /// `cell` with control characters escaped and cut to `maxWidth` columns as Print shows it.
   static std::string Displayable(const std::string& cell, std::size_t maxWidth);
 
  private:

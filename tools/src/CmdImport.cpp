@@ -1,6 +1,7 @@
 // The tool's import subcommand: CSV rows appended in batches, bad rows reported (tools layer).
 #include <signal.h>
 
+#include <cctype>
 #include <cerrno>
 #include <csignal>
 #include <chrono>
@@ -12,6 +13,7 @@
 #include "BlobColumns.h"
 #include "Commands.h"
 #include "CsvReader.h"
+#include "FormatSettings.h"
 #include "ProgressBar.h"
 #include "StringUtils.h"
 #include "ToolError.h"
@@ -40,6 +42,42 @@ std::vector<std::size_t> MapHeader(const std::vector<std::string>& header, const
   return map;
 }
 
+// Makes the framework read dates in the order and with the separator of a format such as
+// "dd.mm.yyyy" for the life of the import, and puts the settings back afterwards.
+class DateFormatScope {
+ public:
+  explicit DateFormatScope(const std::string& format) : FSaved(fw::FormatSettings) {
+    if (format.empty()) return;
+    std::string order;
+    char separator = 0;
+    for (char c : format) {
+      const char lower = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+      if (lower == 'd' || lower == 'm' || lower == 'y') {
+        if (order.empty() || order.back() != lower) order += lower;
+      } else if (separator == 0 || separator == c) {
+        separator = c;
+      } else {
+        separator = '\n';  // two different separators
+      }
+    }
+    if (order.size() != 3 || order.find('d') == std::string::npos || order.find('m') == std::string::npos ||
+        order.find('y') == std::string::npos || separator == 0 || separator == '\n' || separator == '"')
+      throw UsageError("--date-format '" + format + "': give the day, month and year once each with one separator, "
+                       "e.g. dd.mm.yyyy or mm/dd/yyyy");
+    std::string framework;
+    for (char part : order) framework += std::string(part == 'y' ? "yyyy" : part == 'm' ? "mm" : "dd") + "/";
+    framework.pop_back();
+    fw::FormatSettings.ShortDateFormat = framework;
+    fw::FormatSettings.DateSeparator = separator;
+  }
+  ~DateFormatScope() { fw::FormatSettings = FSaved; }
+  DateFormatScope(const DateFormatScope&) = delete;
+  DateFormatScope& operator=(const DateFormatScope&) = delete;
+
+ private:
+  fw::TFormatSettings FSaved;
+};
+
 // One import run: the counters, the open batch and the way rows are reported.
 class Importer {
  public:
@@ -62,7 +100,7 @@ class Importer {
     if (!FBatches) {
       // Without transactions each record is durable once added.
       try {
-        FCursor.Append(values);
+        FCursor.Append(values, FOptions.Spellings);
         ++Added;
         Committed = Read;
       } catch (...) {
@@ -79,7 +117,7 @@ class Importer {
     }
     ++FBatchRows;
     try {
-      FCursor.Append(values);
+      FCursor.Append(values, FOptions.Spellings);
       ++FBatchAdded;
     } catch (...) {
       Reject(line, DescribeException(std::current_exception()).Message);
@@ -194,6 +232,7 @@ class StopSignals {
 }  // namespace
 
 ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOptions& options, Console& console) {
+  const DateFormatScope dates(options.DateFormat);
   const bool fromStdin = options.File.empty() || options.File == "-";
   std::ifstream file;
   std::uint64_t total = 0;

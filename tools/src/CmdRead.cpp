@@ -7,9 +7,9 @@
 
 #include "BlobColumns.h"
 #include "Commands.h"
-#include "CsvWriter.h"
+#include "FieldText.h"
+#include "RowWriter.h"
 #include "StringUtils.h"
-#include "TablePrinter.h"
 #include "ToolError.h"
 
 namespace ctt {
@@ -71,14 +71,10 @@ std::vector<std::string> Pick(const std::vector<std::string>& values, const std:
   return row;
 }
 
-bool IsNumeric(fw::TFieldType type) {
-  switch (type) {
-    case fw::ftSmallint: case fw::ftInteger: case fw::ftWord: case fw::ftFloat:
-    case fw::ftCurrency: case fw::ftBCD: case fw::ftAutoInc: case fw::ftLargeint:
-      return true;
-    default:
-      return false;
-  }
+std::vector<Column> Columns(const TableInfo& info, const std::vector<std::size_t>& positions) {
+  std::vector<Column> columns;
+  for (std::size_t p : positions) columns.push_back({info.Fields[p].Name, KindOf(info.Fields[p].DataType)});
+  return columns;
 }
 
 }  // namespace
@@ -101,16 +97,14 @@ ExitCode RunExport(TableBackend& backend, const TableRef& table, const ExportOpt
   std::ostream& out = toStdout ? console.Out : file;
   std::uint64_t rows = 0;
   try {
-    CsvWriter writer(out, options.Separator);
-    std::vector<std::string> header;
-    for (std::size_t p : positions) header.push_back(info.Fields[p].Name);
-    writer.WriteRow(header);
+    const std::unique_ptr<RowWriter> writer = MakeRowWriter(out, Columns(info, positions), options.Format);
     std::vector<std::string> values;
     while (cursor->Read(values)) {
       EncodeBinaryColumns(info.Fields, values);
-      writer.WriteRow(Pick(values, positions));
+      writer->Row(Pick(values, positions));
       ++rows;
     }
+    writer->End();
     out.flush();
     if (!out) throw ToolError(kExitFile, "cannot write " + (toStdout ? std::string("standard output") : temporary));
     if (!toStdout) {
@@ -134,32 +128,32 @@ ExitCode RunList(TableBackend& backend, const TableRef& table, const ListOptions
   std::unique_ptr<TableCursor> cursor = OpenForReading(backend, table, options.Read, info);
   const std::vector<std::size_t> positions = ResolveColumns(options.Read.Columns, info);
 
-  std::vector<std::string> headers;
-  std::vector<TablePrinter::Align> aligns;
-  for (std::size_t p : positions) {
-    headers.push_back(info.Fields[p].Name);
-    aligns.push_back(IsNumeric(info.Fields[p].DataType) ? TablePrinter::Right : TablePrinter::Left);
-  }
-  TablePrinter printer(headers, aligns, options.MaxWidth);
+  const std::unique_ptr<RowWriter> writer = MakeRowWriter(console.Out, Columns(info, positions), options.Format);
+  std::uint64_t rows = 0;
   bool more = false;
   if (options.Find.empty() || cursor->FindNearest(options.Find)) {
     std::vector<std::string> values;
     while (cursor->Read(values)) {
-      if (options.Limit > 0 && printer.RowCount() == options.Limit) {
+      if (options.Limit > 0 && rows == options.Limit) {
         more = true;
         break;
       }
       ShowBinaryColumnsAsSize(info.Fields, values);
-      printer.AddRow(Pick(values, positions));
+      writer->Row(Pick(values, positions));
+      ++rows;
     }
   }
-  printer.Print(console.Out);
+  writer->End();
   if (const std::string missing = MissingRecords(options.Read, info); !missing.empty())
     console.Err << "ctt: list: warning: " << missing << '\n';
+  // The count follows an aligned table; other formats stay parseable, so a cut-off is said on
+  // the error stream.
+  const bool aligned = options.Format.Format == OutputFormat::Table;
+  std::ostream& note = aligned ? console.Out : console.Err;
   if (more)
-    console.Out << "(more records follow; --limit " << options.Limit << " stopped the listing, --limit 0 shows all)\n";
-  else
-    console.Out << "(" << printer.RowCount() << (printer.RowCount() == 1 ? " record" : " records") << ")\n";
+    note << "(more records follow; --limit " << options.Limit << " stopped the listing, --limit 0 shows all)\n";
+  else if (aligned)
+    note << "(" << rows << (rows == 1 ? " record" : " records") << ")\n";
   CheckWritten(console.Out, "standard output");
   return kExitOk;
 }

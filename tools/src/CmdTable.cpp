@@ -84,10 +84,37 @@ ExitCode RunCheck(TableBackend& backend, const TableRef& table, Console& console
   return kExitOk;
 }
 
-ExitCode RunInfo(TableBackend& backend, const TableRef& table, Console& console) {
+std::string CreateCommand(const std::string& name, const TableInfo& info) {
+  // Quoted for a POSIX shell when it holds anything but the characters names are made of.
+  auto quoted = [](const std::string& word) {
+    if (!word.empty() && word.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.,:+/-") ==
+                             std::string::npos)
+      return word;
+    std::string out = "'";
+    for (char c : word) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return out + "'";
+  };
+  std::string fields;
+  for (const FieldDefinition& f : info.Fields) fields += (fields.empty() ? "" : ",") + f.Name + ":" + FormatFieldDefinition(f);
+  std::string command = "ctt create " + quoted(name) + " -f " + quoted(fields);
+  for (const IndexDefinition& index : info.Indexes) {
+    std::string keys;
+    for (const std::string& field : index.Fields) keys += (keys.empty() ? "" : "+") + field;
+    const std::string options = index.OptionsText();
+    command += " -x " + quoted(index.Name + ":" + keys + (options.empty() ? "" : ":" + options));
+  }
+  return command;
+}
+
+ExitCode RunInfo(TableBackend& backend, const TableRef& table, bool asCreate, Console& console) {
   std::unique_ptr<TableCursor> cursor = backend.Open(table, OpenMode::ReadOnly);
   const TableInfo info = cursor->Info();
   std::ostream& out = console.Out;
+  if (asCreate) {
+    out << CreateCommand(table.Name, info) << '\n';
+    CheckWritten(out, "standard output");
+    return kExitOk;
+  }
   out << "table    " << table.Display() << '\n';
   for (std::size_t i = 0; i < info.Files.size(); ++i) out << (i == 0 ? "files    " : "         ") << info.Files[i] << '\n';
   out << "records  " << info.RecordCount << "\n\n";

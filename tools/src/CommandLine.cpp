@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "CsvReader.h"
+#include "StringUtils.h"
 #include "ToolError.h"
 
 namespace ctt {
@@ -32,7 +33,48 @@ struct Parsed {
   ImportOptions Import;
   ListOptions List;
   bool Replace = false;
+  std::string Format, LineEnd, InfoFormat, TrueTexts, FalseTexts;
+  bool NoHeader = false;
+  std::size_t MaxWidth = 40;
+  bool Progress = false, NoProgress = false;
 };
+
+// The subcommand closest to a mistyped one (at most two edits away), for "did you mean".
+std::string Nearest(const std::string& typed, const std::vector<CLI::App*>& commands) {
+  std::string best;
+  std::size_t bestDistance = 3;
+  for (const CLI::App* command : commands) {
+    const std::string& name = command->get_name();
+    std::vector<std::size_t> row(name.size() + 1);
+    for (std::size_t j = 0; j <= name.size(); ++j) row[j] = j;
+    for (std::size_t i = 1; i <= typed.size(); ++i) {
+      std::size_t diagonal = row[0];
+      row[0] = i;
+      for (std::size_t j = 1; j <= name.size(); ++j) {
+        const std::size_t above = row[j];
+        row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (typed[i - 1] == name[j - 1] ? 0 : 1)});
+        diagonal = above;
+      }
+    }
+    if (row[name.size()] < bestDistance) {
+      bestDistance = row[name.size()];
+      best = name;
+    }
+  }
+  return best;
+}
+
+std::vector<std::string> SplitList(const std::string& text) {
+  std::vector<std::string> items;
+  std::size_t start = 0;
+  while (!text.empty() && start <= text.size()) {
+    const std::size_t end = text.find(',', start);
+    items.push_back(text.substr(start, end == std::string::npos ? std::string::npos : end - start));
+    if (end == std::string::npos) break;
+    start = end + 1;
+  }
+  return items;
+}
 
 KeyValues ParseKey(const std::string& text, const char* option) {
   if (text.empty()) return {};
@@ -113,6 +155,26 @@ void AddReadOptions(CLI::App* cmd, Parsed& p) {
   cmd->add_option("--filter", p.Filter, "Only records for which this filter is true, e.g. '(\"CITY\" = 'Oslo') AND (\"ID\" > 3)'");
 }
 
+void AddFormatOptions(CLI::App* cmd, Parsed& p, const char* defaultFormat) {
+  cmd->add_option("--format", p.Format, std::string("csv, tsv, json, table or markdown (default ") + defaultFormat + ")");
+  cmd->add_flag("--no-header", p.NoHeader, "Leave out the line naming the columns");
+  cmd->add_option("--line-end", p.LineEnd, "lf or crlf, for csv and tsv");
+}
+
+RowFormat CollectFormat(const Parsed& p, RowFormat format) {
+  if (!p.Format.empty()) format.Format = ParseOutputFormat(p.Format);
+  format.Header = !p.NoHeader;
+  if (fw::SameText(p.LineEnd, "lf"))
+    format.LineEnd = "\n";
+  else if (fw::SameText(p.LineEnd, "crlf"))
+    format.LineEnd = "\r\n";
+  else if (!p.LineEnd.empty())
+    throw UsageError("--line-end '" + p.LineEnd + "': choose lf or crlf");
+  format.Separator = ParseSeparator(p.Separator);
+  format.MaxWidth = p.MaxWidth;
+  return format;
+}
+
 ReadOptions CollectRead(const Parsed& p) {
   ReadOptions read;
   read.Index = p.IndexName;
@@ -129,8 +191,11 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
   CLI::App app(kDescription, "ctt");
   app.require_subcommand(1);
   app.fallthrough();
+  app.set_version_flag("--version", "ctt " CT_VERSION);
   Parsed p;
   AddConnectionOptions(app, p);
+  app.add_flag("--progress", p.Progress, "Draw progress bars even when standard error is not a terminal");
+  app.add_flag("--no-progress", p.NoProgress, "Draw no progress bars");
 
   CLI::App* create = AddCommand(app, "create", "Create a table (an existing one only with --replace)", p);
   create->add_option("--field,-f", p.FieldTexts, "name:type[:size], several comma-separated")->required();
@@ -146,19 +211,27 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
   import->add_option("--skip-rows", p.Import.SkipRows, "Pass over this many data rows first (resuming)");
   import->add_flag("--stop-on-error", p.Import.StopOnError, "Roll back the batch and stop at the first bad row");
   import->add_option("--separator", p.Separator, "Field separator (default ',')");
+  import->add_option("--null", p.Import.Spellings.Null, "A cell with this text leaves its field blank (as an empty one does)");
+  import->add_option("--true", p.TrueTexts, "More spellings of true, comma-separated (true, yes, 1 always work)");
+  import->add_option("--false", p.FalseTexts, "More spellings of false, comma-separated (false, no, 0 always work)");
+  import->add_flag("--truncate", p.Import.Spellings.Truncate, "Cut text longer than its field at a character boundary (default: reject the row)");
+  import->add_option("--date-format", p.Import.DateFormat, "Order and separator of dates, e.g. dd.mm.yyyy (default yyyy-mm-dd)");
 
-  CLI::App* exportCmd = AddCommand(app, "export", "Write a table's records as CSV", p);
-  exportCmd->add_option("file", p.File, "CSV file, '-' or nothing for standard output");
-  exportCmd->add_option("--separator", p.Separator, "Field separator (default ',')");
+  CLI::App* exportCmd = AddCommand(app, "export", "Write a table's records as CSV (or another format)", p);
+  exportCmd->add_option("file", p.File, "Output file, '-' or nothing for standard output");
+  exportCmd->add_option("--separator", p.Separator, "Field separator of csv (default ',')");
+  AddFormatOptions(exportCmd, p, "csv with CR LF line ends");
   AddReadOptions(exportCmd, p);
 
-  CLI::App* list = AddCommand(app, "list", "Show records as an aligned table", p);
+  CLI::App* list = AddCommand(app, "list", "Show records as an aligned table (or another format)", p);
   AddReadOptions(list, p);
+  AddFormatOptions(list, p, "table");
   list->add_option("--find", p.Find, "Start at the nearest key at or after these values");
   list->add_option("--limit,-n", p.List.Limit, "Records shown at most (0: all)");
-  list->add_option("--width", p.List.MaxWidth, "Widest column in characters")->check(CLI::Range(4, 1000));
+  list->add_option("--width", p.MaxWidth, "Widest column in screen columns")->check(CLI::Range(4, 1000));
 
   CLI::App* info = AddCommand(app, "info", "Show fields, indexes, record count and files", p);
+  info->add_option("--format", p.InfoFormat, "text (default) or create: the ctt create command for the same layout");
   CLI::App* check = AddCommand(app, "check", "Read every page of a table's data file and report damage", p);
   CLI::App* addIndex = AddCommand(app, "add-index", "Add an index to a table", p);
   addIndex->add_option("definition", p.IndexText, "name:field[;field...][:options]")->required();
@@ -173,14 +246,38 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
   } catch (const CLI::CallForHelp&) {
     console.Out << app.help();
     return kExitOk;
+  } catch (const CLI::CallForVersion& e) {
+    console.Out << e.what() << '\n';
+    return kExitOk;
   } catch (const CLI::ParseError& e) {
     if (e.get_exit_code() == 0) {
       console.Out << app.help();
       return kExitOk;
     }
-    console.Err << "ctt: " << e.what() << "\nRun 'ctt --help' or 'ctt <command> --help' for the options.\n";
+    console.Err << "ctt: " << e.what() << '\n';
+    // A mistyped command is the first word after the options; name the command it resembles.
+    if (app.get_subcommands().empty()) {
+      std::vector<std::string> commands;
+      for (const CLI::App* command : app.get_subcommands({})) commands.push_back(command->get_name());
+      for (std::size_t i = 1; i < args.size(); ++i) {
+        if (args[i].empty() || args[i][0] == '-') continue;
+        if (const std::string near = Nearest(args[i], app.get_subcommands({})); !near.empty())
+          console.Err << "Did you mean '" << near << "'?\n";
+        break;
+      }
+      std::string list;
+      for (const std::string& command : commands) list += (list.empty() ? "" : ", ") + command;
+      console.Err << "Commands: " << list << ".\n";
+    }
+    console.Err << "Run 'ctt --help' or 'ctt <command> --help' for the options.\n";
     return kExitUsage;
   }
+  if (p.Progress && p.NoProgress) {
+    console.Err << "ctt: --progress and --no-progress exclude each other\n";
+    return kExitUsage;
+  }
+  if (p.Progress) console.ErrIsTerminal = true;
+  if (p.NoProgress) console.ErrIsTerminal = false;
 
   std::string name = "ctt";
   try {
@@ -201,6 +298,8 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
       options.Fields = ParseFieldDefinitions(p.FieldTexts);
       options.Indexes = ParseIndexDefinitions(p.IndexTexts);
       options.Replace = p.Replace;
+      options.Spellings.True = SplitList(p.TrueTexts);
+      options.Spellings.False = SplitList(p.FalseTexts);
       if (options.Replace && options.Fields.empty()) throw UsageError("--replace on import needs --field");
       if (options.Fields.empty() && !options.Indexes.empty())
         throw UsageError("--index on import needs --field: indexes are only defined for a table created here");
@@ -208,16 +307,24 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
       return RunImport(*factory(p.Connection), p.Table, options, console);
     }
     if (chosen == exportCmd) {
-      ExportOptions options{CollectRead(p), p.File, ParseSeparator(p.Separator)};
+      ExportOptions options;
+      options.Read = CollectRead(p);
+      options.File = p.File;
+      options.Format = CollectFormat(p, options.Format);
       return RunExport(*factory(p.Connection), p.Table, options, console);
     }
     if (chosen == list) {
       ListOptions options = p.List;
       options.Read = CollectRead(p);
+      options.Format = CollectFormat(p, options.Format);
       options.Find = ParseKey(p.Find, "--find");
       return RunList(*factory(p.Connection), p.Table, options, console);
     }
-    if (chosen == info) return RunInfo(*factory(p.Connection), p.Table, console);
+    if (chosen == info) {
+      if (!p.InfoFormat.empty() && !fw::SameText(p.InfoFormat, "text") && !fw::SameText(p.InfoFormat, "create"))
+        throw UsageError("--format '" + p.InfoFormat + "': choose text or create");
+      return RunInfo(*factory(p.Connection), p.Table, fw::SameText(p.InfoFormat, "create"), console);
+    }
     if (chosen == check) return RunCheck(*factory(p.Connection), p.Table, console);
     if (chosen == addIndex) return RunAddIndex(*factory(p.Connection), p.Table, ParseIndexDefinition(p.IndexText), console);
     if (chosen == dropIndex) return RunDropIndex(*factory(p.Connection), p.Table, p.IndexName, console);

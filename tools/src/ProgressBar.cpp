@@ -31,7 +31,7 @@ std::string ProgressBar::Grouped(std::uint64_t value) {
   return out;
 }
 
-std::string ProgressBar::Render(double fraction, std::uint64_t rows, double rate, int width) {
+std::string ProgressBar::Render(double fraction, std::uint64_t rows, double rate, int width, double eta) {
   std::string out;
   if (fraction >= 0) {
     fraction = std::clamp(fraction, 0.0, 1.0);
@@ -47,6 +47,17 @@ std::string ProgressBar::Render(double fraction, std::uint64_t rows, double rate
   }
   out += Grouped(rows) + " rows";
   if (rate > 0) out += "  " + Grouped(static_cast<std::uint64_t>(std::llround(rate))) + " rows/s";
+  if (eta >= 0) {
+    const auto total = static_cast<std::uint64_t>(std::llround(eta));
+    char text[32];
+    if (total >= 3600)
+      std::snprintf(text, sizeof text, "  ETA %llu:%02llu:%02llu", static_cast<unsigned long long>(total / 3600),
+                    static_cast<unsigned long long>(total / 60 % 60), static_cast<unsigned long long>(total % 60));
+    else
+      std::snprintf(text, sizeof text, "  ETA %llu:%02llu", static_cast<unsigned long long>(total / 60),
+                    static_cast<unsigned long long>(total % 60));
+    out += text;
+  }
   return out;
 }
 
@@ -55,8 +66,10 @@ void ProgressBar::Draw(std::uint64_t done, std::uint64_t rows) {
   const double seconds = std::chrono::duration<double>(now - FStart).count();
   const double fraction = FTotal > 0 ? static_cast<double>(done) / static_cast<double>(FTotal) : -1.0;
   const double rate = seconds > 0.2 ? static_cast<double>(rows) / seconds : 0.0;
+  // The time to go, once a second and a little of the work have given a steady rate.
+  const double eta = fraction > 0.01 && seconds > 1.0 ? seconds * (1.0 - fraction) / fraction : -1.0;
   // "\x1b[K" clears what a longer earlier line left behind.
-  FOut << '\r' << Render(fraction, rows, rate, kBarWidth) << "\x1b[K" << std::flush;
+  FOut << '\r' << Render(fraction, rows, rate, kBarWidth, eta) << "\x1b[K" << std::flush;
   FLastDraw = now;
   FDrawn = true;
 }

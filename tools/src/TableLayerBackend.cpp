@@ -6,6 +6,7 @@
 #include "CTTables.h"
 #include "CtRecords.h"
 #include "ConnectionSetup.h"
+#include "FieldText.h"
 #include "CtError.h"
 #include "CtFiles.h"
 #include "CtSession.h"
@@ -126,18 +127,17 @@ class TableLayerCursor : public TableCursor {
     if (FTable->Eof()) return false;
     const fw::TFields& fields = *FTable->Fields();
     values.resize(static_cast<std::size_t>(fields.Count()));
-    for (int i = 0; i < fields.Count(); ++i) values[static_cast<std::size_t>(i)] = fields.Fields(i)->AsString();
+    for (int i = 0; i < fields.Count(); ++i) values[static_cast<std::size_t>(i)] = FieldText(*fields.Fields(i));
     FTable->Next();
     return true;
   }
 
-  void Append(const std::vector<std::optional<std::string>>& values) override {
+  void Append(const std::vector<std::optional<std::string>>& values, const ValueSpellings& spellings) override {
     FTable->Append();
     try {
       const fw::TFields& fields = *FTable->Fields();
       for (int i = 0; i < fields.Count() && static_cast<std::size_t>(i) < values.size(); ++i)
-        if (const auto& value = values[static_cast<std::size_t>(i)]; value && !value->empty())
-          fields.Fields(i)->SetAsString(*value);
+        if (const auto& value = values[static_cast<std::size_t>(i)]) SetFieldText(*fields.Fields(i), *value, spellings);
       FTable->Post();
     } catch (...) {
       // The rejected record is dropped, so that the next one starts from a clean buffer.

@@ -205,7 +205,7 @@ TEST_F(CommandsTest, ExportWritesTheIndexOrderAndRangeAsCsv) {
   options.File = "-";
   options.Read = {};
   options.Read.Columns = {"NAME", "id"};
-  options.Separator = ';';
+  options.Format.Separator = ';';
   out.str("");
   EXPECT_EQ(RunExport(backend, table, options, console), kExitOk);
   EXPECT_EQ(out.str(), "name;id\r\nCosta;1\r\n\"O'Neill \"\"Jr\"\"\";2\r\nBerg, Anna;3\r\n\"Two\nLines\";4\r\n");
@@ -269,7 +269,7 @@ TEST_F(CommandsTest, ReadingAMissingTableOrIndexIsNotFound) {
   EXPECT_EQ(index.Code, kExitNotFound);
   EXPECT_EQ(index.Message, "table customers has no index 'byzip'");
   TableRef missing{"", "nosuch", ""};
-  const ErrorReport report = Failure([&] { RunInfo(backend, missing, console); });
+  const ErrorReport report = Failure([&] { RunInfo(backend, missing, false, console); });
   EXPECT_EQ(report.Code, kExitNotFound);
   EXPECT_EQ(report.Message, "Could not open file: not there or locked (error 12)");
   EXPECT_EQ(Failure([&] { RunDrop(backend, missing, console); }).Code, kExitNotFound);
@@ -278,7 +278,7 @@ TEST_F(CommandsTest, ReadingAMissingTableOrIndexIsNotFound) {
 TEST_F(CommandsTest, InfoDescribesFieldsIndexesAndFiles) {
   ASSERT_EQ(Import(kCustomers), kExitOk);
   out.str("");
-  EXPECT_EQ(RunInfo(backend, table, console), kExitOk);
+  EXPECT_EQ(RunInfo(backend, table, false, console), kExitOk);
   EXPECT_EQ(out.str(),
             "table    customers\n"
             "files    data.dat\n"
@@ -339,7 +339,7 @@ TEST_F(CommandsTest, ListAndInfoFailWhenTheirOutputCannotBeWritten) {
   std::ostream full(&device);
   Console lost{full, err, false};
   for (const auto& command : std::vector<std::function<void()>>{
-           [&] { RunList(backend, table, ListOptions{}, lost); }, [&] { RunInfo(backend, table, lost); }}) {
+           [&] { RunList(backend, table, ListOptions{}, lost); }, [&] { RunInfo(backend, table, false, lost); }}) {
     full.clear();
     const ErrorReport report = Failure(command);
     EXPECT_EQ(report.Code, kExitFile);

@@ -85,7 +85,7 @@ class FakeCursor : public TableCursor {
     return true;
   }
 
-  void Append(const std::vector<std::optional<std::string>>& values) override {
+  void Append(const std::vector<std::optional<std::string>>& values, const ValueSpellings&) override {
     if (++FStore.Appends == FStore.SignalAtAppend) std::raise(FStore.Signal);
     std::vector<std::string> record;
     for (std::size_t i = 0; i < FTable.Fields.size(); ++i) {
