@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
 
 #include "LockTable.h"
 #include "SetJournal.h"
@@ -39,6 +40,11 @@ std::map<FileId, std::weak_ptr<Env>>& Registry() {
   return registry;
 }
 
+std::string FolderOf(const std::string& path) {
+  const std::string folder = std::filesystem::path(path).parent_path().string();
+  return folder.empty() ? "." : folder;
+}
+
 }  // namespace
 
 IoCounters& Io() {
@@ -61,6 +67,10 @@ void ThrowLmdb(int rc) {
       Throw(CT_EDAMAGED);
     case ENOENT:
       Throw(FNOP_ERR, rc);
+    case EACCES:
+    case EROFS:
+      // A file the process may read but not write was opened read-only (see Acquire).
+      Throw(CT_EREADONLY, rc);
     default:
       Throw(CT_EIO, rc > 0 ? rc : 0);
   }
@@ -77,17 +87,27 @@ std::shared_ptr<Env> Env::Acquire(const std::string& path, bool create) {
   if (auto it = reg.find(id); it != reg.end()) {
     if (auto live = it->second.lock()) return live;
   }
-  bool hadLock = FileSize(path + "-lock") >= 0;
+  // A file this process may not write (another user's, a read-only medium) is opened
+  // read-only, so that it can still be read; a write then fails with CT_EREADONLY. When the lock
+  // file cannot be written either, reads go without LMDB's reader table: they are safe while no
+  // other process writes the file, which is the case such a reader is for (documented).
+  const bool readOnly = !create && ::access(path.c_str(), W_OK) != 0;
+  const std::string lockPath = path + "-lock";
+  bool hadLock = FileSize(lockPath) >= 0;
+  const bool noLock = readOnly && (hadLock ? ::access(lockPath.c_str(), W_OK) != 0
+                                           : ::access(FolderOf(path).c_str(), W_OK) != 0);
   MDB_env* raw = nullptr;
   Check(mdb_env_create(&raw));
   std::shared_ptr<Env> env(new Env(raw));
   env->path_ = path;
+  env->readOnly_ = readOnly;
   mdb_env_set_userctx(raw, env.get());
   mdb_env_set_maxdbs(raw, kMaxDbs);
   size_t map = kInitialMap;
   while (map < static_cast<size_t>(st.st_size) * 2) map *= 2;
   mdb_env_set_mapsize(raw, map);
-  int rc = mdb_env_open(raw, path.c_str(), MDB_NOSUBDIR | MDB_NOTLS | MDB_NOSYNC, 0644);
+  const unsigned flags = MDB_NOSUBDIR | MDB_NOTLS | MDB_NOSYNC | (readOnly ? MDB_RDONLY : 0u) | (noLock ? MDB_NOLOCK : 0u);
+  int rc = mdb_env_open(raw, path.c_str(), flags, 0644);
   if (rc != 0) {
     if (!hadLock) ::unlink((path + "-lock").c_str());
     ThrowLmdb(rc);
@@ -104,7 +124,8 @@ std::shared_ptr<Env> Env::Acquire(const std::string& path, bool create) {
   mdb_reader_check(raw, &dead);
   reg[id] = env;
   // A set journal left next to the file by a process that died between the commits of a
-  // multi-file set is resolved before the file is used.
+  // multi-file set is resolved before the file is used (by a process that may write it).
+  if (readOnly) return env;
   SetJournal::Sweep(path);
   if (SetJournal::Pending(path)) SetJournal::Settle(*env, false);
   return env;

@@ -71,6 +71,8 @@ class Env {
   void AbortTop();
   uint64_t Epoch() const { return epoch_; }
   const std::string& Path() const { return path_; }
+  // True when the file was opened read-only because this process may not write it.
+  bool ReadOnly() const { return readOnly_; }
 
   // A base held transaction begun while another file of this process already held one is
   // logged: the previous state of every key it writes goes to a set journal (spilled to a file
@@ -126,6 +128,7 @@ class Env {
   int broken_ = 0;             // the LMDB failure that broke the held transaction
   bool writing_ = false;       // a write transaction outside a set is open
   bool settling_ = false;      // a set journal is being settled from Snapshot
+  bool readOnly_ = false;
 };
 
 // Writes through these are logged inside a call scope of a held transaction (Env::BeginWrite);

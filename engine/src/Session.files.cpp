@@ -1,6 +1,7 @@
 // Session.files: creating, opening, closing, deleting and renaming data files, index files and
 // IFIL sets; the IFIL, schema and other resources.
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <map>
 
@@ -14,6 +15,12 @@ constexpr int kModeBits = SHARED | VLENGTH | READFIL | TRNLOG | WRITETHRU | CHEC
 
 void CheckMode(int mode) {
   if (mode & ~kModeBits) Throw(FMOD_ERR);
+}
+
+// A file this process may only read opens only in READFIL mode: any other open would fail at
+// its first write, so it is refused as c-tree refuses a file it cannot open for writing.
+void RefuseReadOnly(DataStore& store, int mode) {
+  if (!(mode & READFIL) && store.env().ReadOnly()) Throw(FNOP_ERR, EACCES);
 }
 
 std::string DirOf(const std::string& path) {
@@ -97,6 +104,7 @@ void Session::OpenFile(int filno, const char* name, int filmod, const char* pass
     OpenIndexAlone(no, std::move(h), name, filmod);
     return;
   }
+  RefuseReadOnly(*h->store, filmod);
   h->name = name;
   h->path = name;
   h->mode = filmod;
@@ -205,6 +213,7 @@ int Session::OpenIfil(int filno, const std::string& path, int filmod, const char
   auto h = std::make_unique<Handle>();
   h->lock = LockPath(path, exclusive);
   h->store = DataStore::Open(path, password);
+  RefuseReadOnly(*h->store, filmod);
   if (!h->store->HasIfil()) Throw(RNOT_ERR);
   const FileDef& def = h->store->def();
   // Indexes another open mapped (setimap) are maintained but get no number here.

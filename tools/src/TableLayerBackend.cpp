@@ -213,8 +213,9 @@ class TableLayerBackend : public TableBackend {
     std::unique_ptr<CTTables::TCTTable> table = NewTable(ref);
     // Indexes are added and removed with the table opened for this program alone.
     table->SetExclusive(mode == OpenMode::Exclusive);
-    // Opened not read-only even for reading: a read-only table ignores every field write, the
-    // key values of a seek or range included, so --find and --from would do nothing.
+    // Reading commands open the files read-only, so that a user who may not write them can
+    // still list and export (key entry for --find and --from works on a read-only table).
+    table->SetReadOnly(mode == OpenMode::ReadOnly);
     table->Open();
     return std::make_unique<TableLayerCursor>(std::move(table));
   }
