@@ -36,6 +36,10 @@ extern std::array<void*, kVariantCount> Handles;
 /// into it, whatever alignment it is given. A process is meant to use one alignment at a time.
 void LoadCTreeDLL(TLoadAlignment Alignment);
 
+/// The platform loader's own words on the last library LoadCTreeDLL could not load (which file
+/// was missing, which symbol a dependency lacked); empty when the last load succeeded.
+const std::string& LastLoaderMessage();
+
 /// Unloads the library of `Alignment` if it is loaded, and marks it unloaded. The ordinal is
 /// masked to its low seven bits first; a masked ordinal outside TLoadAlignment does nothing. The
 /// handle and the shared entry-point table are left as they are. Never raises.

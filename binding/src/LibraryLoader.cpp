@@ -19,6 +19,7 @@ std::array<void*, kVariantCount> Handles{};
 namespace {
 
 std::uint64_t lookupCount = 0;
+std::string LoaderMessage;
 
 [[noreturn]] void RaiseLoaderError(std::int32_t ident, std::initializer_list<fw::Variant> args) {
   throw ECtreeException(fw::Format(std::string(*CtMessage(ident)), args), 0);
@@ -34,7 +35,12 @@ void LoadVariant(TLoadAlignment alignment) {
   // An empty name would make the platform loader return the main program: refuse it.
   void* handle = fileName.empty() ? nullptr : dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL);
   Handles[alignment] = handle;
-  if (handle == nullptr) RaiseLoaderError(kMsgCannotLoad, {fw::Variant(fileName)});
+  if (handle == nullptr) {
+    const char* why = fileName.empty() ? nullptr : dlerror();
+    LoaderMessage = why != nullptr ? why : "";
+    RaiseLoaderError(kMsgCannotLoad, {fw::Variant(fileName)});
+  }
+  LoaderMessage.clear();
   // Names bound before a failure keep their new addresses and the library stays loaded; the
   // variant is not marked loaded, so the next call loads and binds again from the start.
   for (const TBinding& binding : BindingOrder()) {
@@ -58,6 +64,8 @@ struct TFinalization {
 } finalization;
 
 }  // namespace
+
+const std::string& LastLoaderMessage() { return LoaderMessage; }
 
 void LoadCTreeDLL(TLoadAlignment Alignment) {
   if (Alignment < kVariantCount && LoadedVariants[Alignment]) return;

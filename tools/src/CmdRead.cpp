@@ -36,19 +36,58 @@ std::vector<std::size_t> ResolveColumns(const std::vector<std::string>& columns,
   return positions;
 }
 
+// The index records are read in: the one named, or the table's first (null when it has none).
+const IndexDefinition* ChosenIndex(const TableRef& table, const ReadOptions& read, const TableInfo& info) {
+  for (const IndexDefinition& index : info.Indexes)
+    if (read.Index.empty() || fw::SameText(index.Name, read.Index)) return &index;
+  if (!read.Index.empty()) throw ToolError(kExitNotFound, "table " + table.Display() + " has no index '" + read.Index + "'");
+  return nullptr;
+}
+
+std::string Describe(const IndexDefinition& index, const TableInfo& info) {
+  std::string fields;
+  for (const std::string& name : index.Fields) {
+    std::string type;
+    for (const FieldDefinition& f : info.Fields)
+      if (fw::SameText(f.Name, name)) type = FieldTypeName(f.DataType);
+    fields += (fields.empty() ? "" : ", ") + name + (type.empty() ? "" : " (" + type + ")");
+  }
+  return "index " + index.Name + " has the key fields " + fields;
+}
+
+// Key values are the user's to get right: a table without an index, more values than the
+// index has fields, or a value a key field cannot take is a usage error naming the fields.
+void CheckKey(const char* option, const KeyValues& key, const IndexDefinition* index, const TableRef& table,
+              const TableInfo& info) {
+  if (key.empty()) return;
+  if (index == nullptr)
+    throw UsageError(std::string(option) + ": table " + table.Display() + " has no index to find keys in");
+  if (key.size() > index->Fields.size())
+    throw UsageError(std::string(option) + " gives " + std::to_string(key.size()) + " values; " + Describe(*index, info));
+}
+
+template <class Step>
+void WithKeyValues(const char* options, const IndexDefinition* index, const TableInfo& info, Step step) {
+  try {
+    step();
+  } catch (const std::exception& e) {
+    if (index == nullptr) throw;
+    throw UsageError(std::string(options) + ": " + e.what() + "; " + Describe(*index, info));
+  }
+}
+
 // Opens the table on the chosen index and range, positioned before the first record to read.
 std::unique_ptr<TableCursor> OpenForReading(TableBackend& backend, const TableRef& table, const ReadOptions& read,
                                             TableInfo& info) {
   std::unique_ptr<TableCursor> cursor = backend.Open(table, OpenMode::ReadOnly);
   info = cursor->Info();
-  if (!read.Index.empty()) {
-    bool known = false;
-    for (const IndexDefinition& index : info.Indexes) known = known || fw::SameText(index.Name, read.Index);
-    if (!known) throw ToolError(kExitNotFound, "table " + table.Display() + " has no index '" + read.Index + "'");
-  }
+  const IndexDefinition* index = ChosenIndex(table, read, info);
   cursor->UseIndex(read.Index);
   if (!read.Filter.empty()) cursor->SetFilter(read.Filter);
-  if (!read.From.empty() || !read.To.empty()) cursor->SetRange(read.From, read.To);
+  CheckKey("--from", read.From, index, table, info);
+  CheckKey("--to", read.To, index, table, info);
+  if (!read.From.empty() || !read.To.empty())
+    WithKeyValues("--from/--to", index, info, [&] { cursor->SetRange(read.From, read.To); });
   cursor->First();
   return cursor;
 }
@@ -131,7 +170,11 @@ ExitCode RunList(TableBackend& backend, const TableRef& table, const ListOptions
   const std::unique_ptr<RowWriter> writer = MakeRowWriter(console.Out, Columns(info, positions), options.Format);
   std::uint64_t rows = 0;
   bool more = false;
-  if (options.Find.empty() || cursor->FindNearest(options.Find)) {
+  const IndexDefinition* index = ChosenIndex(table, options.Read, info);
+  CheckKey("--find", options.Find, index, table, info);
+  bool found = options.Find.empty();
+  if (!found) WithKeyValues("--find", index, info, [&] { found = cursor->FindNearest(options.Find); });
+  if (found) {
     std::vector<std::string> values;
     while (cursor->Read(values)) {
       if (options.Limit > 0 && rows == options.Limit) {

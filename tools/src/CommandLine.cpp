@@ -64,6 +64,14 @@ std::string Nearest(const std::string& typed, const std::vector<CLI::App*>& comm
   return best;
 }
 
+// Counts are whole numbers of zero or more (CLI11 would take "-1" as the largest number).
+const CLI::Validator kCount(
+    [](std::string& text) {
+      const bool digits = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+      return digits ? std::string() : "'" + text + "' is not a count (a whole number of 0 or more)";
+    },
+    "COUNT");
+
 std::vector<std::string> SplitList(const std::string& text) {
   std::vector<std::string> items;
   std::size_t start = 0;
@@ -207,8 +215,10 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
   import->add_option("--field,-f", p.FieldTexts, "Create the table with these fields first");
   import->add_option("--index,-x", p.IndexTexts, "Indexes of the table created with --field");
   import->add_flag("--replace", p.Replace, "With --field: replace an existing table, deleting its records");
-  import->add_option("--batch-size", p.Import.BatchSize, "Rows per transaction (default 0: one for all)");
-  import->add_option("--skip-rows", p.Import.SkipRows, "Pass over this many data rows first (resuming)");
+  import->add_option("--batch-size", p.Import.BatchSize, "Rows per transaction (default 0: one for all)")
+      ->check(kCount);
+  import->add_option("--skip-rows", p.Import.SkipRows, "Pass over this many data rows first (resuming)")
+      ->check(kCount);
   import->add_flag("--stop-on-error", p.Import.StopOnError, "Roll back the batch and stop at the first bad row");
   import->add_option("--separator", p.Separator, "Field separator (default ',')");
   import->add_option("--null", p.Import.Spellings.Null, "A cell with this text leaves its field blank (as an empty one does)");
@@ -227,7 +237,7 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
   AddReadOptions(list, p);
   AddFormatOptions(list, p, "table");
   list->add_option("--find", p.Find, "Start at the nearest key at or after these values");
-  list->add_option("--limit,-n", p.List.Limit, "Records shown at most (0: all)");
+  list->add_option("--limit,-n", p.List.Limit, "Records shown at most (0: all)")->check(kCount);
   list->add_option("--width", p.MaxWidth, "Widest column in screen columns")->check(CLI::Range(4, 1000));
 
   CLI::App* info = AddCommand(app, "info", "Show fields, indexes, record count and files", p);

@@ -10,6 +10,7 @@
 #include "CtError.h"
 #include "CtFiles.h"
 #include "CtSession.h"
+#include "ECtreeException.h"
 #include "StringUtils.h"
 #include "TField.h"
 #include "TFieldDefs.h"
@@ -21,6 +22,8 @@
 namespace ctt {
 
 namespace {
+
+constexpr std::int32_t kFileNotFound = 12;
 
 std::vector<fw::Variant> Values(const KeyValues& key) { return {key.begin(), key.end()}; }
 
@@ -216,7 +219,19 @@ class TableLayerBackend : public TableBackend {
     // Reading commands open the files read-only, so that a user who may not write them can
     // still list and export (key entry for --find and --from works on a read-only table).
     table->SetReadOnly(mode == OpenMode::ReadOnly);
-    table->Open();
+    try {
+      table->Open();
+    } catch (const CTDbIntf::ECtreeException& e) {
+      if (e.ErrorCode != kFileNotFound) throw;
+      // "Not there or locked": say which file, and which of the two it is.
+      const std::string& ext = FSetup.Connection().DataExt();
+      const std::string file = (ref.Directory.empty() ? std::string() : ref.Directory + "/") +
+                               (ref.SuperFile.empty() ? ref.Name + (ext.empty() ? "" : "." + ext) : ref.SuperFile);
+      const bool there = fw::FileExists(file);
+      throw CTDbIntf::ECtreeException("table " + ref.Display() + (there ? " (file " + file + ")" : ": no file " + file) +
+                                          ": " + e.Message(),
+                                      e.ErrorCode);
+    }
     return std::make_unique<TableLayerCursor>(std::move(table));
   }
 

@@ -1,12 +1,14 @@
 // Failures turned into one readable line and an exit code (tools layer).
 #include "ToolError.h"
 
+#include <cstdlib>
 #include <ios>
 #include <ostream>
 
 #include "CsvReader.h"
 #include "CtMessages.h"
 #include "ECtreeException.h"
+#include "LibraryLoader.h"
 #include "Exception.h"
 #include "StringUtils.h"
 #include "UnitFilterParser.h"
@@ -53,6 +55,15 @@ ErrorReport DescribeException(std::exception_ptr error) {
     const std::size_t suffix = message.find("\n\rCtree Error #");
     if (suffix != std::string::npos) message.erase(suffix);
     const ExitCode code = e.ErrorCode == kFileNotFound ? kExitNotFound : kExitStorage;
+    // The engine library did not load: add what the platform loader said and where it looked.
+    if (e.ErrorCode == 0 && !CTDbIntf::LastLoaderMessage().empty()) {
+      const char* path = std::getenv("LD_LIBRARY_PATH");
+      message += " (the loader said: " + CTDbIntf::LastLoaderMessage() +
+                 "; it searched the library folder ctt was built or installed with, LD_LIBRARY_PATH" +
+                 (path != nullptr ? std::string(" = ") + path : std::string(" (not set)")) +
+                 " and the system's library folders)";
+      return {message, kExitStorage};
+    }
     if (message.empty() && e.ErrorCode != 0) return {DescribeErrorNumber(e.ErrorCode), code};
     if (e.ErrorCode != 0) message += " (error " + std::to_string(e.ErrorCode) + ")";
     return {message, code};

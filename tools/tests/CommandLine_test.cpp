@@ -82,8 +82,8 @@ TEST_F(CommandLineTest, ExitCodesOfAWholeSession) {
   EXPECT_EQ(err.str(), "ctt: import: line 3: Key value already exists (error 2)\n");
   EXPECT_EQ(Run({"list", "t", "-n", "0"}), kExitOk);
   EXPECT_NE(out.str().find("(2 records)"), std::string::npos);
-  EXPECT_EQ(Run({"list", "t", "--from", "1,2"}), kExitStorage);
-  EXPECT_EQ(err.str(), "ctt: list: Field index out of range (error 1125)\n");
+  EXPECT_EQ(Run({"list", "t", "--from", "1,2"}), kExitUsage);
+  EXPECT_EQ(err.str(), "ctt: list: --from gives 2 values; index pk has the key fields id (integer)\n");
   EXPECT_EQ(Run({"info", "nosuch"}), kExitNotFound);
   EXPECT_EQ(err.str(), "ctt: info: Could not open file: not there or locked (error 12)\n");
   EXPECT_EQ(Run({"drop-index", "t", "nosuch"}), kExitNotFound);

@@ -217,7 +217,7 @@ TEST_F(CommandsTest, ExportFailureLeavesNoFileBehind) {
   options.File = (dir / "out.csv").string();
   options.Read.From = {"1", "2"};
   const ErrorReport bad = Failure([&] { RunExport(backend, table, options, console); });
-  EXPECT_EQ(bad.Message, "Field index out of range (error 1125)");
+  EXPECT_EQ(bad.Message, "--from gives 2 values; index byid has the key fields id (integer)");
   EXPECT_FALSE(fs::exists(options.File));
   options.Read = {};
   options.Read.Columns = {"zip"};

@@ -155,14 +155,20 @@ TEST_F(TableLayerTest, ImportAddsRowsAndReportsDuplicateKeys) {
 
 TEST_F(TableLayerTest, MissingTablesIndexesAndBadRanges) {
   EXPECT_EQ(Run({"info", "nosuch"}), kExitNotFound);
+  EXPECT_NE(err.str().find("no file " + (dir / "nosuch").string() + ": "), std::string::npos) << err.str();
   EXPECT_NE(err.str().find("(error 12)"), std::string::npos) << err.str();
   EXPECT_EQ(Run({"drop", "nosuch"}), kExitNotFound);
   EXPECT_EQ(Run({"list", "people", "--index", "ByZip"}), kExitNotFound);
   EXPECT_EQ(Run({"drop-index", "people", "ByZip"}), kExitNotFound);
-  EXPECT_NE(Run({"list", "people", "--from", "x", "--to", "4"}), kExitOk);
-  EXPECT_NE(err.str(), "");
-  EXPECT_NE(Run({"list", "people", "--from", "1,2", "--to", "4"}), kExitOk);  // ById has one field
-  EXPECT_NE(err.str(), "");
+  // Key mistakes are usage errors that name the index's fields.
+  for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
+           {"list", "people", "--from", "x", "--to", "4"},
+           {"list", "people", "--from", "1,2", "--to", "4"},
+           {"list", "people", "--find", "x"},
+           {"list", "people", "--limit", "-1"}}) {
+    EXPECT_EQ(Run(args), kExitUsage) << args[3];
+    if (args[2] != "--limit") EXPECT_NE(err.str().find("index ById has the key fields ID (integer)"), std::string::npos) << err.str();
+  }
   ASSERT_EQ(Run({"list", "people", "--from", "4", "--to", "2", "-c", "ID"}), kExitOk) << err.str();
   EXPECT_EQ(out.str(), "ID\n--\n(0 records)\n");
   ASSERT_EQ(Run({"info", "people"}), kExitOk) << err.str();
