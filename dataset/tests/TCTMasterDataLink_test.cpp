@@ -176,6 +176,52 @@ TEST_F(MasterDetail, FieldListsTakeTheirSideOfEachPair) {
   EXPECT_TRUE(fields.empty());
 }
 
+// A BCD master value reaches the detail's key with all its digits, and a memo master value is
+// read through its blob stream into a text key.
+TEST_F(MasterDetail, BcdAndMemoMasterValuesRestrictTheDetail) {
+  TCTTable* accounts = Table("accounts");
+  accounts->FieldDefs()->Add("AMOUNT", fw::ftBCD, 4);
+  accounts->FieldDefs()->Add("TAG", fw::ftMemo);
+  accounts->CreateTable();
+  accounts->Open();
+  accounts->AppendRecord({fw::Variant(std::string("123456789012.3456")), V("north")});
+  accounts->AppendRecord({fw::Variant(std::string("123456789012.3457")), V("south")});
+  TCTTable* entries = Table("entries");
+  entries->FieldDefs()->Add("AMOUNT", fw::ftBCD, 4);
+  entries->FieldDefs()->Add("TAG", fw::ftString, 10);
+  entries->FieldDefs()->Add("NO", fw::ftInteger);
+  entries->IndexDefs()->Add("ByAmount", "AMOUNT;NO", "", true, false, {fw::ixUnique});
+  entries->IndexDefs()->Add("ByTag", "TAG;NO", "", true, false, {fw::ixUnique});
+  entries->CreateTable();
+  entries->Open();
+  entries->AppendRecord({fw::Variant(std::string("123456789012.3456")), V("south"), V(1)});
+  entries->AppendRecord({fw::Variant(std::string("123456789012.3457")), V("north"), V(2)});
+  entries->AppendRecord({fw::Variant(std::string("123456789012.3457")), V("south"), V(3)});
+  entries->Close();
+  auto* source = new fw::TDataSource(Owner.get());
+  source->SetDataSet(accounts);
+  entries->SetMasterSource(source);
+  auto numbers = [&] {
+    Ids ids;
+    for (entries->First(); !entries->Eof(); entries->Next()) ids.push_back(entries->FieldByName("NO")->AsInteger());
+    return ids;
+  };
+  entries->SetIndexName("ByAmount");
+  entries->SetMasterFields("AMOUNT");
+  entries->Open();
+  accounts->First();
+  EXPECT_EQ(numbers(), (Ids{1}));
+  accounts->Next();
+  EXPECT_EQ(numbers(), (Ids{2, 3}));
+  entries->Close();
+  entries->SetIndexName("ByTag");
+  entries->SetMasterFields("TAG");
+  entries->Open();
+  EXPECT_EQ(numbers(), (Ids{1, 3}));
+  accounts->First();
+  EXPECT_EQ(numbers(), (Ids{2}));
+}
+
 TEST_F(MasterDetail, FormFilesLoadAndSaveTheLink) {
   fw::RegisterClass(TLinkForm::StaticClass());
   fw::RegisterClass(fw::TDataSource::StaticClass());
