@@ -136,6 +136,10 @@ void Session::LockSet(int mode) {
   }
 }
 
+// Inside a transaction a record lock is part of the transaction: taken as one of its locks and
+// freed only when it ends. Freeing it earlier would let another program lock the record and
+// read the value from before this transaction's change, then overwrite the change once this
+// transaction commits: a lost update.
 void Session::LockRecord(int datno, int mode, uint32_t pos) {
   Handle& h = Data(datno);
   switch (mode) {
@@ -143,13 +147,15 @@ void Session::LockRecord(int datno, int mode, uint32_t pos) {
       LockTable& locks = h.store->env().Locks();
       const uint64_t key = h.store->LockKey(pos);
       if (!locks.HeldBy(key, h.self, false)) Throw(DLOK_ERR);
+      const auto inSet = [&](const SetLock& l) { return l.owner == h.self && l.key == key && l.env.get() == &h.store->env(); };
+      if (tranActive_ && std::any_of(setLocks_.begin(), setLocks_.end(), inSet)) return;
       locks.Release(key, h.self);
       std::erase_if(setLocks_, [&](const SetLock& l) { return l.owner == h.self && l.key == key && l.env.get() == &h.store->env(); });
       return;
     }
-    case ENABLE: TakeLock(h, pos, true, false, false); return;
-    case ENABLE_BLK: TakeLock(h, pos, true, true, false); return;
-    case READREC: TakeLock(h, pos, false, false, false); return;
+    case ENABLE: TakeLock(h, pos, true, false, tranActive_); return;
+    case ENABLE_BLK: TakeLock(h, pos, true, true, tranActive_); return;
+    case READREC: TakeLock(h, pos, false, false, tranActive_); return;
     default: Throw(CT_EBADARG);
   }
 }

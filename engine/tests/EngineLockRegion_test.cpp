@@ -38,6 +38,23 @@ TEST_F(LockRegion, ThousandsOfSetLocksExcludeAnotherProcessUntilFree) {
   EXPECT_EQ(Wait(Spawn(probe)), 0);
 }
 
+// A record lock freed inside a transaction stays until the transaction ends: released at once,
+// it let another program read the record before the change committed and overwrite it after.
+TEST_F(LockRegion, ARecordLockFreedInsideATransactionIsHeldUntilItEnds) {
+  COUNT dat = CreateCustomers();
+  ASSERT_EQ(Add(dat, 0, "n", "C"), 0);
+  auto probe = [](EngineApi& e) {
+    if (e.OPNFIL(0, (pTEXT) "customers.dat", SHARED) != 0) return 91;
+    return e.LOKREC(0, ENABLE, PosOf(0)) == DLOK2_ERR ? 1 : 0;
+  };
+  ASSERT_GT(api.TRANBEG(0), 0);
+  ASSERT_EQ(api.LOKREC(dat, ENABLE, PosOf(0)), 0);
+  ASSERT_EQ(api.LOKREC(dat, FREE, PosOf(0)), 0);
+  EXPECT_EQ(Wait(Spawn(probe)), 1);
+  ASSERT_EQ(api.TRANEND(FREE), 0);
+  EXPECT_EQ(Wait(Spawn(probe)), 0);
+}
+
 TEST_F(LockRegion, ExclusiveFileKeepsItsRecordLocksInTheProcess) {
   COUNT dat = CreateCustomers(EXCLUSIVE);
   ASSERT_EQ(Add(dat, 0, "n", "C"), 0);
@@ -45,9 +62,11 @@ TEST_F(LockRegion, ExclusiveFileKeepsItsRecordLocksInTheProcess) {
   ASSERT_GT(before, 0u);
   ASSERT_GT(api.TRANBEG(ENABLE), 0);
   for (int id = 1; id < 10000; ++id) ASSERT_EQ(Add(dat, id, "n", "C"), 0);
-  EXPECT_EQ(api.LOKREC(dat, FREE, PosOf(1)), 0);  // the locks are held all the same
-  EXPECT_EQ(api.LOKREC(dat, FREE, PosOf(1)), DLOK_ERR);
+  // Freeing a lock of the transaction is deferred to its end.
+  EXPECT_EQ(api.LOKREC(dat, FREE, PosOf(1)), 0);
+  EXPECT_EQ(api.LOKREC(dat, FREE, PosOf(1)), 0);
   ASSERT_EQ(api.TRANEND(FREE), 0);
+  EXPECT_EQ(api.LOKREC(dat, FREE, PosOf(1)), DLOK_ERR);
   EXPECT_EQ(std::filesystem::file_size("customers.dat-rlock"), before);  // the region never grew
 }
 
