@@ -8,8 +8,8 @@
 //   increment DIR COUNT RECORDS TX     adds 1 to COUNT at COUNTERS records picked in turn, each
 //                                      through FindKey, Edit and Post (in a transaction of its own
 //                                      when TX is 1), trying again after a refusal (42, 156, 1135)
-//   opposite DIR FIRST                 one transaction that edits a counter of table FIRST, waits,
-//                                      then one of the other table
+//   opposite DIR FIRST                 one transaction that edits counter 1 of table FIRST, waits,
+//                                      then counter 2 of the other table
 // Exits 0 when done, or with the error number that stopped it (numbers above 255 as 255).
 #include <fcntl.h>
 #include <unistd.h>
@@ -110,9 +110,10 @@ int Run(int argc, char** argv) {
   if (mode == "opposite" && argc == 4) {
     const bool leftFirst = std::string(argv[3]) == "left";
     conn->StartTransaction();
-    for (TCTTable* table : leftFirst ? std::initializer_list<TCTTable*>{left, right}
-                                     : std::initializer_list<TCTTable*>{right, left}) {
-      if (!table->FindKey({fw::Variant(int32_t{1})})) return 4;
+    TCTTable* const order[] = {leftFirst ? left : right, leftFirst ? right : left};
+    for (int32_t id : {1, 2}) {
+      TCTTable* table = order[id - 1];
+      if (!table->FindKey({fw::Variant(id)})) return 4;
       table->Edit();
       table->FieldByName("COUNTER")->SetAsInteger(table->FieldByName("COUNTER")->AsInteger() + 1);
       table->Post();
