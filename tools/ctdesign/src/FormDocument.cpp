@@ -56,14 +56,11 @@ std::string RootNameFor(const std::string& fileName) {
 
 FormDocument::FormDocument(std::string fileName) : FFileName(std::move(fileName)) { Load(); }
 
-FormDocument::~FormDocument() {
-  fw::SetRootDesigner(FRoot, nullptr);
-  FRoot->Free();
-}
+FormDocument::~FormDocument() { fw::SetRootDesigner(FRoot.get(), nullptr); }
 
 void FormDocument::Load() {
   auto emptyForm = [this](const std::string& name) {
-    FRoot = new fw::TDataModule(nullptr);
+    FRoot.reset(new fw::TDataModule(nullptr));
     FRoot->SetName(name);
     FRoot->SetDesigning(true);
   };
@@ -81,22 +78,21 @@ void FormDocument::Load() {
       const std::string className = fw::ReadFormClassName(text.str());
       const fw::TClassInfo* cls = fw::GetClass(className);
       if (cls != nullptr && cls->CanCreate()) {
-        FRoot = cls->Create(nullptr);
+        FRoot.reset(cls->Create(nullptr));
       } else {
         FRootClass = std::make_unique<fw::TClassInfo>(className, &fw::TComponent::StaticClass());
-        FRoot = new StandInRoot(*FRootClass);
+        FRoot.reset(new StandInRoot(*FRootClass));
       }
       // Set before reading, so that every component the reader inserts is designed too.
       FRoot->SetDesigning(true);
-      fw::ReadComponentText(text.str(), FRoot);
+      fw::ReadComponentText(text.str(), FRoot.get());
     } catch (const std::exception& e) {
       FLoadError = e.what();
-      if (FRoot != nullptr) FRoot->Free();
-      FRoot = nullptr;
+      FRoot.reset();
       emptyForm(RootNameFor(FFileName));
     }
   }
-  fw::SetRootDesigner(FRoot, this);
+  fw::SetRootDesigner(FRoot.get(), this);
 }
 
 std::vector<fw::TComponent*> FormDocument::Components() const {
@@ -113,7 +109,7 @@ fw::TComponent* FormDocument::AddComponent(const fw::TClassInfo& cls) {
   if (base.size() > 1 && (base[0] == 'T' || base[0] == 't')) base.erase(0, 1);
   std::string name;
   for (int n = 1; name.empty() || FRoot->FindComponent(name) != nullptr; ++n) name = base + std::to_string(n);
-  fw::TComponent* component = cls.Create(FRoot);
+  fw::TComponent* component = cls.Create(FRoot.get());
   try {
     component->SetName(name);
   } catch (...) {

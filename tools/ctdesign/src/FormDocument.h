@@ -42,7 +42,7 @@ class FormDocument : public fw::IDesigner {
   /// Whether the form changed since it was read or saved.
   bool IsModified() const { return FModified; }
 
-  fw::TComponent* Root() const override { return FRoot; }
+  fw::TComponent* Root() const override { return FRoot.get(); }
   void Modified() override { FModified = true; }
 
   /// The form's components in their order.
@@ -74,8 +74,8 @@ class FormDocument : public fw::IDesigner {
   std::string FLoadError;
   bool FNew = false;
   bool FModified = false;
-  fw::TComponent* FRoot = nullptr;  // owned: freed in the destructor
-  std::unique_ptr<fw::TClassInfo> FRootClass;  // the class of a stand-in root, see Load
+  std::unique_ptr<fw::TClassInfo> FRootClass;  // the class of a stand-in root; outlives it
+  fw::TComponentPtr<fw::TComponent> FRoot;
   fw::TComponent* FSelected = nullptr;
 };
 
