@@ -55,10 +55,12 @@ struct Form {
 // The list as the designer shows it: every value, sorted without regard to case.
 size_t DropDown(Form& form) {
   const fw::TPropInfo& prop = *form.Table->ClassType().FindProperty("TableName");
-  std::unique_ptr<fw::TPropertyEditor> editor = fw::GetPropertyEditor(form.Designer, {form.Table}, prop);
+  std::unique_ptr<fw::TPropertyEditor> editor =
+      fw::GetPropertyEditor(form.Designer, {form.Table}, prop);
   std::vector<std::string> values;
   editor->GetValues([&](const std::string& v) { values.push_back(v); });
-  std::sort(values.begin(), values.end(), [](const std::string& a, const std::string& b) { return fw::CompareText(a, b) < 0; });
+  std::sort(values.begin(), values.end(),
+            [](const std::string& a, const std::string& b) { return fw::CompareText(a, b) < 0; });
   return values.size();
 }
 
@@ -127,7 +129,8 @@ int main(int argc, char** argv) {
   }
   int count = static_cast<int>(args.size());
   benchmark::Initialize(&count, args.data());
-  gDir = (std::filesystem::temp_directory_path() / ("design_bench_" + std::to_string(::getpid()))).string();
+  gDir = (std::filesystem::temp_directory_path() / ("design_bench_" + std::to_string(::getpid())))
+             .string();
   std::filesystem::create_directories(gDir);
   int status = 0;
   try {

@@ -1,4 +1,5 @@
-// TfrmDetailEdit: the master/detail link editor's logic, without a screen (design layer, unit UnitDetailEdit).
+// TfrmDetailEdit: the master/detail link editor's logic, without a screen (design layer, unit
+// UnitDetailEdit).
 #pragma once
 
 #include <string>

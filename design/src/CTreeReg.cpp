@@ -16,7 +16,8 @@ void Register() {
   fw::RegisterPropertyEditor(fw::pkString, &table, "Database", TDatabaseEditor::EditorClass());
   fw::RegisterPropertyEditor(fw::pkString, &table, "TableName", TTableNameEditor::EditorClass());
   fw::RegisterPropertyEditor(fw::pkString, &table, "IndexName", TIndexEditor::EditorClass());
-  fw::RegisterPropertyEditor(fw::pkString, &table, "MasterFields", TMasterFieldsEditor::EditorClass());
+  fw::RegisterPropertyEditor(fw::pkString, &table, "MasterFields",
+                             TMasterFieldsEditor::EditorClass());
 }
 
 }  // namespace CTreeReg

@@ -12,7 +12,8 @@ namespace CTreeReg {
 /// should a registration have put the editor on another class.
 inline CTTables::TCTTable& SelectedTable(const fw::TPropertyEditor& editor) {
   auto* table = dynamic_cast<CTTables::TCTTable*>(editor.GetComponent(0));
-  if (table == nullptr) throw fw::Exception("Property " + editor.GetName() + " is edited on tables only");
+  if (table == nullptr)
+    throw fw::Exception("Property " + editor.GetName() + " is edited on tables only");
   return *table;
 }
 

@@ -10,7 +10,9 @@ const fw::TPropertyEditorClass& TIndexEditor::EditorClass() {
   return cls;
 }
 
-fw::TPropertyAttributes TIndexEditor::GetAttributes() const { return {fw::paValueList, fw::paSortList}; }
+fw::TPropertyAttributes TIndexEditor::GetAttributes() const {
+  return {fw::paValueList, fw::paSortList};
+}
 
 void TIndexEditor::GetValues(const fw::TGetStrProc& proc) {
   CTTables::TCTTable& table = SelectedTable(*this);
@@ -31,7 +33,8 @@ void TIndexEditor::GetValues(const fw::TGetStrProc& proc) {
     table.Open();
   }
   const Ctdb::TCTCursorDesc* cursor = table.Cursor();
-  for (int32_t i = 0; cursor != nullptr && i < cursor->GetIndexCount(); ++i) proc(cursor->GetIndexes(i).Name);
+  for (int32_t i = 0; cursor != nullptr && i < cursor->GetIndexCount(); ++i)
+    proc(cursor->GetIndexes(i).Name);
 }
 
 }  // namespace CTreeReg

@@ -18,9 +18,11 @@ fw::TPropertyAttributes TMasterFieldsEditor::GetAttributes() const { return {fw:
 
 void TMasterFieldsEditor::Edit() {
   CTTables::TCTTable& table = SelectedTable(*this);
-  fw::TDataSet* master = table.MasterSource() != nullptr ? table.MasterSource()->DataSet() : nullptr;
+  fw::TDataSet* master =
+      table.MasterSource() != nullptr ? table.MasterSource()->DataSet() : nullptr;
   if (master == nullptr)
-    throw ECTreeTableEditorError("Please select a MasterSource with a dataset for " + table.Name() + " first");
+    throw ECTreeTableEditorError("Please select a MasterSource with a dataset for " + table.Name() +
+                                 " first");
   if (UnitDetailEdit::CallDetailEdit(&table, master)) Designer().Modified();
 }
 

@@ -78,18 +78,22 @@ TfrmDetailEdit::TfrmDetailEdit(CTTables::TCTTable& detail, fw::TDataSet& master)
     FIndexNames.push_back(indexes[i]->Name());
     FIndexFields.push_back(SplitFieldList(indexes[i]->Fields()));
   }
-  if (FIndexNames.empty()) throw fw::Exception("Table " + FDetail.Name() + " has no index to link its master through");
+  if (FIndexNames.empty())
+    throw fw::Exception("Table " + FDetail.Name() + " has no index to link its master through");
 
   fw::TFieldDefs& defs = *FDetail.FieldDefs();
   defs.Update();
-  for (int i = 0; i < defs.Count(); ++i) FDetailFields.push_back({defs[i]->Name(), defs[i]->DataType()});
+  for (int i = 0; i < defs.Count(); ++i)
+    FDetailFields.push_back({defs[i]->Name(), defs[i]->DataType()});
   if (FMaster.Active()) {
     for (int i = 0; i < FMaster.FieldCount(); ++i)
-      FMasterFields.push_back({FMaster.Fields()->Fields(i)->FieldName(), FMaster.Fields()->Fields(i)->DataType()});
+      FMasterFields.push_back(
+          {FMaster.Fields()->Fields(i)->FieldName(), FMaster.Fields()->Fields(i)->DataType()});
   } else {
     fw::TFieldDefs& masterDefs = *FMaster.FieldDefs();
     masterDefs.Update();
-    for (int i = 0; i < masterDefs.Count(); ++i) FMasterFields.push_back({masterDefs[i]->Name(), masterDefs[i]->DataType()});
+    for (int i = 0; i < masterDefs.Count(); ++i)
+      FMasterFields.push_back({masterDefs[i]->Name(), masterDefs[i]->DataType()});
   }
 
   FInitialIndex = FDetail.IndexName();
@@ -104,9 +108,12 @@ void TfrmDetailEdit::TakeLinks(const std::string& masterFields) {
   for (const std::string& entry : SplitFieldList(masterFields)) {
     const size_t eq = entry.find('=');
     const std::string masterName = fw::Trim(entry.substr(0, eq));
-    const std::string detailName = eq == std::string::npos ? masterName : fw::Trim(entry.substr(eq + 1));
+    const std::string detailName =
+        eq == std::string::npos ? masterName : fw::Trim(entry.substr(eq + 1));
     const Field* masterField = FindMasterField(masterName);
-    if (FLinks.size() >= keys.size() || !fw::SameText(keys[FLinks.size()], detailName) || masterField == nullptr) break;
+    if (FLinks.size() >= keys.size() || !fw::SameText(keys[FLinks.size()], detailName) ||
+        masterField == nullptr)
+      break;
     FLinks.push_back({keys[FLinks.size()], masterField->Name});
   }
 }
@@ -125,7 +132,8 @@ const std::vector<std::string>& TfrmDetailEdit::IndexFields() const { return FIn
 
 std::vector<std::string> TfrmDetailEdit::DetailFields() const {
   const std::vector<std::string>& keys = IndexFields();
-  return {keys.begin() + static_cast<std::ptrdiff_t>(std::min(FLinks.size(), keys.size())), keys.end()};
+  return {keys.begin() + static_cast<std::ptrdiff_t>(std::min(FLinks.size(), keys.size())),
+          keys.end()};
 }
 
 std::vector<std::string> TfrmDetailEdit::MasterFieldNames() const {
@@ -151,15 +159,17 @@ void TfrmDetailEdit::AddLink(const std::string& detailField, const std::string& 
   size_t position = keys.size();
   for (size_t i = 0; i < keys.size(); ++i)
     if (fw::SameText(keys[i], detailField)) position = i;
-  if (position == keys.size()) throw fw::Exception(detailField + " is not a key field of index " + IndexName());
+  if (position == keys.size())
+    throw fw::Exception(detailField + " is not a key field of index " + IndexName());
   if (position < FLinks.size()) throw fw::Exception(keys[position] + " is linked already");
   if (position > FLinks.size())
-    throw fw::Exception("Link " + keys[FLinks.size()] + " first: the links follow the key fields of " + IndexName() +
-                        " in order");
+    throw fw::Exception("Link " + keys[FLinks.size()] +
+                        " first: the links follow the key fields of " + IndexName() + " in order");
   const Field* master = FindMasterField(masterField);
   if (master == nullptr) throw fw::Exception(FMaster.Name() + " has no field " + masterField);
   if (!Pairable(DetailFieldType(keys[position]), master->Type))
-    throw fw::Exception("Fields " + keys[position] + " and " + master->Name + " hold different kinds of values");
+    throw fw::Exception("Fields " + keys[position] + " and " + master->Name +
+                        " hold different kinds of values");
   FLinks.push_back({keys[position], master->Name});
 }
 
@@ -173,8 +183,9 @@ std::string TfrmDetailEdit::MasterFieldsText() const {
   std::string text;
   for (const TFieldLink& link : FLinks) {
     if (!text.empty()) text += ';';
-    text += fw::SameText(link.MasterField, link.DetailField) ? link.DetailField
-                                                               : link.MasterField + "=" + link.DetailField;
+    text += fw::SameText(link.MasterField, link.DetailField)
+                ? link.DetailField
+                : link.MasterField + "=" + link.DetailField;
   }
   return text;
 }

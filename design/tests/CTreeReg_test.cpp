@@ -31,29 +31,35 @@ TEST_F(CTreeRegTest, RegisterFillsThePageAndTheEditorsInOrderOnce) {
   CTreeReg::Register();  // the fixture registered already: nothing is added twice
   const fw::TPalettePage* page = fw::ComponentPalette().FindPage("CTree");
   ASSERT_NE(page, nullptr);
-  EXPECT_THAT(page->Classes, ElementsAre(&Ctdb::TCTConnection::StaticClass(), &CTTables::TCTTable::StaticClass()));
+  EXPECT_THAT(page->Classes,
+              ElementsAre(&Ctdb::TCTConnection::StaticClass(), &CTTables::TCTTable::StaticClass()));
   EXPECT_EQ(fw::GetClass("TCTTable"), &CTTables::TCTTable::StaticClass());
 
   std::vector<std::string> registered;
   for (const fw::TPropertyEditorEntry& e : fw::RegisteredPropertyEditors())
     if (e.ComponentClass == &CTTables::TCTTable::StaticClass() && e.PropertyType == fw::pkString)
       registered.push_back(e.PropertyName + ":" + e.EditorClass->Name);
-  EXPECT_THAT(registered, ElementsAre("Database:TDatabaseEditor", "TableName:TTableNameEditor",
-                                      "IndexName:TIndexEditor", "MasterFields:TMasterFieldsEditor"));
+  EXPECT_THAT(registered,
+              ElementsAre("Database:TDatabaseEditor", "TableName:TTableNameEditor",
+                          "IndexName:TIndexEditor", "MasterFields:TMasterFieldsEditor"));
 
   // The attributes a designer goes by; other string properties keep the plain editor.
   CTTables::TCTTable* table = NewTable("t.dat");
   EXPECT_EQ(EditorFor(table, "Database")->GetAttributes(), fw::TPropertyAttributes{fw::paDialog});
-  EXPECT_EQ(EditorFor(table, "TableName")->GetAttributes(), (fw::TPropertyAttributes{fw::paValueList, fw::paSortList}));
-  EXPECT_EQ(EditorFor(table, "IndexName")->GetAttributes(), (fw::TPropertyAttributes{fw::paValueList, fw::paSortList}));
-  EXPECT_EQ(EditorFor(table, "MasterFields")->GetAttributes(), fw::TPropertyAttributes{fw::paDialog});
+  EXPECT_EQ(EditorFor(table, "TableName")->GetAttributes(),
+            (fw::TPropertyAttributes{fw::paValueList, fw::paSortList}));
+  EXPECT_EQ(EditorFor(table, "IndexName")->GetAttributes(),
+            (fw::TPropertyAttributes{fw::paValueList, fw::paSortList}));
+  EXPECT_EQ(EditorFor(table, "MasterFields")->GetAttributes(),
+            fw::TPropertyAttributes{fw::paDialog});
   EXPECT_TRUE(EditorFor(table, "Filter")->GetAttributes().IsEmpty());
 }
 
 TEST_F(CTreeRegTest, DatabaseDialogNeedsAConnectionAndOffersTheFilesOfTheKind) {
   CTTables::TCTTable* table = NewTable("t.dat", false);
   table->SetDatabase("/srv/ledger/old.dat");
-  EXPECT_EQ(MessageOf([&] { EditorFor(table, "Database")->Edit(); }), "Please select a connection first");
+  EXPECT_EQ(MessageOf([&] { EditorFor(table, "Database")->Edit(); }),
+            "Please select a connection first");
   EXPECT_EQ(Designer->DialogsShown, 0);
 
   table->SetConnection(Conn);
@@ -80,7 +86,8 @@ struct ConnectionProblem {
   const char* Message;
 };
 
-class TableNameRefusal : public DesignTest, public ::testing::WithParamInterface<ConnectionProblem> {};
+class TableNameRefusal : public DesignTest,
+                         public ::testing::WithParamInterface<ConnectionProblem> {};
 
 TEST_P(TableNameRefusal, ExplainsWhatToSetUp) {
   CTTables::TCTTable* table = NewTable("t.dat", GetParam().Connected);
@@ -106,10 +113,12 @@ TEST_F(CTreeRegTest, TableNamesAreTheDataFilesOfTheDirectory) {
   std::filesystem::create_directory(Dir / "archive.dat");  // a directory is no table
   std::ofstream(Dir / "notes.txt") << "not a table";
   CTTables::TCTTable* table = NewTable("");
-  EXPECT_THAT(ValuesOf(*EditorFor(table, "TableName")), UnorderedElementsAre("customers.dat", "orders.dat"));
+  EXPECT_THAT(ValuesOf(*EditorFor(table, "TableName")),
+              UnorderedElementsAre("customers.dat", "orders.dat"));
 
   table->SetDatabase("");  // the current directory
-  EXPECT_THAT(ValuesOf(*EditorFor(table, "TableName")), UnorderedElementsAre("customers.dat", "orders.dat"));
+  EXPECT_THAT(ValuesOf(*EditorFor(table, "TableName")),
+              UnorderedElementsAre("customers.dat", "orders.dat"));
 }
 
 TEST_F(CTreeRegTest, SuperFileListsItsTablesWithoutIndexMembers) {
@@ -118,7 +127,8 @@ TEST_F(CTreeRegTest, SuperFileListsItsTablesWithoutIndexMembers) {
   CTTables::TCTTable* table = NewTable("");
   table->SetIsSuperFile(true);
   table->SetDatabase((Dir / "books.sup").string());
-  EXPECT_THAT(ValuesOf(*EditorFor(table, "TableName")), UnorderedElementsAre("customers.dat", "orders.dat"));
+  EXPECT_THAT(ValuesOf(*EditorFor(table, "TableName")),
+              UnorderedElementsAre("customers.dat", "orders.dat"));
 
   table->SetDatabase((Dir / "missing.sup").string());
   EXPECT_TRUE(ValuesOf(*EditorFor(table, "TableName")).empty());

@@ -55,7 +55,8 @@ CTTables::TCTTable* DesignTest::NewTable(const std::string& tableName, bool conn
 
 void DesignTest::CreateTable(const std::string& tableName, const std::vector<std::string>& fields,
                              const std::vector<std::pair<std::string, std::string>>& indexes,
-                             const std::vector<std::vector<int32_t>>& rows, const std::string& superFile) {
+                             const std::vector<std::vector<int32_t>>& rows,
+                             const std::string& superFile) {
   fw::TComponentPtr<CTTables::TCTTable> table(new CTTables::TCTTable(nullptr));
   table->SetConnection(Conn);
   // A Database naming a file rather than a directory makes the table a member of that file.
@@ -63,9 +64,11 @@ void DesignTest::CreateTable(const std::string& tableName, const std::vector<std
   table->SetTableName(tableName);
   for (const std::string& f : fields) {
     const bool text = f.ends_with(":text");
-    table->FieldDefs()->Add(f.substr(0, f.find(':')), text ? fw::ftString : fw::ftInteger, text ? 20 : 0);
+    table->FieldDefs()->Add(f.substr(0, f.find(':')), text ? fw::ftString : fw::ftInteger,
+                            text ? 20 : 0);
   }
-  table->IndexDefs()->Add("ByFirst", fields.front().substr(0, fields.front().find(':')), "", true, false, {fw::ixPrimary, fw::ixUnique});
+  table->IndexDefs()->Add("ByFirst", fields.front().substr(0, fields.front().find(':')), "", true,
+                          false, {fw::ixPrimary, fw::ixUnique});
   for (const auto& [name, keys] : indexes) table->IndexDefs()->Add(name, keys, "", true, false, {});
   table->CreateTable();
   if (rows.empty()) return;
@@ -78,7 +81,8 @@ void DesignTest::CreateTable(const std::string& tableName, const std::vector<std
   }
 }
 
-std::unique_ptr<fw::TPropertyEditor> DesignTest::EditorFor(fw::TComponent* component, const std::string& prop) {
+std::unique_ptr<fw::TPropertyEditor> DesignTest::EditorFor(fw::TComponent* component,
+                                                           const std::string& prop) {
   const fw::TPropInfo* info = component->ClassType().FindProperty(prop);
   EXPECT_NE(info, nullptr) << prop;
   return fw::GetPropertyEditor(*Designer, {component}, *info);

@@ -54,9 +54,11 @@ class DesignTest : public ::testing::Test {
   /// follow.
   void CreateTable(const std::string& tableName, const std::vector<std::string>& fields,
                    const std::vector<std::pair<std::string, std::string>>& indexes,
-                   const std::vector<std::vector<int32_t>>& rows = {}, const std::string& superFile = "");
+                   const std::vector<std::vector<int32_t>>& rows = {},
+                   const std::string& superFile = "");
   /// The editor the registry gives for property `prop` of `component`.
-  std::unique_ptr<fw::TPropertyEditor> EditorFor(fw::TComponent* component, const std::string& prop);
+  std::unique_ptr<fw::TPropertyEditor> EditorFor(fw::TComponent* component,
+                                                 const std::string& prop);
   /// The values `editor` lists, in its order.
   static std::vector<std::string> ValuesOf(fw::TPropertyEditor& editor);
 

@@ -16,7 +16,8 @@ using UnitDetailEdit::TfrmDetailEdit;
 class DetailEditTest : public DesignTest {
  protected:
   DetailEditTest() {
-    CreateTable("customers.dat", {"CUSTNO", "REGION", "NAME:text"}, {}, {{1, 10}, {2, 20}, {3, 10}});
+    CreateTable("customers.dat", {"CUSTNO", "REGION", "NAME:text"}, {},
+                {{1, 10}, {2, 20}, {3, 10}});
     CreateTable("orders.dat", {"ORDNO", "CUST", "YEAR", "NOTE:text"},
                 {{"ByCustomer", "CUST;YEAR;ORDNO"}, {"ByNote", "NOTE"}},
                 {{100, 2, 2023}, {101, 1, 2024}, {102, 2, 2024}, {103, 3, 2024}});
@@ -96,7 +97,8 @@ TEST_F(DetailEditTest, ConfirmedLinkMakesTheDetailFollowItsMaster) {
   Orders->Open();
   Customers->Locate("CUSTNO", fw::Variant(2), {});
   std::vector<int32_t> orders;
-  for (Orders->First(); !Orders->Eof(); Orders->Next()) orders.push_back(Orders->FieldByName("ORDNO")->AsInteger());
+  for (Orders->First(); !Orders->Eof(); Orders->Next())
+    orders.push_back(Orders->FieldByName("ORDNO")->AsInteger());
   EXPECT_THAT(orders, ElementsAre(100, 102));
 }
 

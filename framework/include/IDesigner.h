@@ -1,4 +1,5 @@
-// IDesigner: what a form designer does for the property editors, and the designer of each form (framework layer, design time).
+// IDesigner: what a form designer does for the property editors, and the designer of each form
+// (framework layer, design time).
 #pragma once
 
 namespace fw {

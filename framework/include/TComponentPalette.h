@@ -1,4 +1,5 @@
-// TComponentPalette: the pages of component classes a designer offers for adding (framework layer, design time).
+// TComponentPalette: the pages of component classes a designer offers for adding (framework layer,
+// design time).
 #pragma once
 
 #include <initializer_list>

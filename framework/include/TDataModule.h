@@ -1,4 +1,5 @@
-// TDataModule: a form root for non-visual components such as connections and tables (framework layer).
+// TDataModule: a form root for non-visual components such as connections and tables (framework
+// layer).
 #pragma once
 
 #include "TComponent.h"

@@ -1,4 +1,5 @@
-// TFloatProperty: the editor of floating-point and currency properties (framework layer, design time).
+// TFloatProperty: the editor of floating-point and currency properties (framework layer, design
+// time).
 #pragma once
 
 #include "TPropertyEditor.h"

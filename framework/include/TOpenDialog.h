@@ -1,4 +1,5 @@
-// TOpenDialog: the open-file dialog property editors fill in and the designer shows (framework layer, design time).
+// TOpenDialog: the open-file dialog property editors fill in and the designer shows (framework
+// layer, design time).
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
-// TPropertyEditor: how a designer shows and changes one published property (framework layer, design time).
+// TPropertyEditor: how a designer shows and changes one published property (framework layer, design
+// time).
 #pragma once
 
 #include <cstdint>

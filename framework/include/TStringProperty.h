@@ -1,4 +1,5 @@
-// TStringProperty: the editor of string properties, base of the package's text editors (framework layer, design time).
+// TStringProperty: the editor of string properties, base of the package's text editors (framework
+// layer, design time).
 #pragma once
 
 #include "TPropertyEditor.h"

@@ -17,16 +17,20 @@ namespace fw {
 namespace {
 
 std::vector<TPropertyEditorEntry>& Entries() {
-  static const TPropertyEditorClass kString = MakePropertyEditorClass<TStringProperty>("TStringProperty");
-  static const TPropertyEditorClass kInteger = MakePropertyEditorClass<TIntegerProperty>("TIntegerProperty");
-  static const TPropertyEditorClass kFloat = MakePropertyEditorClass<TFloatProperty>("TFloatProperty");
+  static const TPropertyEditorClass kString =
+      MakePropertyEditorClass<TStringProperty>("TStringProperty");
+  static const TPropertyEditorClass kInteger =
+      MakePropertyEditorClass<TIntegerProperty>("TIntegerProperty");
+  static const TPropertyEditorClass kFloat =
+      MakePropertyEditorClass<TFloatProperty>("TFloatProperty");
   static const TPropertyEditorClass kEnum = MakePropertyEditorClass<TEnumProperty>("TEnumProperty");
-  static const TPropertyEditorClass kComponent = MakePropertyEditorClass<TComponentProperty>("TComponentProperty");
+  static const TPropertyEditorClass kComponent =
+      MakePropertyEditorClass<TComponentProperty>("TComponentProperty");
   static std::vector<TPropertyEditorEntry> entries{
-      {pkString, nullptr, "", &kString},       {pkInteger, nullptr, "", &kInteger},
-      {pkInt64, nullptr, "", &kInteger},       {pkFloat, nullptr, "", &kFloat},
-      {pkCurrency, nullptr, "", &kFloat},      {pkEnum, nullptr, "", &kEnum},
-      {pkBoolean, nullptr, "", &kEnum},        {pkComponent, nullptr, "", &kComponent},
+      {pkString, nullptr, "", &kString},  {pkInteger, nullptr, "", &kInteger},
+      {pkInt64, nullptr, "", &kInteger},  {pkFloat, nullptr, "", &kFloat},
+      {pkCurrency, nullptr, "", &kFloat}, {pkEnum, nullptr, "", &kEnum},
+      {pkBoolean, nullptr, "", &kEnum},   {pkComponent, nullptr, "", &kComponent},
   };
   return entries;
 }
@@ -43,19 +47,21 @@ int Distance(const TClassInfo& cls, const TClassInfo* ancestor) {
 
 }  // namespace
 
-void RegisterPropertyEditor(TPropKind propertyType, const TClassInfo* componentClass, const std::string& propertyName,
+void RegisterPropertyEditor(TPropKind propertyType, const TClassInfo* componentClass,
+                            const std::string& propertyName,
                             const TPropertyEditorClass& editorClass) {
   std::vector<TPropertyEditorEntry>& entries = Entries();
   for (const TPropertyEditorEntry& e : entries)
-    if (e.PropertyType == propertyType && e.ComponentClass == componentClass && SameText(e.PropertyName, propertyName) &&
-        e.EditorClass == &editorClass)
+    if (e.PropertyType == propertyType && e.ComponentClass == componentClass &&
+        SameText(e.PropertyName, propertyName) && e.EditorClass == &editorClass)
       return;
   entries.push_back({propertyType, componentClass, propertyName, &editorClass});
 }
 
 const std::vector<TPropertyEditorEntry>& RegisteredPropertyEditors() { return Entries(); }
 
-const TPropertyEditorEntry* FindPropertyEditor(const TClassInfo& componentClass, const TPropInfo& prop) {
+const TPropertyEditorEntry* FindPropertyEditor(const TClassInfo& componentClass,
+                                               const TPropInfo& prop) {
   const TPropertyEditorEntry* best = nullptr;
   bool bestNamed = false;
   int bestDistance = INT_MAX;
@@ -66,7 +72,8 @@ const TPropertyEditorEntry* FindPropertyEditor(const TClassInfo& componentClass,
     const int distance = Distance(componentClass, e.ComponentClass);
     if (distance < 0) continue;
     // Later entries win ties: a package may replace an editor registered before it.
-    if (best == nullptr || (named && !bestNamed) || (named == bestNamed && distance <= bestDistance)) {
+    if (best == nullptr || (named && !bestNamed) ||
+        (named == bestNamed && distance <= bestDistance)) {
       best = &e;
       bestNamed = named;
       bestDistance = distance;
@@ -75,7 +82,8 @@ const TPropertyEditorEntry* FindPropertyEditor(const TClassInfo& componentClass,
   return best;
 }
 
-std::unique_ptr<TPropertyEditor> GetPropertyEditor(IDesigner& designer, const std::vector<TComponent*>& components,
+std::unique_ptr<TPropertyEditor> GetPropertyEditor(IDesigner& designer,
+                                                   const std::vector<TComponent*>& components,
                                                    const TPropInfo& prop) {
   if (components.empty()) throw EComponentError("A property editor needs a selected component");
   const TPropertyEditorEntry* entry = FindPropertyEditor(components.front()->ClassType(), prop);

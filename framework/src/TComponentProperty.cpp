@@ -34,7 +34,8 @@ void TComponentProperty::SetValue(const std::string& value) {
 void TComponentProperty::GetValues(const TGetStrProc& proc) {
   const TComponent* root = Designer().Root();
   if (root == nullptr) return;
-  const TClassInfo* wanted = PropInfo().ComponentClass != nullptr ? &PropInfo().ComponentClass() : nullptr;
+  const TClassInfo* wanted =
+      PropInfo().ComponentClass != nullptr ? &PropInfo().ComponentClass() : nullptr;
   for (int i = 0; i < root->ComponentCount(); ++i) {
     const TComponent* c = root->Components(i);
     if (!c->Name().empty() && (wanted == nullptr || c->InheritsFrom(*wanted))) proc(c->Name());

@@ -8,7 +8,8 @@
 namespace fw {
 
 std::vector<std::string> TEnumProperty::Names() const {
-  return PropInfo().Kind == pkBoolean ? std::vector<std::string>{"False", "True"} : PropInfo().Names;
+  return PropInfo().Kind == pkBoolean ? std::vector<std::string>{"False", "True"}
+                                      : PropInfo().Names;
 }
 
 TPropertyAttributes TEnumProperty::GetAttributes() const {
@@ -21,8 +22,9 @@ std::string TEnumProperty::GetValue() const {
   const int64_t ordinal = value.AsInt64();
   const std::vector<std::string>& names = PropInfo().Names;
   // An ordinal without a name shows as its number rather than failing the whole property list.
-  return ordinal >= 0 && ordinal < static_cast<int64_t>(names.size()) ? names[static_cast<size_t>(ordinal)]
-                                                                         : IntToStr(ordinal);
+  return ordinal >= 0 && ordinal < static_cast<int64_t>(names.size())
+             ? names[static_cast<size_t>(ordinal)]
+             : IntToStr(ordinal);
 }
 
 void TEnumProperty::SetValue(const std::string& value) {
@@ -30,8 +32,10 @@ void TEnumProperty::SetValue(const std::string& value) {
   const std::string text = Trim(value);
   for (size_t i = 0; i < names.size(); ++i) {
     if (!SameText(names[i], text)) continue;
-    if (PropInfo().Kind == pkBoolean) SetVarValue(Variant(i == 1));
-    else SetVarValue(Variant(static_cast<int32_t>(i)));
+    if (PropInfo().Kind == pkBoolean)
+      SetVarValue(Variant(i == 1));
+    else
+      SetVarValue(Variant(static_cast<int32_t>(i)));
     return;
   }
   throw EConvertError("'" + value + "' is not a value of property " + GetName());

@@ -9,18 +9,21 @@ namespace fw {
 
 std::string TFloatProperty::GetValue() const {
   const Variant value = GetVarValue();
-  return PropInfo().Kind == pkCurrency ? CurrToStr(value.AsCurrency()) : FloatToStr(value.AsDouble());
+  return PropInfo().Kind == pkCurrency ? CurrToStr(value.AsCurrency())
+                                       : FloatToStr(value.AsDouble());
 }
 
 void TFloatProperty::SetValue(const std::string& value) {
   const std::string text = Trim(value);
   if (PropInfo().Kind == pkCurrency) {
     Currency number = 0;
-    if (!TryStrToCurr(text, number)) throw EConvertError("'" + value + "' is not a valid currency value");
+    if (!TryStrToCurr(text, number))
+      throw EConvertError("'" + value + "' is not a valid currency value");
     SetVarValue(Variant::FromCurrency(number));
   } else {
     double number = 0;
-    if (!TryStrToFloat(text, number)) throw EConvertError("'" + value + "' is not a valid floating point value");
+    if (!TryStrToFloat(text, number))
+      throw EConvertError("'" + value + "' is not a valid floating point value");
     SetVarValue(Variant(number));
   }
 }

@@ -10,7 +10,8 @@ std::string TIntegerProperty::GetValue() const { return IntToStr(GetVarValue().A
 
 void TIntegerProperty::SetValue(const std::string& value) {
   int64_t number = 0;
-  if (!TryStrToInt64(Trim(value), number)) throw EConvertError("'" + value + "' is not a valid integer value");
+  if (!TryStrToInt64(Trim(value), number))
+    throw EConvertError("'" + value + "' is not a valid integer value");
   SetVarValue(Variant(number));
 }
 

@@ -10,7 +10,8 @@ std::vector<std::pair<std::string, std::string>> TOpenDialog::FilterPairs() cons
   size_t start = 0;
   while (start <= FFilter.size() && !FFilter.empty()) {
     const size_t bar = FFilter.find('|', start);
-    parts.push_back(FFilter.substr(start, bar == std::string::npos ? std::string::npos : bar - start));
+    parts.push_back(
+        FFilter.substr(start, bar == std::string::npos ? std::string::npos : bar - start));
     if (bar == std::string::npos) break;
     start = bar + 1;
   }

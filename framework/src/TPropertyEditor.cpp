@@ -8,13 +8,15 @@
 
 namespace fw {
 
-TPropertyEditor::TPropertyEditor(IDesigner& designer, std::vector<TComponent*> components, const TPropInfo& prop)
+TPropertyEditor::TPropertyEditor(IDesigner& designer, std::vector<TComponent*> components,
+                                 const TPropInfo& prop)
     : FDesigner(designer), FComponents(std::move(components)), FProp(prop) {
   if (FComponents.empty()) throw EComponentError("A property editor needs a selected component");
 }
 
 TComponent* TPropertyEditor::GetComponent(int index) const {
-  if (index < 0 || index >= PropCount()) throw EListError("List index out of bounds (" + std::to_string(index) + ")");
+  if (index < 0 || index >= PropCount())
+    throw EListError("List index out of bounds (" + std::to_string(index) + ")");
   return FComponents[static_cast<size_t>(index)];
 }
 

@@ -18,8 +18,9 @@ std::vector<std::string> Found(const std::string& mask, int attr) {
   std::vector<std::string> names;
   TSearchRec rec;
   if (FindFirst(mask, attr, rec) == 0) {
-    do names.push_back(rec.Name + (rec.Attr & faDirectory ? "/" : ""));
-    while (FindNext(rec) == 0);
+    do {
+      names.push_back(rec.Name + (rec.Attr & faDirectory ? "/" : ""));
+    } while (FindNext(rec) == 0);
   }
   FindClose(rec);
   return names;
@@ -32,7 +33,8 @@ TEST(FileSearch, MatchesTheMaskInTheNamedDirectory) {
   std::filesystem::create_directory(dir / "d.dat");
   const std::string base = dir.string() + "/";
 
-  EXPECT_THAT(Found(base + "*.dat", faAnyFile & ~faDirectory), UnorderedElementsAre("a.dat", "b.dat"));
+  EXPECT_THAT(Found(base + "*.dat", faAnyFile & ~faDirectory),
+              UnorderedElementsAre("a.dat", "b.dat"));
   EXPECT_THAT(Found(base + "*.dat", faAnyFile), UnorderedElementsAre("a.dat", "b.dat", "d.dat/"));
   EXPECT_THAT(Found(base + "?.idx", faAnyFile), UnorderedElementsAre("a.idx"));
   EXPECT_TRUE(Found(base + "*.sup", faAnyFile).empty());

@@ -17,16 +17,17 @@ class TGadget : public TComponent {
  public:
   explicit TGadget(TComponent* owner) : TComponent(owner) {}
   static const TClassInfo& StaticClass() {
-    static const TClassInfo info = TClassBuilder<TGadget>("TGadget", &TComponent::StaticClass())
-                                       .Creatable()
-                                       .Property("Caption", &TGadget::Caption, &TGadget::SetCaption, "")
-                                       .Property("Count", &TGadget::Count, &TGadget::SetCount, 0)
-                                       .Property("Ratio", &TGadget::Ratio, &TGadget::SetRatio, 0.0)
-                                       .Property("Visible", &TGadget::Visible, &TGadget::SetVisible, true)
-                                       .Enum("Shade", {"shLight", "shDark"}, &TGadget::Shade, &TGadget::SetShade)
-                                       .Reference("Partner", &TGadget::Partner, &TGadget::SetPartner)
-                                       .Property("Serial", &TGadget::Serial, nullptr)
-                                       .Build();
+    static const TClassInfo info =
+        TClassBuilder<TGadget>("TGadget", &TComponent::StaticClass())
+            .Creatable()
+            .Property("Caption", &TGadget::Caption, &TGadget::SetCaption, "")
+            .Property("Count", &TGadget::Count, &TGadget::SetCount, 0)
+            .Property("Ratio", &TGadget::Ratio, &TGadget::SetRatio, 0.0)
+            .Property("Visible", &TGadget::Visible, &TGadget::SetVisible, true)
+            .Enum("Shade", {"shLight", "shDark"}, &TGadget::Shade, &TGadget::SetShade)
+            .Reference("Partner", &TGadget::Partner, &TGadget::SetPartner)
+            .Property("Serial", &TGadget::Serial, nullptr)
+            .Build();
     return info;
   }
   const TClassInfo& ClassType() const override { return StaticClass(); }
@@ -61,7 +62,8 @@ class TBigGadget : public TGadget {
  public:
   using TGadget::TGadget;
   static const TClassInfo& StaticClass() {
-    static const TClassInfo info = TClassBuilder<TBigGadget>("TBigGadget", &TGadget::StaticClass()).Creatable().Build();
+    static const TClassInfo info =
+        TClassBuilder<TBigGadget>("TBigGadget", &TGadget::StaticClass()).Creatable().Build();
     return info;
   }
   const TClassInfo& ClassType() const override { return StaticClass(); }
@@ -107,9 +109,10 @@ TEST_F(EditorTest, EachKindRoundTripsThroughTextAndTellsTheDesigner) {
     const char* Text;
     const char* Shown;
   };
-  for (const Case& c : {Case{"Caption", "lamp", "lamp"}, Case{"Count", " 42 ", "42"}, Case{"Ratio", "2.5", "2.5"},
-                        Case{"Visible", "false", "False"}, Case{"Shade", "SHDARK", "shDark"},
-                        Case{"Partner", "Spare", "Spare"}, Case{"Partner", "", ""}}) {
+  for (const Case& c :
+       {Case{"Caption", "lamp", "lamp"}, Case{"Count", " 42 ", "42"}, Case{"Ratio", "2.5", "2.5"},
+        Case{"Visible", "false", "False"}, Case{"Shade", "SHDARK", "shDark"},
+        Case{"Partner", "Spare", "Spare"}, Case{"Partner", "", ""}}) {
     Editor(c.Prop)->SetValue(c.Text);
     EXPECT_EQ(Editor(c.Prop)->GetValue(), c.Shown) << c.Prop;
   }
@@ -123,9 +126,15 @@ TEST_F(EditorTest, EachKindRoundTripsThroughTextAndTellsTheDesigner) {
 TEST_F(EditorTest, RejectedTextKeepsTheOldValue) {
   Gadget->SetCaption("lamp");
   Gadget->SetCount(3);
-  for (const auto& [prop, text] : std::vector<std::pair<std::string, std::string>>{
-           {"Caption", "forbidden"}, {"Count", "three"}, {"Count", "40000"}, {"Ratio", "1,2,3"},
-           {"Shade", "shGrey"}, {"Partner", "Other"}, {"Partner", "Nobody"}, {"Serial", "8"}})
+  for (const auto& [prop, text] :
+       std::vector<std::pair<std::string, std::string>>{{"Caption", "forbidden"},
+                                                        {"Count", "three"},
+                                                        {"Count", "40000"},
+                                                        {"Ratio", "1,2,3"},
+                                                        {"Shade", "shGrey"},
+                                                        {"Partner", "Other"},
+                                                        {"Partner", "Nobody"},
+                                                        {"Serial", "8"}})
     EXPECT_THROW(Editor(prop)->SetValue(text), Exception) << prop << " = " << text;
   EXPECT_EQ(Gadget->Caption(), "lamp");
   EXPECT_EQ(Gadget->Count(), 3);
@@ -149,14 +158,19 @@ const TPropertyEditorClass& NearEditor() {
 
 TEST(PropertyEditorRegistry, TheMostSpecificRegistrationWins) {
   const TPropInfo& caption = *TGadget::StaticClass().FindProperty("Caption");
-  EXPECT_EQ(FindPropertyEditor(TBigGadget::StaticClass(), caption)->EditorClass->Name, "TStringProperty");
+  EXPECT_EQ(FindPropertyEditor(TBigGadget::StaticClass(), caption)->EditorClass->Name,
+            "TStringProperty");
   RegisterPropertyEditor(pkString, &TGadget::StaticClass(), "", ClassEditor());
-  EXPECT_EQ(FindPropertyEditor(TBigGadget::StaticClass(), caption)->EditorClass->Name, "TClassEditor");
+  EXPECT_EQ(FindPropertyEditor(TBigGadget::StaticClass(), caption)->EditorClass->Name,
+            "TClassEditor");
   RegisterPropertyEditor(pkString, nullptr, "caption", NamedEditor());  // a name beats a class
-  EXPECT_EQ(FindPropertyEditor(TBigGadget::StaticClass(), caption)->EditorClass->Name, "TNamedEditor");
+  EXPECT_EQ(FindPropertyEditor(TBigGadget::StaticClass(), caption)->EditorClass->Name,
+            "TNamedEditor");
   RegisterPropertyEditor(pkString, &TBigGadget::StaticClass(), "Caption", NearEditor());
-  RegisterPropertyEditor(pkString, &TGadget::StaticClass(), "Caption", ClassEditor());  // farther, though later
-  EXPECT_EQ(FindPropertyEditor(TBigGadget::StaticClass(), caption)->EditorClass->Name, "TNearEditor");
+  RegisterPropertyEditor(pkString, &TGadget::StaticClass(), "Caption",
+                         ClassEditor());  // farther, though later
+  EXPECT_EQ(FindPropertyEditor(TBigGadget::StaticClass(), caption)->EditorClass->Name,
+            "TNearEditor");
   EXPECT_EQ(FindPropertyEditor(TGadget::StaticClass(), caption)->EditorClass->Name, "TClassEditor");
 
   const size_t count = RegisteredPropertyEditors().size();
@@ -176,9 +190,11 @@ TEST(ComponentPalette, PagesAndClassesKeepRegistrationOrder) {
   palette.Add("Gadgets", TBigGadget::StaticClass());
   ASSERT_EQ(palette.Pages().size(), 2u);
   EXPECT_EQ(palette.Pages()[0].Name, "Gadgets");
-  EXPECT_THAT(palette.FindPage("GADGETS")->Classes, ElementsAre(&TBigGadget::StaticClass(), &TGadget::StaticClass()));
+  EXPECT_THAT(palette.FindPage("GADGETS")->Classes,
+              ElementsAre(&TBigGadget::StaticClass(), &TGadget::StaticClass()));
   EXPECT_THROW(palette.Add("", TGadget::StaticClass()), EComponentError);
-  EXPECT_THROW(palette.Add("Gadgets", TPersistent::StaticClass()), EComponentError);  // not creatable
+  EXPECT_THROW(palette.Add("Gadgets", TPersistent::StaticClass()),
+               EComponentError);  // not creatable
 }
 
 TEST(RootDesigner, FoundFromAnyOwnedComponentAndForgottenWithTheForm) {

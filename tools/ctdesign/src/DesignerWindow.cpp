@@ -15,7 +15,8 @@ namespace ctdesign {
 
 namespace {
 
-constexpr const char* kKeyLine = "Tab pane  Enter add/select/edit  e type value  / find  d delete  s save  ? help  q quit";
+constexpr const char* kKeyLine =
+    "Tab pane  Enter add/select/edit  e type value  / find  d delete  s save  ? help  q quit";
 
 const std::vector<std::string> kHelp = {
     "Tab, Shift-Tab    next / previous pane (palette, components, properties)",
@@ -73,15 +74,20 @@ int BestMatch(const std::vector<std::string>& names, const std::string& wanted) 
 DesignerWindow::DesignerWindow(std::string fileName) : FormDocument(std::move(fileName)) {
   for (const fw::TPalettePage& page : fw::ComponentPalette().Pages()) {
     FPalette.push_back({page.Name, nullptr});
-    for (const fw::TClassInfo* cls : page.Classes) FPalette.push_back({"  " + cls->ClassName(), cls});
+    for (const fw::TClassInfo* cls : page.Classes)
+      FPalette.push_back({"  " + cls->ClassName(), cls});
   }
   FCursors[kPalette].Selected = FPalette.size() > 1 ? 1 : 0;
   if (!Components().empty()) SelectAt(0);
-  if (!LoadError().empty()) Say("Not read: " + LoadError() + " - nothing will be written back", true);
-  else if (IsNew()) Say("New form " + Root()->Name() + "; pick a class in the palette and press Enter");
+  if (!LoadError().empty())
+    Say("Not read: " + LoadError() + " - nothing will be written back", true);
+  else if (IsNew())
+    Say("New form " + Root()->Name() + "; pick a class in the palette and press Enter");
 }
 
-bool DesignerWindow::ExecuteOpenDialog(fw::TOpenDialog& dialog) { return RunFileDialog([this] { Draw(); }, dialog); }
+bool DesignerWindow::ExecuteOpenDialog(fw::TOpenDialog& dialog) {
+  return RunFileDialog([this] { Draw(); }, dialog);
+}
 
 bool DesignerWindow::ShowDetailEdit(UnitDetailEdit::TfrmDetailEdit& form) {
   return RunLinkEditor([this] { Draw(); }, form);
@@ -98,7 +104,8 @@ void DesignerWindow::SelectAt(int index) {
   const std::vector<fw::TComponent*> components = Components();
   FCursors[kComponents].Selected = index;
   FCursors[kComponents].Clamp(static_cast<int>(components.size()), ListHeight());
-  Select(components.empty() ? nullptr : components[static_cast<size_t>(FCursors[kComponents].Selected)]);
+  Select(components.empty() ? nullptr
+                            : components[static_cast<size_t>(FCursors[kComponents].Selected)]);
   FCursors[kProperties] = ListCursor();
   RefreshProperties();
 }
@@ -125,11 +132,13 @@ void DesignerWindow::Draw() {
     PutText(0, 0, cols, "ctdesign: the terminal is too small (60 x 12 at least); q quits");
     return;
   }
-  std::string title = "ctdesign  " + FileName() + "  form " + Root()->Name() + ": " + Root()->ClassName();
+  std::string title =
+      "ctdesign  " + FileName() + "  form " + Root()->Name() + ": " + Root()->ClassName();
   if (IsNew()) title += "  [new]";
   if (IsModified()) title += "  [modified]";
   PutText(0, 0, cols, title, AttrTitle());
-  if (!LoadError().empty()) PutText(1, 0, cols, "This form could not be read: " + LoadError(), AttrError());
+  if (!LoadError().empty())
+    PutText(1, 0, cols, "This form could not be read: " + LoadError(), AttrError());
 
   const int top = 2, height = rows - 4;
   const int paletteWidth = std::min(26, cols / 4), componentWidth = std::min(32, cols / 3);
@@ -137,13 +146,14 @@ void DesignerWindow::Draw() {
   std::vector<std::string> palette;
   for (const PaletteItem& item : FPalette) palette.push_back(item.Text);
   DrawFrame(top, 0, height, paletteWidth, "Palette", FFocus == kPalette);
-  DrawList(top + 1, 1, height - 2, paletteWidth - 2, palette, FCursors[kPalette], FFocus == kPalette);
+  DrawList(top + 1, 1, height - 2, paletteWidth - 2, palette, FCursors[kPalette],
+           FFocus == kPalette);
 
   std::vector<std::string> components;
   for (fw::TComponent* c : Components()) components.push_back(c->Name() + ": " + c->ClassName());
   DrawFrame(top, paletteWidth, height, componentWidth, "Components", FFocus == kComponents);
-  DrawList(top + 1, paletteWidth + 1, height - 2, componentWidth - 2, components, FCursors[kComponents],
-           FFocus == kComponents);
+  DrawList(top + 1, paletteWidth + 1, height - 2, componentWidth - 2, components,
+           FCursors[kComponents], FFocus == kComponents);
   DrawProperties(top, paletteWidth + componentWidth, height, propertyWidth);
 
   PutText(rows - 2, 0, cols, FMessage, FMessageIsError ? AttrError() : 0);
@@ -152,7 +162,8 @@ void DesignerWindow::Draw() {
 
 void DesignerWindow::DrawProperties(int row, int col, int height, int width) {
   fw::TComponent* selected = Selected();
-  DrawFrame(row, col, height, width, selected == nullptr ? "Properties" : "Properties of " + selected->Name(),
+  DrawFrame(row, col, height, width,
+            selected == nullptr ? "Properties" : "Properties of " + selected->Name(),
             FFocus == kProperties);
   std::vector<std::string> lines;
   size_t nameWidth = 12;
@@ -165,8 +176,8 @@ void DesignerWindow::DrawProperties(int row, int col, int height, int width) {
       } else {
         value = r.Editor->GetValue();
         const fw::TPropertyAttributes attrs = r.Editor->GetAttributes();
-        mark = attrs.Contains(fw::paReadOnly) ? "  (read-only)"
-               : attrs.Contains(fw::paDialog)  ? "  [...]"
+        mark = attrs.Contains(fw::paReadOnly)    ? "  (read-only)"
+               : attrs.Contains(fw::paDialog)    ? "  [...]"
                : attrs.Contains(fw::paValueList) ? "  [v]"
                                                  : "";
       }
@@ -177,40 +188,53 @@ void DesignerWindow::DrawProperties(int row, int col, int height, int width) {
     name.resize(nameWidth, ' ');
     lines.push_back(name + value + mark);
   }
-  DrawList(row + 1, col + 1, height - 2, width - 2, lines, FCursors[kProperties], FFocus == kProperties);
+  DrawList(row + 1, col + 1, height - 2, width - 2, lines, FCursors[kProperties],
+           FFocus == kProperties);
 }
 
 bool DesignerWindow::HandleKey(int key) {
-  const int counts[kPanes] = {static_cast<int>(FPalette.size()), static_cast<int>(Components().size()),
+  const int counts[kPanes] = {static_cast<int>(FPalette.size()),
+                              static_cast<int>(Components().size()),
                               static_cast<int>(FRows.size())};
   Say("");
-  if (key == kTab) FFocus = static_cast<Pane>((FFocus + 1) % kPanes);
-  else if (key == KEY_BTAB) FFocus = static_cast<Pane>((FFocus + kPanes - 1) % kPanes);
-  else if (FCursors[FFocus].HandleKey(key, counts[FFocus], ListHeight())) {
+  if (key == kTab || key == KEY_BTAB) {
+    FFocus = static_cast<Pane>((FFocus + (key == kTab ? 1 : kPanes - 1)) % kPanes);
+  } else if (FCursors[FFocus].HandleKey(key, counts[FFocus], ListHeight())) {
     if (FFocus == kComponents) SelectAt(FCursors[kComponents].Selected);
-  } else if (IsEnter(key)) Activate();
-  else if (key == 'e' && FFocus == kProperties) EditProperty(true);
-  else if (key == '/') Find();
-  else if ((key == 'd' || key == KEY_DC) && FFocus == kComponents) DeleteComponent();
-  else if (key == 's' || key == KEY_F(2)) {
+  } else if (IsEnter(key)) {
+    Activate();
+  } else if (key == 'e' && FFocus == kProperties) {
+    EditProperty(true);
+  } else if (key == '/') {
+    Find();
+  } else if ((key == 'd' || key == KEY_DC) && FFocus == kComponents) {
+    DeleteComponent();
+  } else if (key == 's' || key == KEY_F(2)) {
     try {
       Save();
       Say("Saved " + FileName());
     } catch (const std::exception& e) {
       Say(e.what(), true);
     }
-  } else if (key == '?' || key == KEY_F(1)) ShowHelp();
-  else if (key == 'q' || key == KEY_F(10)) return !ConfirmQuit();
+  } else if (key == '?' || key == KEY_F(1)) {
+    ShowHelp();
+  } else if (key == 'q' || key == KEY_F(10)) {
+    return !ConfirmQuit();
+  }
   return true;
 }
 
 void DesignerWindow::Activate() {
   switch (FFocus) {
-    case kPalette: AddFromPalette(); break;
+    case kPalette:
+      AddFromPalette();
+      break;
     case kComponents:
       if (Selected() != nullptr) FFocus = kProperties;
       break;
-    default: EditProperty(false); break;
+    default:
+      EditProperty(false);
+      break;
   }
 }
 
@@ -220,7 +244,8 @@ void DesignerWindow::AddFromPalette() {
   try {
     fw::TComponent* added = AddComponent(*item.Class);
     const std::vector<fw::TComponent*> components = Components();
-    SelectAt(static_cast<int>(std::find(components.begin(), components.end(), added) - components.begin()));
+    SelectAt(static_cast<int>(std::find(components.begin(), components.end(), added) -
+                              components.begin()));
     FFocus = kProperties;
     Say("Added " + added->Name());
   } catch (const std::exception& e) {
@@ -248,14 +273,16 @@ void DesignerWindow::EditProperty(bool typed) {
         std::sort(values.begin(), values.end(), [](const std::string& a, const std::string& b) {
           return fw::CompareText(a, b) < 0;
         });
-      if (values.empty()) throw fw::Exception("No values to pick for " + name + "; press e to type one");
+      if (values.empty())
+        throw fw::Exception("No values to pick for " + name + "; press e to type one");
       value = PickFrom([this] { Draw(); }, title, values, editor->GetValue());
     } else {
       value = EditLine([this] { Draw(); }, title, editor->GetValue());
     }
     if (value) editor->SetValue(*value);
     RefreshProperties();
-    Say(name + " = " + FRows[static_cast<size_t>(FCursors[kProperties].Selected)].Editor->GetValue());
+    Say(name + " = " +
+        FRows[static_cast<size_t>(FCursors[kProperties].Selected)].Editor->GetValue());
   } catch (const std::exception& e) {
     // The editors leave the old value when they refuse; the list is read again either way,
     // since a dialog may have changed other properties before failing.
@@ -270,7 +297,8 @@ void DesignerWindow::Find() {
   if (!wanted || wanted->empty()) return;
   std::vector<std::string> names;
   if (FFocus == kPalette)
-    for (const PaletteItem& item : FPalette) names.push_back(item.Class == nullptr ? "" : item.Class->ClassName());
+    for (const PaletteItem& item : FPalette)
+      names.push_back(item.Class == nullptr ? "" : item.Class->ClassName());
   else if (FFocus == kComponents)
     for (fw::TComponent* c : Components()) names.push_back(c->Name());
   else
@@ -285,7 +313,9 @@ void DesignerWindow::Find() {
 void DesignerWindow::DeleteComponent() {
   if (Selected() == nullptr) return;
   const std::string name = Selected()->Name();
-  const int key = ShowMessage([this] { Draw(); }, "Delete", {"Delete " + name + " from the form?", "y delete, any other key keeps it"});
+  const int key =
+      ShowMessage([this] { Draw(); }, "Delete",
+                  {"Delete " + name + " from the form?", "y delete, any other key keeps it"});
   if (key != 'y' && key != 'Y') return;
   DeleteSelected();
   SelectAt(FCursors[kComponents].Selected);
@@ -295,7 +325,8 @@ void DesignerWindow::DeleteComponent() {
 bool DesignerWindow::ConfirmQuit() {
   if (!IsModified() || !LoadError().empty()) return true;
   const int key = ShowMessage([this] { Draw(); }, "Quit",
-                              {"Save the changes to " + FileName() + "?", "y save and quit, n quit without saving, Esc stay"});
+                              {"Save the changes to " + FileName() + "?",
+                               "y save and quit, n quit without saving, Esc stay"});
   if (key == 'n' || key == 'N') return true;
   if (key != 'y' && key != 'Y') return false;
   try {

@@ -1,4 +1,5 @@
-// DesignerWindow: the full-screen designer of one form: palette, components, properties (tools, ctdesign).
+// DesignerWindow: the full-screen designer of one form: palette, components, properties (tools,
+// ctdesign).
 #pragma once
 
 #include <string>

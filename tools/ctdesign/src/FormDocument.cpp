@@ -68,8 +68,10 @@ void FormDocument::Load() {
   if (!in) {
     const int error = errno;
     std::error_code ignored;
-    if (!std::filesystem::exists(FFileName, ignored)) FNew = true;
-    else FLoadError = "Cannot open " + FFileName + ": " + std::strerror(error);
+    if (!std::filesystem::exists(FFileName, ignored))
+      FNew = true;
+    else
+      FLoadError = "Cannot open " + FFileName + ": " + std::strerror(error);
     emptyForm(RootNameFor(FFileName));
   } else {
     std::ostringstream text;
@@ -104,11 +106,13 @@ std::vector<fw::TComponent*> FormDocument::Components() const {
 void FormDocument::Select(fw::TComponent* component) { FSelected = component; }
 
 fw::TComponent* FormDocument::AddComponent(const fw::TClassInfo& cls) {
-  if (!FLoadError.empty()) throw fw::Exception("The form could not be read, so nothing can be added to it");
+  if (!FLoadError.empty())
+    throw fw::Exception("The form could not be read, so nothing can be added to it");
   std::string base = cls.ClassName();
   if (base.size() > 1 && (base[0] == 'T' || base[0] == 't')) base.erase(0, 1);
   std::string name;
-  for (int n = 1; name.empty() || FRoot->FindComponent(name) != nullptr; ++n) name = base + std::to_string(n);
+  for (int n = 1; name.empty() || FRoot->FindComponent(name) != nullptr; ++n)
+    name = base + std::to_string(n);
   fw::TComponent* component = cls.Create(FRoot.get());
   try {
     component->SetName(name);
@@ -138,7 +142,8 @@ std::vector<PropertyRow> FormDocument::Properties() {
 }
 
 void FormDocument::Save() {
-  if (!FLoadError.empty()) throw fw::Exception("The form could not be read, so it is not written back");
+  if (!FLoadError.empty())
+    throw fw::Exception("The form could not be read, so it is not written back");
   const std::string text = fw::WriteComponentText(*FRoot);
   // The new text goes to a file of its own in the same directory (a rename does not cross file
   // systems), reaches the disk, and only then replaces the old file in one step.
@@ -156,7 +161,8 @@ void FormDocument::Save() {
   }
   if (fsync(fd) != 0) SaveFailed("Cannot write " + temp, temp, fd);
   if (close(fd) != 0) SaveFailed("Cannot write " + temp, temp, -1);
-  if (rename(temp.c_str(), FFileName.c_str()) != 0) SaveFailed("Cannot replace " + FFileName, temp, -1);
+  if (rename(temp.c_str(), FFileName.c_str()) != 0)
+    SaveFailed("Cannot replace " + FFileName, temp, -1);
   FModified = false;
   FNew = false;
 }

@@ -1,4 +1,5 @@
-// FormDocument: the form a designer edits, without a screen: loading, components, property editors, saving (tools, ctdesign).
+// FormDocument: the form a designer edits, without a screen: loading, components, property editors,
+// saving (tools, ctdesign).
 #pragma once
 
 #include <memory>

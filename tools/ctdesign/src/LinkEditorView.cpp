@@ -26,7 +26,8 @@ bool RunLinkEditor(const Redraw& redraw, UnitDetailEdit::TfrmDetailEdit& form) {
   const std::string title = "Link " + form.Detail().Name() + " to master " + form.Master().Name();
   for (;;) {
     std::vector<std::string> columns[kColumns];
-    for (const std::string& name : form.Indexes()) columns[kIndexes].push_back((name == form.IndexName() ? "* " : "  ") + name);
+    for (const std::string& name : form.Indexes())
+      columns[kIndexes].push_back((name == form.IndexName() ? "* " : "  ") + name);
     columns[kDetail] = form.DetailFields();
     columns[kMaster] = form.MasterFieldNames();
     for (const UnitDetailEdit::TFieldLink& link : form.Links())
@@ -41,13 +42,16 @@ bool RunLinkEditor(const Redraw& redraw, UnitDetailEdit::TfrmDetailEdit& form) {
     const int rows = height - 7;
     for (int c = 0; c < kColumns; ++c) {
       const int x = col + 1 + c * columnWidth;
-      PutText(row + 1, x + 1, columnWidth - 1, captions[c], c == focus ? AttrTitle() | AttrSelected() : AttrTitle());
+      PutText(row + 1, x + 1, columnWidth - 1, captions[c],
+              c == focus ? AttrTitle() | AttrSelected() : AttrTitle());
       DrawList(row + 2, x, rows, columnWidth - 1, columns[c], cursors[c], c == focus);
     }
-    PutText(row + height - 4, col + 2, width - 4, "MasterFields = '" + form.MasterFieldsText() + "'");
+    PutText(row + height - 4, col + 2, width - 4,
+            "MasterFields = '" + form.MasterFieldsText() + "'");
     PutText(row + height - 3, col + 2, width - 4, problem, AttrError());
     PutText(row + height - 2, col + 2, width - 4,
-            "Tab column  Enter choose/pair  a pair  d delete  c clear  o OK  Esc cancel", AttrDim());
+            "Tab column  Enter choose/pair  a pair  d delete  c clear  o OK  Esc cancel",
+            AttrDim());
     Present();
 
     const int key = ReadKey();
@@ -55,25 +59,32 @@ bool RunLinkEditor(const Redraw& redraw, UnitDetailEdit::TfrmDetailEdit& form) {
     try {
       if (key == kEscape) return false;
       if (key == 'o' || key == 'O') return true;
-      if (key == kTab || key == KEY_RIGHT) focus = (focus + 1) % kColumns;
-      else if (key == KEY_BTAB || key == KEY_LEFT) focus = (focus + kColumns - 1) % kColumns;
-      else if (cursors[focus].HandleKey(key, static_cast<int>(columns[focus].size()), rows)) continue;
-      else if (IsEnter(key) && focus == kIndexes && !form.Indexes().empty())
+      if (key == kTab || key == KEY_RIGHT || key == KEY_BTAB || key == KEY_LEFT) {
+        const bool forward = key == kTab || key == KEY_RIGHT;
+        focus = (focus + (forward ? 1 : kColumns - 1)) % kColumns;
+      } else if (cursors[focus].HandleKey(key, static_cast<int>(columns[focus].size()), rows)) {
+        continue;
+      } else if (IsEnter(key) && focus == kIndexes && !form.Indexes().empty()) {
         form.SelectIndex(form.Indexes()[static_cast<size_t>(cursors[kIndexes].Selected)]);
-      else if (IsEnter(key) && focus == kDetail)
+      } else if (IsEnter(key) && focus == kDetail) {
         focus = kMaster;
-      else if ((IsEnter(key) && focus == kMaster) || key == 'a' || key == 'A') {
+      } else if ((IsEnter(key) && focus == kMaster) || key == 'a' || key == 'A') {
         const std::vector<std::string>& details = columns[kDetail];
         const std::vector<std::string>& masters = columns[kMaster];
-        if (details.empty()) throw fw::Exception("Every key field of " + form.IndexName() + " is paired");
+        if (details.empty())
+          throw fw::Exception("Every key field of " + form.IndexName() + " is paired");
         if (masters.empty()) throw fw::Exception("The master has no fields");
-        form.AddLink(details[static_cast<size_t>(std::min(cursors[kDetail].Selected, static_cast<int>(details.size()) - 1))],
+        const int detail =
+            std::min(cursors[kDetail].Selected, static_cast<int>(details.size()) - 1);
+        form.AddLink(details[static_cast<size_t>(detail)],
                      masters[static_cast<size_t>(cursors[kMaster].Selected)]);
         cursors[kDetail] = ListCursor();
-      } else if ((key == 'd' || key == 'D' || key == KEY_DC) && !form.Links().empty())
-        form.DeleteLink(focus == kLinks ? cursors[kLinks].Selected : static_cast<int>(form.Links().size()) - 1);
-      else if (key == 'c' || key == 'C')
+      } else if ((key == 'd' || key == 'D' || key == KEY_DC) && !form.Links().empty()) {
+        const int last = static_cast<int>(form.Links().size()) - 1;
+        form.DeleteLink(focus == kLinks ? std::min(cursors[kLinks].Selected, last) : last);
+      } else if (key == 'c' || key == 'C') {
         form.ClearLinks();
+      }
     } catch (const std::exception& e) {
       problem = e.what();
     }

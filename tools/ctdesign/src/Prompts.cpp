@@ -9,7 +9,8 @@
 
 namespace ctdesign {
 
-std::optional<std::string> EditLine(const Redraw& redraw, const std::string& title, const std::string& text) {
+std::optional<std::string> EditLine(const Redraw& redraw, const std::string& title,
+                                    const std::string& text) {
   std::string value = text;
   size_t cursor = value.size();
   for (;;) {
@@ -18,7 +19,8 @@ std::optional<std::string> EditLine(const Redraw& redraw, const std::string& tit
     auto [row, col] = DrawPopup(4, width, title);
     const int field = width - 4;
     // The field scrolls so that the cursor stays in view.
-    const size_t first = cursor >= static_cast<size_t>(field) ? cursor - static_cast<size_t>(field) + 1 : 0;
+    const size_t first =
+        cursor >= static_cast<size_t>(field) ? cursor - static_cast<size_t>(field) + 1 : 0;
     PutText(row + 1, col + 2, field, value.substr(first), AttrSelected());
     PutText(row + 2, col + 2, field, "Enter accept  Esc cancel  Ctrl-U clear", AttrDim());
     curs_set(1);
@@ -50,7 +52,8 @@ std::optional<std::string> EditLine(const Redraw& redraw, const std::string& tit
 }
 
 std::optional<std::string> PickFrom(const Redraw& redraw, const std::string& title,
-                                    const std::vector<std::string>& values, const std::string& current) {
+                                    const std::vector<std::string>& values,
+                                    const std::string& current) {
   if (values.empty()) return std::nullopt;
   ListCursor cursor;
   for (size_t i = 0; i < values.size(); ++i)
@@ -61,12 +64,13 @@ std::optional<std::string> PickFrom(const Redraw& redraw, const std::string& tit
     size_t longest = title.size();
     for (const std::string& v : values) longest = std::max(longest, v.size());
     const int height = std::min(static_cast<int>(values.size()) + 4, Screen::Rows() - 2);
-    const int width = std::clamp(static_cast<int>(longest) + 6, 44, std::max(Screen::Cols() - 4, 10));
+    const int width =
+        std::clamp(static_cast<int>(longest) + 6, 44, std::max(Screen::Cols() - 4, 10));
     auto [row, col] = DrawPopup(height, width, title);
     const int rows = height - 4;
     DrawList(row + 1, col + 1, rows, width - 2, values, cursor, true);
-    PutText(row + height - 2, col + 2, width - 4, typed.empty() ? "Enter pick  Esc cancel  type to find" : "find: " + typed,
-            AttrDim());
+    PutText(row + height - 2, col + 2, width - 4,
+            typed.empty() ? "Enter pick  Esc cancel  type to find" : "find: " + typed, AttrDim());
     Present();
     const int key = ReadKey();
     if (IsEnter(key)) return values[static_cast<size_t>(cursor.Selected)];
@@ -75,9 +79,12 @@ std::optional<std::string> PickFrom(const Redraw& redraw, const std::string& tit
       typed.clear();
       continue;
     }
-    if (IsBackspace(key) && !typed.empty()) typed.pop_back();
-    else if (IsText(key)) typed += static_cast<char>(key);
-    else continue;
+    if (IsBackspace(key) && !typed.empty())
+      typed.pop_back();
+    else if (IsText(key))
+      typed += static_cast<char>(key);
+    else
+      continue;
     for (size_t i = 0; i < values.size() && !typed.empty(); ++i)
       if (fw::SameText(values[i].substr(0, typed.size()), typed)) {
         cursor.Selected = static_cast<int>(i);
@@ -86,13 +93,15 @@ std::optional<std::string> PickFrom(const Redraw& redraw, const std::string& tit
   }
 }
 
-int ShowMessage(const Redraw& redraw, const std::string& title, const std::vector<std::string>& lines) {
+int ShowMessage(const Redraw& redraw, const std::string& title,
+                const std::vector<std::string>& lines) {
   redraw();
   size_t longest = title.size();
   for (const std::string& line : lines) longest = std::max(longest, line.size());
   const int width = std::min(static_cast<int>(longest) + 6, Screen::Cols());
   auto [row, col] = DrawPopup(static_cast<int>(lines.size()) + 2, width, title);
-  for (size_t i = 0; i < lines.size(); ++i) PutText(row + 1 + static_cast<int>(i), col + 2, width - 4, lines[i]);
+  for (size_t i = 0; i < lines.size(); ++i)
+    PutText(row + 1 + static_cast<int>(i), col + 2, width - 4, lines[i]);
   Present();
   return ReadKey();
 }

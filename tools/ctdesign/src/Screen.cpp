@@ -41,7 +41,9 @@ int ReadKey() { return getch(); }
 
 int AttrSelected() { return A_REVERSE; }
 int AttrTitle() { return A_BOLD; }
-int AttrError() { return has_colors() ? static_cast<int>(COLOR_PAIR(kErrorPair) | A_BOLD) : A_BOLD; }
+int AttrError() {
+  return has_colors() ? static_cast<int>(COLOR_PAIR(kErrorPair) | A_BOLD) : A_BOLD;
+}
 int AttrDim() { return A_DIM; }
 
 void PutText(int row, int col, int width, const std::string& text, int attr) {
@@ -69,7 +71,8 @@ void DrawFrame(int row, int col, int height, int width, const std::string& title
   mvvline(row + 1, col + width - 1, ACS_VLINE, height - 2);
   if (!title.empty() && width > 4) {
     const std::string shown = " " + title.substr(0, static_cast<size_t>(width - 4)) + " ";
-    PutText(row, col + 1, static_cast<int>(shown.size()), shown, focused ? AttrTitle() | A_REVERSE : AttrTitle());
+    PutText(row, col + 1, static_cast<int>(shown.size()), shown,
+            focused ? AttrTitle() | A_REVERSE : AttrTitle());
   }
 }
 
@@ -85,20 +88,33 @@ void ListCursor::Clamp(int count, int height) {
 
 bool ListCursor::HandleKey(int key, int count, int height) {
   switch (key) {
-    case KEY_UP: --Selected; break;
-    case KEY_DOWN: ++Selected; break;
-    case KEY_PPAGE: Selected -= std::max(height - 1, 1); break;
-    case KEY_NPAGE: Selected += std::max(height - 1, 1); break;
-    case KEY_HOME: Selected = 0; break;
-    case KEY_END: Selected = count - 1; break;
-    default: return false;
+    case KEY_UP:
+      --Selected;
+      break;
+    case KEY_DOWN:
+      ++Selected;
+      break;
+    case KEY_PPAGE:
+      Selected -= std::max(height - 1, 1);
+      break;
+    case KEY_NPAGE:
+      Selected += std::max(height - 1, 1);
+      break;
+    case KEY_HOME:
+      Selected = 0;
+      break;
+    case KEY_END:
+      Selected = count - 1;
+      break;
+    default:
+      return false;
   }
   Clamp(count, height);
   return true;
 }
 
-void DrawList(int row, int col, int height, int width, const std::vector<std::string>& items, ListCursor& cursor,
-              bool focused) {
+void DrawList(int row, int col, int height, int width, const std::vector<std::string>& items,
+              ListCursor& cursor, bool focused) {
   cursor.Clamp(static_cast<int>(items.size()), height);
   for (int i = 0; i < height; ++i) {
     const int index = cursor.Top + i;
@@ -108,7 +124,8 @@ void DrawList(int row, int col, int height, int width, const std::vector<std::st
     }
     const bool selected = index == cursor.Selected;
     const std::string mark = selected && !focused ? ">" : " ";
-    PutText(row + i, col, width, mark + items[static_cast<size_t>(index)], selected && focused ? AttrSelected() : 0);
+    PutText(row + i, col, width, mark + items[static_cast<size_t>(index)],
+            selected && focused ? AttrSelected() : 0);
   }
 }
 

@@ -1,4 +1,5 @@
-// Screen: the terminal in full-screen mode and the drawing and list primitives of the designer (tools, ctdesign).
+// Screen: the terminal in full-screen mode and the drawing and list primitives of the designer
+// (tools, ctdesign).
 #pragma once
 
 #include <functional>
@@ -62,8 +63,8 @@ struct ListCursor {
 
 /// `items` in the rectangle, scrolled by `cursor`; the selected item is highlighted when
 /// `focused` and marked with ">" otherwise.
-void DrawList(int row, int col, int height, int width, const std::vector<std::string>& items, ListCursor& cursor,
-              bool focused);
+void DrawList(int row, int col, int height, int width, const std::vector<std::string>& items,
+              ListCursor& cursor, bool focused);
 
 /// A centred frame of `height` x `width` (cut to the screen) drawn over the view; returns its
 /// top row and left column.

@@ -11,11 +11,12 @@
 
 int main(int argc, char** argv) {
   if (argc != 2 || std::strcmp(argv[1], "-h") == 0 || std::strcmp(argv[1], "--help") == 0) {
-    std::fprintf(argc == 2 ? stdout : stderr,
-                 "usage: ctdesign FORM\n"
-                 "Designs the text form file FORM (created on the first save when it does not exist):\n"
-                 "add connections, tables and data sources from the palette and set their properties.\n"
-                 "Press ? in the designer for its keys.\n");
+    std::fprintf(
+        argc == 2 ? stdout : stderr,
+        "usage: ctdesign FORM\n"
+        "Designs the text form file FORM (created on the first save when it does not exist):\n"
+        "add connections, tables and data sources from the palette and set their properties.\n"
+        "Press ? in the designer for its keys.\n");
     return argc == 2 ? 0 : 2;
   }
   try {

@@ -1,4 +1,5 @@
-// FormDocument: loading forms for design, adding components, and saving without losing the old file.
+// FormDocument: loading forms for design, adding components, and saving without losing the old
+// file.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -72,7 +73,8 @@ TEST_F(FormDocumentTest, NewFormIsNamedAfterItsFileAndReadsBackAsSaved) {
 
 TEST_F(FormDocumentTest, AProgramsOwnFormClassIsKeptByName) {
   const std::string file = (Dir / "orders.fm").string();
-  const std::string text = "object Orders: TOrdersModule\n  object Db: TCTConnection\n    MaxFiles = 60\n  end\nend\n";
+  const std::string text =
+      "object Orders: TOrdersModule\n  object Db: TCTConnection\n    MaxFiles = 60\n  end\nend\n";
   std::ofstream(file) << text;
   Document doc(file);
   EXPECT_EQ(doc.LoadError(), "");
@@ -83,7 +85,8 @@ TEST_F(FormDocumentTest, AProgramsOwnFormClassIsKeptByName) {
 
 TEST_F(FormDocumentTest, AFormThatDoesNotReadIsNeverWrittenBack) {
   const std::string file = (Dir / "broken.fm").string();
-  const std::string text = "object Broken: TDataModule\n  object Db: TCTConnection\n    MaxFiles = 'many'\n  end\nend\n";
+  const std::string text =
+      "object Broken: TDataModule\n  object Db: TCTConnection\n    MaxFiles = 'many'\n  end\nend\n";
   std::ofstream(file) << text;
   Document doc(file);
   EXPECT_NE(doc.LoadError().find("Line 3"), std::string::npos) << doc.LoadError();
