@@ -121,7 +121,13 @@ void DesignerWindow::Run() {
       if (key == 'q' || key == KEY_F(10)) return;
       continue;
     }
-    if (!HandleKey(key)) return;
+    try {
+      if (!HandleKey(key)) return;
+    } catch (const std::exception& e) {
+      // The editors' refusals are handled where they happen; anything else still ends here,
+      // shown, with the form open.
+      Say(e.what(), true);
+    }
   }
 }
 
@@ -239,7 +245,8 @@ void DesignerWindow::Activate() {
 }
 
 void DesignerWindow::AddFromPalette() {
-  const PaletteItem& item = FPalette.at(static_cast<size_t>(FCursors[kPalette].Selected));
+  if (FPalette.empty()) return;
+  const PaletteItem& item = FPalette[static_cast<size_t>(FCursors[kPalette].Selected)];
   if (item.Class == nullptr) return;
   try {
     fw::TComponent* added = AddComponent(*item.Class);
