@@ -2,8 +2,10 @@
 # Installs the Debian packages the build needs, if any is missing. Safe to run again.
 set -euo pipefail
 
-# libsqlite3-dev is only for the benchmarks that compare with SQLite (bench/).
-packages=(g++ cmake make pkg-config liblmdb-dev libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev libsqlite3-dev)
+# libsqlite3-dev is only for the benchmarks that compare with SQLite (bench/); libncurses-dev is
+# for the designer ctdesign, and tmux drives it in its end-to-end test.
+packages=(g++ cmake make pkg-config liblmdb-dev libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev
+          nlohmann-json3-dev libsqlite3-dev libncurses-dev tmux)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -88,8 +88,9 @@ CTISAM_API COUNT TMPNAME(pVOID buf, LONG len);
 /* Writes the name the file was opened with (len bytes, zero-terminated); mode is ignored. */
 CTISAM_API COUNT GETNAM(COUNT filno, pTEXT buf, LONG len, COUNT mode);
 /* Writes the next member name of the superfile host open as filno into buf (len bytes): the
- * first with mode 0, the following with any other mode, in name order. INOT_ERR after the last;
- * CT_ENOTDAT when filno is not a host; CT_EBADARG for a short buffer. */
+ * first with mode 0, the following with any other mode, in name order, as the members were when
+ * the walk began (members added or deleted meanwhile show in the next walk). INOT_ERR after the
+ * last; CT_ENOTDAT when filno is not a host; CT_EBADARG for a short buffer. */
 CTISAM_API COUNT GETMNAME(COUNT filno, pTEXT buf, LONG len, COUNT mode);
 /* Returns information on an open file by mode (see GETFIL modes in ctisam.h); -1 and ierr on
  * failure (0 is a valid answer for several modes). */

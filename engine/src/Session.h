@@ -48,6 +48,7 @@ struct Handle {
   bool isHost = false;             // a superfile host opened as such (GETMNAME)
   std::shared_ptr<Env> hostEnv;    // host: its environment
   size_t memberNext = 0;           // host: the next member GETMNAME gives
+  std::vector<std::string> members;  // host: the member names as the GETMNAME walk began
   std::string name;  // as given to the open
   std::string path;
   int mode = 0;

@@ -81,10 +81,14 @@ void Session::UpdateCondition(int keyno, const char* expr) {
 std::string Session::NextMember(int filno, int mode) {
   Handle& h = File(filno);
   if (!h.isHost) Throw(CT_ENOTDAT);
-  if (mode == 0) h.memberNext = 0;
-  std::vector<std::string> names = ListMembers(*h.hostEnv);
-  if (h.memberNext >= names.size()) Throw(INOT_ERR);
-  return names[h.memberNext++];
+  // The names are read once per walk: reading them for every call made listing a large host
+  // quadratic in its members.
+  if (mode == 0 || h.memberNext == 0) {
+    h.memberNext = 0;
+    h.members = ListMembers(*h.hostEnv);
+  }
+  if (h.memberNext >= h.members.size()) Throw(INOT_ERR);
+  return h.members[h.memberNext++];
 }
 
 std::string Session::GetCondition(int keyno) {

@@ -64,6 +64,23 @@ TEST_F(EngineSuperfile, MembersAreCreatedOpenedListedAndDeletedIndependently) {
   ASSERT_EQ(api.UPDCIDX(2, (pTEXT) "id > 1"), RNOT_ERR);  // no schema yet
 }
 
+TEST_F(EngineSuperfile, AWalkListsTheMembersAsItBegan) {
+  def_.ifil.pfilnam = (pTEXT) "walk.sup!b";
+  ASSERT_GE(CreateCustomers(), 0);
+  COUNT host = api.AVLFILNUM(1);
+  ASSERT_EQ(api.OPNFIL(host, (pTEXT) "walk.sup", SHARED | SUPERFILE), 0);
+  char buf[64];
+  ASSERT_EQ(api.GETMNAME(host, buf, sizeof buf, 0), 0);
+  EXPECT_STREQ(buf, "b.dat");
+  CustomersDef more;
+  more.ifil.pfilnam = (pTEXT) "walk.sup!a";
+  ASSERT_EQ(api.CREIFIL(&more.ifil), 0);
+  ASSERT_EQ(api.GETMNAME(host, buf, sizeof buf, 1), 0);
+  EXPECT_STREQ(buf, "b.idx");
+  EXPECT_EQ(api.GETMNAME(host, buf, sizeof buf, 1), INOT_ERR);
+  EXPECT_EQ(Members(api, host), (std::vector<std::string>{"a.dat", "a.idx", "b.dat", "b.idx"}));
+}
+
 TEST_F(EngineSuperfile, HostsAreMadeAndRecognised) {
   ASSERT_EQ(api.CREDAT(0, (pTEXT) "empty.sup", 1, 0, EXCLUSIVE | SUPERFILE), 0);
   EXPECT_EQ(api.GETFIL(0, FILTYP), 2);

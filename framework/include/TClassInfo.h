@@ -17,6 +17,7 @@ namespace fw {
 
 class TPersistent;
 class TComponent;
+class TClassInfo;
 
 /// Kind of a published property, which decides how it is read from and written to a form file.
 enum TPropKind : uint8_t {
@@ -49,6 +50,9 @@ struct TPropInfo {
   std::function<TComponent*(const TPersistent&)> GetComponent;
   std::function<void(TPersistent&, TComponent*)> SetComponent;
   std::function<TPersistent*(TPersistent&)> GetObject;
+  /// pkComponent: the class a referenced component must have (so a designer can offer the
+  /// matching components of a form); null for other kinds.
+  const TClassInfo& (*ComponentClass)() = nullptr;
 
   bool ReadOnly() const { return Kind == pkObject ? false : !(Set || SetComponent); }
   /// Ordinal of member `name` (case-insensitive) or -1.
@@ -185,6 +189,7 @@ class TClassBuilder {
     TPropInfo p;
     p.Name = std::move(name);
     p.Kind = pkComponent;
+    p.ComponentClass = &D::StaticClass;
     p.GetComponent = [get](const TPersistent& o) -> TComponent* { return (Self(o).*get)(); };
     p.SetComponent = [set, pname = p.Name](TPersistent& o, TComponent* c) {
       D* d = dynamic_cast<D*>(c);

@@ -89,6 +89,9 @@ class TReader {
 TComponent* ReadComponentText(std::string_view text, TComponent* root = nullptr);
 /// Reads the file `fileName` (EInOutError when it cannot be read) with ReadComponentText.
 TComponent* ReadComponentFile(const std::string& fileName, TComponent* root = nullptr);
+/// The class name of the root object of form `text` (a designer makes the root before reading).
+/// Raises EParserError "Line N: <what is wrong>" as ReadComponentText does for malformed text.
+std::string ReadFormClassName(std::string_view text);
 /// The loaded root named `name` (case-insensitive) or nullptr.
 TComponent* FindGlobalComponent(std::string_view name);
 

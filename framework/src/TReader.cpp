@@ -84,6 +84,8 @@ TComponent* ReadComponentText(std::string_view text, TComponent* root) {
   return reader.Read(tree, root);
 }
 
+std::string ReadFormClassName(std::string_view text) { return ParseForm(text).ClassName; }
+
 TComponent* ReadComponentFile(const std::string& fileName, TComponent* root) {
   std::ifstream in(fileName, std::ios::binary);
   if (!in) throw EInOutError("Cannot open form file '" + fileName + "'", errno);
