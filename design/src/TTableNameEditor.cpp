@@ -11,28 +11,6 @@
 
 namespace CTreeReg {
 
-namespace {
-
-// Passes the member names of super file `path` to `proc`, leaving out index members; nothing
-// when the file does not open as a super file.
-void ListSuperFileMembers(CTDbIntf::TLoadAlignment a, const std::string& path,
-                          const fw::TGetStrProc& proc) {
-  const int16_t fileNo = CTDbIntf::AvailableFileNbr(a, 2);
-  std::string name = path;
-  if (fileNo < 0 || CTDbIntf::OpenCtFile(a, fileNo, name.data(), SHARED | SUPERFILE) != 0) return;
-  struct Closer {
-    CTDbIntf::TLoadAlignment A;
-    int16_t FileNo;
-    ~Closer() { (void)CTDbIntf::CloseCtFile(A, FileNo, 1); }
-  } closer{a, fileNo};
-  char member[1024];
-  for (int16_t mode = 0; CTDbIntf::GetSuperFileNames(a, fileNo, member, sizeof member, mode) == 0;
-       mode = 1)
-    if (std::strstr(member, ".idx") == nullptr) proc(member);
-}
-
-}  // namespace
-
 const fw::TPropertyEditorClass& TTableNameEditor::EditorClass() {
   static const auto cls = fw::MakePropertyEditorClass<TTableNameEditor>("TTableNameEditor");
   return cls;
@@ -45,7 +23,7 @@ fw::TPropertyAttributes TTableNameEditor::GetAttributes() const {
 void TTableNameEditor::GetValues(const fw::TGetStrProc& proc) {
   CTTables::TCTTable& table = SelectedTable(*this);
   const std::string dir = table.Database().empty() ? fw::GetCurrentDir() : table.Database();
-  const Ctdb::TCTConnection* conn = table.Connection();
+  Ctdb::TCTConnection* conn = table.Connection();
   if (conn == nullptr) throw fw::Exception("The connection property must be assigned first");
   if (conn->DataExt().empty())
     throw fw::Exception("Please specify a DataExt in the CTree Connection component");
@@ -53,7 +31,7 @@ void TTableNameEditor::GetValues(const fw::TGetStrProc& proc) {
     throw fw::Exception("Please configure and activate the CTree Connection component ");
 
   if (table.IsSuperFile()) {
-    ListSuperFileMembers(conn->Alignment(), dir, proc);
+    for (const std::string& member : conn->SuperFileMembers(dir)) proc(member);
     return;
   }
   const std::string& ext = conn->DataExt();

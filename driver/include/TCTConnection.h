@@ -166,6 +166,9 @@ class TCTConnection : public fw::TComponent {
   /// Re-reads the cursor's current record into `data` (fixed or variable length). 47, 1113, or
   /// c-tree's result (100 without a current record).
   int32_t ReadRecord(TCTCursorDesc* cursor, std::vector<uint8_t>& data);
+  /// The names of the tables in superfile `path` (its members other than index members, whose
+  /// names hold ".idx"), in the superfile's order; empty when `path` does not open as one.
+  std::vector<std::string> SuperFileMembers(const std::string& path);
 
   // ---- type mapping (TCTConnection.types.cpp)
   /// Fills `desc.FieldType`, `SubType` from a c-tree type code.

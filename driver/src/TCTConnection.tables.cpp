@@ -1,4 +1,5 @@
 // TCTConnection: opening, reading and deleting a table's c-tree files (driver).
+#include <cstring>
 #include <new>
 
 #include "CText.h"
@@ -56,6 +57,18 @@ int32_t TCTConnection::ReadRecord(TCTCursorDesc* cursor, std::vector<uint8_t>& d
   } catch (const std::bad_alloc&) {
     return kCtOutOfMemory;
   }
+}
+
+std::vector<std::string> TCTConnection::SuperFileMembers(const std::string& path) {
+  std::vector<std::string> members;
+  const int16_t fileNo = CTDbIntf::AvailableFileNbr(FAlignment, 2);
+  if (fileNo < 0 || CTDbIntf::OpenCtFile(FAlignment, fileNo, CText(path), SHARED | SUPERFILE | READFIL) != 0)
+    return members;
+  char member[1024];
+  for (int16_t mode = 0; CTDbIntf::GetSuperFileNames(FAlignment, fileNo, member, sizeof member, mode) == 0; mode = 1)
+    if (std::strstr(member, ".idx") == nullptr) members.emplace_back(member);
+  static_cast<void>(CTDbIntf::CloseCtFile(FAlignment, fileNo, 1));
+  return members;
 }
 
 }  // namespace Ctdb
