@@ -381,16 +381,23 @@ void TCTBatchCopy::StoreValue(fw::TField* SrcField, fw::TField* TrgField) {
     TrgField->Clear();
     return;
   }
-  TrgField->SetAsVariant(SrcField->AsVariant());
-  if (sameForm) return;  // a blob of the same kind takes the content whole
+  if (sameForm) {
+    TrgField->SetAsVariant(SrcField->AsVariant());  // a blob of the same kind takes the content whole
+    return;
+  }
   // Deliberately stricter than a plain assignment, which would cut a text to the field's size
-  // or round a number without a word: a value that does not come back as it was is an error.
+  // or round a number without a word: a value that does not come back as it was is an error,
+  // and the field keeps what it held, so that a handler that skips it skips it whole.
+  const fw::Variant before = TrgField->AsVariant();
+  TrgField->SetAsVariant(SrcField->AsVariant());
   const std::string was = SrcField->AsString();
   const std::string now = TrgField->AsString();
-  if (was != now)
+  if (was != now) {
+    TrgField->SetAsVariant(before);
     throw fw::EConvertError("Field " + SrcField->FieldName() + ": value '" + was + "' does not fit field " +
                             TrgField->FieldName() + " of " + NameOf(FDestination) + " (it would become '" + now +
                             "')");
+  }
 }
 
 }  // namespace CTTables
