@@ -115,6 +115,10 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// ends Rebuild and leaves the table as it was.
   const TCTCopyErrorEvent& OnRebuildError() const { return FOnRebuildError; }
   void SetOnRebuildError(const TCTCopyErrorEvent& Value) { FOnRebuildError = Value; }
+  /// Told how Rebuild's copy of the records goes, as TCTBatchCopy::OnProgress (Sender is this
+  /// table), for a progress display.
+  const TCTProgressEvent& OnRebuildProgress() const { return FOnRebuildProgress; }
+  void SetOnRebuildProgress(const TCTProgressEvent& Value) { FOnRebuildProgress = Value; }
 
   // --- State ------------------------------------------------------------------------------
   Ctdb::TOpenFlag OpenFlag() const { return FOpenFlag; }
@@ -477,6 +481,7 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   std::string FPendingDatabase;                       // Database read while loading
   bool FHasPendingDatabase = false;
   TCTCopyErrorEvent FOnRebuildError;
+  TCTProgressEvent FOnRebuildProgress;
   std::vector<std::unique_ptr<int32_t>> FLocks;       // the lock list: handles Lock handed out
 };
 

@@ -63,6 +63,10 @@ void TCTTable::Rebuild(const fw::TFieldDefs& NewFieldDefs, const TCTIndexDefs& N
     if (FOnRebuildError)
       copy.SetOnCopyError([this](fw::TComponent* sender, fw::TField* from, fw::TField* to, const std::exception& e,
                                  bool& proceed) { DoRebuildError(sender, from, to, e, proceed); });
+    if (FOnRebuildProgress)
+      copy.SetOnProgress([this](fw::TComponent*, TCTProgressStage stage, int32_t recNo, const std::string& msg) {
+        FOnRebuildProgress(this, stage, recNo, msg);
+      });
     copy.Execute();
     // From here on the exchange looks after the files itself.
     created = false;
