@@ -76,7 +76,9 @@ class TCTBatchCopy : public fw::TComponent {
   /// handled and followed by OnProgress(psRunning, n). A failing record's pending insert or edit
   /// is cancelled, then OnCopyError(nullptr, nullptr) decides: Continue true ends the batch
   /// with the error, false skips the record. A failing field goes to OnCopyError with the two
-  /// fields first: Continue false skips that field. Finally, whatever happened:
+  /// fields first: Continue false skips that field, except a key field used for matching, which
+  /// always fails its record (a seek without it could find another record). Finally, whatever
+  /// happened:
   /// OnProgress(psEnding), both datasets back to their former activity, Busy false. The source
   /// is left at its end.
   void Execute();

@@ -250,8 +250,11 @@ std::string TCTTable::StorageFileName() const {
   StorageNames(directory, name);
   // BuildFullPath may end the name with a NUL where a dot was: the C string is the name.
   const std::string full = Connection()->BuildFullPath(directory, name).c_str();
-  std::error_code ignored;
-  return std::filesystem::absolute(full, ignored).lexically_normal().string();
+  // Resolved through links, so that two spellings of one file compare equal.
+  std::error_code failed;
+  std::filesystem::path resolved = std::filesystem::weakly_canonical(full, failed);
+  if (failed) resolved = std::filesystem::absolute(full, failed).lexically_normal();
+  return resolved.string();
 }
 
 void TCTTable::InternalInitFieldDefs() {
