@@ -30,6 +30,11 @@ void TCTTable::DoRebuildError(fw::TComponent* /*Sender*/, fw::TField* SrcField, 
 }
 
 void TCTTable::Rebuild(const fw::TFieldDefs& NewFieldDefs, const TCTIndexDefs& NewIndexDefs) {
+  // Copied first: the definitions may be this table's own, which reopening it below refills.
+  fw::TFieldDefs fields(nullptr);
+  fields.Assign(NewFieldDefs);
+  TCTIndexDefs indexes(nullptr);
+  indexes.Assign(NewIndexDefs);
   const bool wasActive = Active();
   const bool wasExclusive = FExclusive;
   DisableControls();
@@ -50,8 +55,8 @@ void TCTTable::Rebuild(const fw::TFieldDefs& NewFieldDefs, const TCTIndexDefs& N
     // A member named "host!member" gets its new files in the same host.
     const size_t bang = FTableName.find('!');
     rebuilt->FTableName = bang == std::string::npos ? temporary : FTableName.substr(0, bang + 1) + temporary;
-    rebuilt->FieldDefs()->Assign(NewFieldDefs);
-    rebuilt->IndexDefs()->Assign(NewIndexDefs);
+    rebuilt->FieldDefs()->Assign(fields);
+    rebuilt->IndexDefs()->Assign(indexes);
     rebuilt->FExclusive = true;
     rebuilt->CreateTable();
     created = true;
@@ -104,9 +109,17 @@ void TCTTable::Rebuild(const fw::TFieldDefs& NewFieldDefs, const TCTIndexDefs& N
 void TCTTable::ExchangeFiles(TCTTable& Rebuilt) {
   Ctdb::TCTConnection& conn = Conn();
   const std::string original = FCursor->TableName;
-  const std::string aside = conn.GetTempFileName(FCursor.get());
-  if (aside.empty()) CTDbIntf::CtError(CTDbIntf::GetCtIsamErr(conn.Alignment()));
-  CTDbIntf::CtError(conn.RenameTable(FCursor.get(), aside));
+  const std::string temporary = conn.GetTempFileName(FCursor.get());
+  if (temporary.empty()) CTDbIntf::CtError(CTDbIntf::GetCtIsamErr(conn.Alignment()));
+  // A superfile member moves aside inside its host: members are renamed only within one.
+  const std::string fileName = fw::ExtractFileName(original);
+  const size_t bang = fileName.find('!');
+  const std::string aside = bang == std::string::npos ? temporary : fileName.substr(0, bang + 1) + temporary;
+  if (const int32_t refused = conn.RenameTable(FCursor.get(), aside)) {
+    Close();
+    static_cast<void>(Rebuilt.DeleteTableFiles());
+    CTDbIntf::CtError(refused);
+  }
   const std::string asideName = FCursor->TableName;
   Close();
 

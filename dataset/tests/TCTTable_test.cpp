@@ -425,6 +425,17 @@ TEST_F(Table, SuperFileTableLivesAsAMemberOfTheFileDatabaseNames) {
   again->SetTableName("members");
   again->Open();
   EXPECT_EQ(again->RecordCount(), 1);
+  // A member is rebuilt inside its host, here with the table's own index definitions.
+  fw::TFieldDefs layout(nullptr);
+  layout.Add("ID", fw::ftInteger);
+  layout.Add("NOTE", fw::ftString, 10);
+  again->UpdateIndexDefs();
+  again->Rebuild(layout, *again->IndexDefs());
+  EXPECT_EQ(again->RecordCount(), 1);
+  EXPECT_NE(again->FindField("NOTE"), nullptr);
+  EXPECT_TRUE(again->FindKey({fw::Variant(int32_t{5})}));
+  for (const auto& entry : std::filesystem::directory_iterator(Dir))
+    EXPECT_EQ(entry.path().filename().string().rfind("store.sup", 0), 0u) << entry.path();
   again->DeleteTable();
   EXPECT_EQ(ErrorOf([&] { again->Open(); }), 12);
 }
