@@ -252,15 +252,16 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// returned to its former activity (the open table reads the new files). A record or field
   /// that fails goes to OnRebuildError. When the copy or the exchange of the files fails, the
   /// new files are removed and the table stays as it was, with all its records; the error is
-  /// raised. Raises EDatabaseError for a definition that names an unknown key field.
+  /// raised. Raises EDatabaseError for a definition that names an unknown key field. The
+  /// definitions may be the table's own (its IndexDefs refreshed with UpdateIndexDefs first).
   void Rebuild(const fw::TFieldDefs& NewFieldDefs, const TCTIndexDefs& NewIndexDefs);
   /// The data file the table names, as the connection resolves Database, TableName and
   /// IsSuperFile ("dir/host!member" for a member), made absolute; "" without a connection.
   std::string StorageFileName() const;
 
   // --- Record locks (TCTTable.locks.cpp; open table) -----------------------------------------
-  /// Write-locks the active record (the first or last record when the window stands at an end)
-  /// against every other user until Unlock, and returns its handle: a block owned by the table
+  /// Write-locks the active record against every other user (other programs, and other opens of
+  /// the table in this one) until Unlock, and returns its handle: a block owned by the table
   /// that holds the record's position. Locking a record twice gives the same handle. An edit of
   /// a record locked here keeps the lock. Posts a pending edit first. Raises ECtreeException
   /// (42 when another user holds the record, 100 for an empty table).
