@@ -15,78 +15,19 @@
 #include <vector>
 
 #include "CTTables.h"
-#include "CtRecords.h"
 #include "Ctdb.h"
 #include "TField.h"
 
-#include "CustomerRecord.h"
+#include "CustomersTable.h"
 
 namespace {
 
-using bench::Customer;
-using bench::kCities;
-using bench::CityOf;
-
 constexpr int kSearches = 20000;
-constexpr int kBatch = 5000;  // records per transaction while filling
 int gRecords = 1000000;
 std::vector<int32_t> gProbes;  // ids searched, in random order
 std::string gDir;
 Ctdb::TCTConnection* gConn = nullptr;
 CTTables::TCTTable* gTable = nullptr;
-
-std::string NameOf(int32_t id) {
-  char text[32];
-  std::snprintf(text, sizeof text, "name%07d", id);
-  return text;
-}
-
-Ctdb::CTFldDesc Field(uint16_t no, const char* name, int16_t type, int16_t subType, int16_t length) {
-  Ctdb::CTFldDesc desc;
-  desc.FieldNo = no;
-  desc.Name = name;
-  desc.FieldType = type;
-  desc.SubType = subType;
-  desc.Units1 = length;
-  desc.Length = length;
-  return desc;
-}
-
-void CreateAndFill() {
-  Ctdb::CTTblDesc desc;
-  desc.Name = "customers";
-  desc.TableType = "CTree";
-  desc.Fields = {Field(1, "ID", Ctdb::fldINT32, 0, 4), Field(2, "NAME", Ctdb::fldZSTRING, Ctdb::fldstFSTRING, 30),
-                 Field(3, "CITY", Ctdb::fldZSTRING, Ctdb::fldstFSTRING, 20),
-                 Field(4, "BALANCE", Ctdb::fldFLOAT, 0, 8)};
-  Ctdb::CTIdxDesc byId;
-  byId.Name = "ById";
-  byId.Unique = byId.Primary = byId.Maintained = Ctdb::kWordTrue;
-  byId.KeyFields[0] = 1;
-  byId.FieldsInKey = 1;
-  Ctdb::CTIdxDesc byCity = byId;
-  byCity.Name = "ByCity";
-  byCity.Primary = Ctdb::kWordFalse;
-  byCity.KeyFields[0] = 3;
-  byCity.KeyFields[1] = 1;
-  byCity.FieldsInKey = 2;
-  desc.Indexes = {byId, byCity};
-  CTDbIntf::CtError(gConn->CreateTable(gDir, true, desc));
-
-  std::unique_ptr<Ctdb::TCTCursorDesc> cursor;
-  CTDbIntf::CtError(gConn->OpenCursor(cursor, "customers", gDir, 0));
-  for (int32_t id = 1; id <= gRecords; ++id) {
-    if ((id - 1) % kBatch == 0) gConn->StartTransaction();
-    Customer c{};
-    c.id = id;
-    std::snprintf(c.name, sizeof c.name, "%s", NameOf(id).c_str());
-    std::snprintf(c.city, sizeof c.city, "city%02d", id % kCities);
-    c.balance = id * 0.25;
-    CTDbIntf::CtError(CTDbIntf::AddRecord(gConn->Alignment(), cursor->DataFileNo, &c));
-    if (id % kBatch == 0 || id == gRecords) gConn->Commit();
-  }
-  CTDbIntf::CtError(gConn->CloseCursor(cursor));
-}
 
 void Report(benchmark::State& state, int64_t items) { state.SetItemsProcessed(items); }
 
@@ -120,7 +61,7 @@ void LocateUnindexed(benchmark::State& state, bool inRange) {
   const int32_t target = gRecords - 10;
   if (inRange) gTable->SetRange({fw::Variant(int32_t{0})}, {fw::Variant(gRecords + 1)});
   for (auto _ : state)
-    if (!gTable->Locate("NAME", fw::Variant(NameOf(target)), {}) || gTable->FieldByName("ID")->AsInteger() != target)
+    if (!gTable->Locate("NAME", fw::Variant(bench::CustomerName(target)), {}) || gTable->FieldByName("ID")->AsInteger() != target)
       state.SkipWithError("the record was not found");
   if (inRange) gTable->CancelRange();
   Report(state, static_cast<int64_t>(target) * state.iterations());
@@ -158,7 +99,7 @@ int main(int argc, char** argv) {
     owner = new fw::TComponent(nullptr);
     gConn = new Ctdb::TCTConnection(owner);
     gConn->SetActive(true);
-    CreateAndFill();
+    bench::CreateCustomers(*gConn, gDir, gRecords);
     gTable = new CTTables::TCTTable(owner);
     gTable->SetConnection(gConn);
     gTable->SetDatabase(gDir);

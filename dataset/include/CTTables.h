@@ -1,7 +1,11 @@
 // Unit CTTables, the dataset layer: the table dataset with its record buffer, calculated-field
-// store, blob stream, index definitions and filter conditions. Start with TCTTable.h.
+// store, blob stream, index definitions and filter conditions, and the batch copy. Start with
+// TCTTable.h.
 #pragma once
 
+#include "BatchCopyTypes.h"
+#include "ECTreeCopyCreate.h"
+#include "TCTBatchCopy.h"
 #include "TCTBlobStream.h"
 #include "TCTCalcFields.h"
 #include "TCTFilter.h"

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "BatchCopyTypes.h"
 #include "CTFldDesc.h"
 #include "CTIdxDesc.h"
 #include "CtdbTypes.h"
@@ -16,6 +17,7 @@
 #include "TCTFilter.h"
 #include "TCTIndexDefs.h"
 #include "TCTRecordBuffer.h"
+#include "TFieldDefs.h"
 #include "TStringList.h"
 #include "Variant.h"
 
@@ -43,7 +45,8 @@ using TCTIndexRecordEvent =
 /// directory given to the connection as it is). Every storage failure is raised as
 /// CTDbIntf::ECtreeException with the driver's number; framework misuse raises the framework's
 /// EDatabaseError. Implementation: TCTTable.cpp (life cycle, properties), TCTTable.records.cpp
-/// (record protocol, editing, bookmarks), TCTTable.indexes.cpp (indexes, keys, ranges).
+/// (record protocol, editing, bookmarks), TCTTable.indexes.cpp (indexes, keys, ranges),
+/// TCTTable.restructure.cpp and TCTTable.rebuild.cpp (files and layout), TCTTable.locks.cpp.
 class TCTTable : public Ctdb::TCTCustomDataSet {
  public:
   explicit TCTTable(fw::TComponent* AOwner);
@@ -55,7 +58,13 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// Table (file) name; "" by default. Raises EDatabaseError while open.
   const std::string& TableName() const { return FTableName; }
   void SetTableName(const std::string& Value);
-  /// Directory of the table, passed to the connection as it is. Raises while open.
+  /// Where the table lives. Raises EDatabaseError while open. While the component is read from a
+  /// form the text is only kept, and applied in Loaded (after TableName was read). Without
+  /// IsSuperFile one text gives both the directory and the table: a text that ends in "/" or
+  /// names an existing directory is the directory alone; otherwise its path part ("" for none)
+  /// becomes Database and its file-name part TableName ("/data/people.dat" gives "/data/" and
+  /// "people.dat"). With IsSuperFile the whole text is kept: a directory, or the superfile
+  /// whose member TableName names.
   const std::string& Database() const { return FDatabase; }
   void SetDatabase(const std::string& Value);
   /// Opens with 8 (read only) added to the open mode; record field writes are then ignored
@@ -68,6 +77,9 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// Makes both ends of a user range and the GotoNearest comparison exclusive. Default false.
   bool KeyExclusive() const { return FKeyExclusive; }
   void SetKeyExclusive(bool Value) { FKeyExclusive = Value; }
+  /// Database names a superfile (a file) rather than a directory: the table is the member
+  /// TableName of it, opened, created and deleted as "host!member". A TableName that already has
+  /// the "host!member" form is used as it is. Raises while open.
   bool IsSuperFile() const { return FIsSuperFile; }
   void SetIsSuperFile(bool Value);
   /// The current index's name. Setting it on an open table switches the cursor to that index
@@ -98,6 +110,15 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void SetMasterFields(const std::string& Value);
   /// The master source, so that IsLinkedTo follows master chains.
   fw::TDataSource* DataSource() const override;
+  /// Told about each record or field that fails while Rebuild copies the records (Sender is this
+  /// table); its Continue decides as for TCTBatchCopy::OnCopyError. Unassigned: the first error
+  /// ends Rebuild and leaves the table as it was.
+  const TCTCopyErrorEvent& OnRebuildError() const { return FOnRebuildError; }
+  void SetOnRebuildError(const TCTCopyErrorEvent& Value) { FOnRebuildError = Value; }
+  /// Told how Rebuild's copy of the records goes, as TCTBatchCopy::OnProgress (Sender is this
+  /// table), for a progress display.
+  const TCTProgressEvent& OnRebuildProgress() const { return FOnRebuildProgress; }
+  void SetOnRebuildProgress(const TCTProgressEvent& Value) { FOnRebuildProgress = Value; }
 
   // --- State ------------------------------------------------------------------------------
   Ctdb::TOpenFlag OpenFlag() const { return FOpenFlag; }
@@ -216,6 +237,45 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// it was the current index, the index now at its position (or, failing that, the one at the
   /// cursor's index count) becomes current, or none when the table has no index left.
   void DeleteIndex(const std::string& Name);
+  /// Opens the existing index file `IndexFileName` (beside the table when it has no path) for
+  /// the open table until it closes, and makes it the current index. Raises EDatabaseError when
+  /// the table is closed, ECtreeException with the driver's number (12 no such file, ...).
+  void OpenIndex(const std::string& IndexFileName);
+  /// Rebuilds the table's files in place: every index is made again from the records. The
+  /// table is closed for it (nobody else may have it open) and opened again when it was open.
+  /// Raises ECtreeException (FNOP_ERR when the files are in use, 2 when a unique index meets a
+  /// duplicate: the keys stay as they were).
+  void RebuildLow();
+  /// Restructures the table into the layout of `NewFieldDefs` and `NewIndexDefs` and keeps its
+  /// records: fields are carried over by name (fields the new layout lacks are dropped, new ones
+  /// start empty), through a TCTBatchCopy in cmAppend mode into a new table in the same place,
+  /// which then takes the table's name. The table is held open exclusively meanwhile, and
+  /// returned to its former activity (the open table reads the new files). A record or field
+  /// that fails goes to OnRebuildError. When the copy or the exchange of the files fails, the
+  /// new files are removed and the table stays as it was, with all its records; the error is
+  /// raised. Raises EDatabaseError for a definition that names an unknown key field. The
+  /// definitions may be the table's own (its IndexDefs refreshed with UpdateIndexDefs first).
+  void Rebuild(const fw::TFieldDefs& NewFieldDefs, const TCTIndexDefs& NewIndexDefs);
+  /// The data file the table names, as the connection resolves Database, TableName and
+  /// IsSuperFile ("dir/host!member" for a member), made absolute; "" without a connection.
+  std::string StorageFileName() const;
+
+  // --- Record locks (TCTTable.locks.cpp; open table) -----------------------------------------
+  /// Write-locks the active record against every other user (other programs, and other opens of
+  /// the table in this one) until Unlock, and returns its handle: a block owned by the table
+  /// that holds the record's position. Locking a record twice gives the same handle. An edit of
+  /// a record locked here keeps the lock. Posts a pending edit first. Raises ECtreeException
+  /// (42 when another user holds the record, 100 for an empty table).
+  int32_t* Lock();
+  /// Frees the lock `Handle` holds and the handle. A null handle or one holding position 0 is
+  /// left alone. Posts a pending edit first; raises ECtreeException when the storage refuses.
+  void Unlock(int32_t* Handle);
+  /// Frees every handle of the lock list, the last first, without asking the storage to unlock
+  /// anything: the locks stay until the table closes. Closing the table does this too.
+  void FreeLocks();
+  /// The handles Lock handed out and Unlock has not freed, in the order taken.
+  int LockCount() const { return static_cast<int>(FLocks.size()); }
+  int32_t* Locks(int Index) const { return FLocks.at(static_cast<size_t>(Index)).get(); }
 
   // --- Filtering (TCTTable.filter.cpp; the Filter language: UnitFilterParser.h) ------------
   /// Each writer stores the value, then (controls disabled) closes and opens the table, even for
@@ -308,6 +368,9 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// pairs, copies the master's values into the detail fields.
   void CreateRangeBuffer(std::unique_ptr<TCTRecordBuffer>& Buffer, fw::TDataSet* Master,
                          const fw::TStrings* FieldPairs);
+  /// Calls OnRebuildError with this table as Sender and the other arguments as they came.
+  void DoRebuildError(fw::TComponent* Sender, fw::TField* SrcField, fw::TField* TrgField, const std::exception& E,
+                      bool& Continue);
   /// The connection's index-key hook: shows the record to OnIndexRecord in dsFilter state.
   void DoIndexKey(Ctdb::CTIdxDesc* IndexDesc, const void* RecPtr, int32_t RecLen, bool& Accept);
   /// Whether a fetched record passes the filter (OnFilterRecord in dsFilter state).
@@ -329,6 +392,17 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   Ctdb::TCTConnection& Conn() const;
   /// The connection's open mode: 1 shared unless Exclusive, plus 8 when ReadOnly.
   int32_t OpenFlags() const;
+  /// SetDatabase outside loading: the directory / table-name rule.
+  void ApplyDatabase(const std::string& Value);
+  /// The directory and table name given to the connection: Database and TableName, or for a
+  /// superfile member the superfile's directory and "host!member".
+  void StorageNames(std::string& Directory, std::string& Name) const;
+  /// Whether the position `Bookmark` is held by a handle of the lock list.
+  bool LockedByHandle(int32_t Bookmark) const;
+  /// Rebuild's last step: the new table's files take the table's name (see the .cpp).
+  void ExchangeFiles(TCTTable& Rebuilt);
+  /// Closes the table and deletes its files; returns the driver's number, raises nothing.
+  int32_t DeleteTableFiles() noexcept;
   /// Activates the connection and opens a cursor on the table for definitions only.
   void OpenTemporaryCursor(std::unique_ptr<Ctdb::TCTCursorDesc>& Cursor);
   /// Fills FieldDefs from the cursor's field descriptors.
@@ -407,6 +481,11 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   std::unique_ptr<TCTMasterDataLink> FMasterLink;
   std::unique_ptr<fw::TStringList> FMasterFieldList;  // the raw MasterFields entries
   std::string FPendingMasterFields;                   // MasterFields read while loading
+  std::string FPendingDatabase;                       // Database read while loading
+  bool FHasPendingDatabase = false;
+  TCTCopyErrorEvent FOnRebuildError;
+  TCTProgressEvent FOnRebuildProgress;
+  std::vector<std::unique_ptr<int32_t>> FLocks;       // the lock list: handles Lock handed out
 };
 
 }  // namespace CTTables

@@ -1,9 +1,14 @@
 // TCTTable: life cycle, properties and field definitions of the table dataset (dataset, unit CTTables).
 #include "TCTTable.h"
 
+#include <filesystem>
+#include <utility>
+
 #include "CtError.h"
 #include "FilterProgram.h"
+#include "StringUtils.h"
 #include "TClassInfo.h"
+#include "TCTBatchCopy.h"
 #include "TCTConnection.h"
 #include "TCTMasterDataLink.h"
 #include "TDataSource.h"
@@ -12,7 +17,10 @@ namespace CTTables {
 
 namespace {
 
-[[maybe_unused]] const bool kRegistered = (fw::RegisterClass(TCTTable::StaticClass()), true);
+// The batch copy is registered with the table, so that every program that can read a table from
+// a form can read a batch copy too.
+[[maybe_unused]] const bool kRegistered =
+    (fw::RegisterClasses({&TCTTable::StaticClass(), &TCTBatchCopy::StaticClass()}), true);
 
 // Open mode bits of the connection's OpenCursor.
 constexpr int32_t kOpenShared = 1;
@@ -76,9 +84,30 @@ void TCTTable::SetTableName(const std::string& Value) {
 }
 
 void TCTTable::SetDatabase(const std::string& Value) {
+  if (ComponentState().Contains(fw::csLoading)) {
+    // Applied in Loaded, after TableName: a text naming a file must win over the name read.
+    FPendingDatabase = Value;
+    FHasPendingDatabase = true;
+    return;
+  }
+  FHasPendingDatabase = false;
+  FPendingDatabase.clear();
+  ApplyDatabase(Value);
+}
+
+void TCTTable::ApplyDatabase(const std::string& Value) {
   CheckInactive();
-  if (Value != FDatabase) {
-    FDatabase = Value;
+  std::string directory = Value;
+  std::string tableName;
+  // A directory given without its trailing "/" stays a directory: only a text that names no
+  // directory is split into the directory and the table's file name.
+  if (!FIsSuperFile && !Value.empty() && Value.back() != fw::PathDelim && !fw::DirectoryExists(Value)) {
+    directory = fw::ExtractFilePath(Value);
+    tableName = fw::ExtractFileName(Value);
+  }
+  if (!tableName.empty()) SetTableName(tableName);
+  if (directory != FDatabase) {
+    FDatabase = directory;
     FIndexDefs->SetUpdated(false);
     FieldDefs()->SetUpdated(false);
   }
@@ -100,6 +129,11 @@ void TCTTable::SetIsSuperFile(bool Value) {
 }
 
 void TCTTable::Loaded() {
+  // The database first: the base opens a table streamed as active.
+  if (FHasPendingDatabase) {
+    FHasPendingDatabase = false;
+    ApplyDatabase(std::exchange(FPendingDatabase, std::string()));
+  }
   Ctdb::TCTCustomDataSet::Loaded();
   // Passed as a copy: SetMasterFields empties the pending text.
   if (!FPendingMasterFields.empty()) SetMasterFields(std::string(FPendingMasterFields));
@@ -125,7 +159,9 @@ void TCTTable::InternalOpen() {
   Ctdb::TCTConnection& conn = *Connection();
   conn.SetActive(true);
 
-  const int32_t opened = conn.OpenCursor(FCursor, FTableName, FDatabase, OpenFlags());
+  std::string directory, name;
+  StorageNames(directory, name);
+  const int32_t opened = conn.OpenCursor(FCursor, name, directory, OpenFlags());
   if (opened == kAlignmentMismatch) CTDbIntf::CtErrorFmt(kAlignmentMismatch, {fw::Variant(FTableName)});
   CTDbIntf::CtError(opened);
 
@@ -165,6 +201,8 @@ void TCTTable::InternalClose() {
   Ctdb::TCTCustomDataSet::InternalClose();
   FOpenFlag = Ctdb::ofClosing;
   UnlockEditedRecord();
+  // Closing the files ends their record locks: the handles no longer hold anything.
+  FreeLocks();
   if (FCursor != nullptr && Connection() != nullptr) {
     // Closing never throws; a cursor the driver could not close is dropped with the session.
     static_cast<void>(Connection()->CloseCursor(FCursor));
@@ -191,7 +229,32 @@ int32_t TCTTable::OpenFlags() const { return (FExclusive ? 0 : kOpenShared) | (F
 void TCTTable::OpenTemporaryCursor(std::unique_ptr<Ctdb::TCTCursorDesc>& Cursor) {
   if (FTableName.empty()) CTDbIntf::CtError(kNoTableName);
   Conn().SetActive(true);
-  CTDbIntf::CtError(Conn().OpenCursor(Cursor, FTableName, FDatabase, OpenFlags()));
+  std::string directory, name;
+  StorageNames(directory, name);
+  CTDbIntf::CtError(Conn().OpenCursor(Cursor, name, directory, OpenFlags()));
+}
+
+void TCTTable::StorageNames(std::string& Directory, std::string& Name) const {
+  Directory = FDatabase;
+  Name = FTableName;
+  const bool namesFile = !FDatabase.empty() && FDatabase.back() != fw::PathDelim && !fw::DirectoryExists(FDatabase);
+  if (FIsSuperFile && namesFile && FTableName.find('!') == std::string::npos) {
+    Directory = fw::ExtractFilePath(FDatabase);
+    Name = fw::ExtractFileName(FDatabase) + "!" + FTableName;
+  }
+}
+
+std::string TCTTable::StorageFileName() const {
+  if (Connection() == nullptr || FTableName.empty()) return std::string();
+  std::string directory, name;
+  StorageNames(directory, name);
+  // BuildFullPath may end the name with a NUL where a dot was: the C string is the name.
+  const std::string full = Connection()->BuildFullPath(directory, name).c_str();
+  // Resolved through links, so that two spellings of one file compare equal.
+  std::error_code failed;
+  std::filesystem::path resolved = std::filesystem::weakly_canonical(full, failed);
+  if (failed) resolved = std::filesystem::absolute(full, failed).lexically_normal();
+  return resolved.string();
 }
 
 void TCTTable::InternalInitFieldDefs() {

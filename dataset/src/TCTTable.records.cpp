@@ -284,9 +284,13 @@ void TCTTable::InternalEdit() {
   // shared one locks the record and then reads it again, so that the user edits what is stored
   // now and not what was fetched before another user's change.
   if (!FExclusive && FEditLock == 0) {
-    int32_t handle = 0;
-    CTDbIntf::CtError(conn.LockRecord(FCursor.get(), handle));
-    FEditLock = handle;
+    // A record the application holds with Lock needs no lock of the edit's own, which the post
+    // would free: the application's lock must outlast the edit.
+    if (!LockedByHandle(BookmarkOf(active->GetBookmark()))) {
+      int32_t handle = 0;
+      CTDbIntf::CtError(conn.LockRecord(FCursor.get(), handle));
+      FEditLock = handle;
+    }
     const int32_t reread = conn.GetCurrentRecord(FCursor.get(), Ctdb::dbiNOLOCK, active);
     if (reread != 0) {
       UnlockEditedRecord();

@@ -123,6 +123,10 @@ void TCTTable::CreateTable() {
     }
   }
 
+  // The new table numbers its fields by position: definitions copied from another layout may
+  // still carry their old numbers, which the index keys below are looked up by.
+  for (int i = 0; i < fieldDefs.Count(); ++i) fieldDefs.Items(i)->SetFieldNo(i + 1);
+
   Ctdb::CTTblDesc desc;
   desc.TableType = "CTree";
   desc.Name = FTableName;
@@ -162,7 +166,9 @@ void TCTTable::CreateTable() {
 void TCTTable::DeleteTable() {
   Close();
   Conn().SetActive(true);  // a table that was never opened has not activated it
-  CTDbIntf::CtError(Conn().DeleteTable(FDatabase, FTableName));
+  std::string directory, name;
+  StorageNames(directory, name);
+  CTDbIntf::CtError(Conn().DeleteTable(directory, name));
 }
 
 void TCTTable::AddIndex(const std::string& Name, const std::string& Fields, const std::string& Expression,
@@ -172,6 +178,16 @@ void TCTTable::AddIndex(const std::string& Name, const std::string& Fields, cons
   Ctdb::CTIdxDesc desc;
   EncodeIndexDesc(desc, Name, Fields, Expression, Flag4, Flag5, Options);
   CTDbIntf::CtError(Conn().AddIndex(FCursor.get(), &desc));
+}
+
+void TCTTable::OpenIndex(const std::string& IndexFileName) {
+  CheckActive();
+  IndexDefs()->SetUpdated(false);
+  Ctdb::CTIdxDesc opened;
+  CTDbIntf::CtError(Conn().OpenIndex(FCursor.get(), IndexFileName, &opened));
+  // The driver fills a descriptor of the opened index: it becomes the current one, and the
+  // cursor follows, so that IndexName and the order agree.
+  SetIndexName(opened.Name);
 }
 
 void TCTTable::DeleteIndex(const std::string& Name) {

@@ -221,5 +221,29 @@ TEST_F(Restructure, IndexesOfTheTablesOwnSetAreDeletedAndTheOthersStayIntact) {
   EXPECT_EQ(IdsToEnd(*table), byCity);
 }
 
+TEST_F(Restructure, OpenIndexAddsAnIndexFileOfTheSameLayoutAsCurrentIndex) {
+  FillPeople();
+  TCTTable* side = NewTable();
+  side->SetTableName("side");
+  TCTTable* people = NewTable();
+  people->FieldDefs()->Update();
+  side->FieldDefs()->Assign(*people->FieldDefs());
+  side->IndexDefs()->Add("SideAmount", "AMOUNT", "", true, false, {});
+  side->CreateTable();
+
+  TCTTable* table = NewTable();
+  EXPECT_THROW(table->OpenIndex("side.idx"), fw::EDatabaseError);  // the table must be open
+  table->Open();
+  EXPECT_EQ(ErrorOf([&] { table->OpenIndex("nosuch.idx"); }), 12);
+  EXPECT_EQ(table->IndexName(), "ById");
+  table->OpenIndex("side.idx");
+  EXPECT_EQ(table->IndexName(), "side");
+  table->First();
+  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));  // by AMOUNT
+  table->SetIndexName("ByName");
+  table->First();
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Aino");
+}
+
 }  // namespace
 }  // namespace CTTables::testing

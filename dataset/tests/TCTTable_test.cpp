@@ -1,5 +1,6 @@
 // TCTTable: opening, browsing, editing, bookmarks and record numbers over real engine files.
 #include <algorithm>
+#include <filesystem>
 
 #include "TableTestSupport.h"
 #include "TField.h"
@@ -363,6 +364,80 @@ TEST_F(Table, FormFileConfiguresAndOpensATable) {
   ASSERT_NE(table, nullptr);
   EXPECT_TRUE(table->Active());
   EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Aino");
+}
+
+TEST_F(Table, DatabaseTextGivesDirectoryAndTableName) {
+  FillPeople();
+  TCTTable* table = NewTable();
+  const std::string dir = Dir.string();
+  table->SetDatabase(dir + "/people.dat");
+  EXPECT_EQ(table->Database(), dir + "/");
+  EXPECT_EQ(table->TableName(), "people.dat");
+  table->SetTableName("people");
+  table->SetDatabase(dir);  // an existing directory, without its "/"
+  EXPECT_EQ(table->Database(), dir);
+  EXPECT_EQ(table->TableName(), "people");
+  table->Open();
+  EXPECT_THROW(table->SetDatabase(dir + "/"), fw::EDatabaseError);
+  EXPECT_THROW(table->SetIsSuperFile(true), fw::EDatabaseError);
+  EXPECT_EQ(table->Database(), dir);
+  table->Close();
+
+  // Read from a form, the text is applied after TableName, so a file name in it wins.
+  fw::RegisterClass(TPeopleForm::StaticClass());
+  const std::string form = "object Root: TPeopleForm\n"
+                           "  object Db: TCTConnection\n"
+                           "  end\n"
+                           "  object People: TCTTable\n"
+                           "    Connection = Db\n"
+                           "    Database = '" + dir + "/people'\n"
+                           "    TableName = 'orders'\n"
+                           "    Active = True\n"
+                           "  end\n"
+                           "end\n";
+  fw::TComponentPtr<fw::TComponent> root(fw::ReadComponentText(form));
+  auto* loaded = dynamic_cast<TCTTable*>(root->FindComponent("People"));
+  ASSERT_NE(loaded, nullptr);
+  EXPECT_EQ(loaded->TableName(), "people");
+  EXPECT_EQ(loaded->Database(), dir + "/");
+  EXPECT_EQ(loaded->RecordCount(), 10);
+}
+
+TEST_F(Table, SuperFileTableLivesAsAMemberOfTheFileDatabaseNames) {
+  TCTTable* table = NewTable();
+  table->SetIsSuperFile(true);
+  const std::string host = (Dir / "store.sup").string();
+  table->SetDatabase(host);
+  EXPECT_EQ(table->Database(), host);  // kept whole
+  table->SetTableName("members");
+  table->FieldDefs()->Add("ID", fw::ftInteger);
+  table->IndexDefs()->Add("ById", "ID", "", true, false, {fw::ixPrimary, fw::ixUnique});
+  table->CreateTable();
+  EXPECT_TRUE(std::filesystem::exists(host));
+  table->Open();
+  table->AppendRecord({fw::Variant(int32_t{5})});
+  table->Close();
+  EXPECT_FALSE(std::filesystem::exists(Dir / "members"));
+
+  TCTTable* again = NewTable();
+  again->SetIsSuperFile(true);
+  again->SetDatabase(host);
+  again->SetTableName("members");
+  again->Open();
+  EXPECT_EQ(again->RecordCount(), 1);
+  // A member is rebuilt inside its host, here with the table's own index definitions.
+  fw::TFieldDefs layout(nullptr);
+  layout.Add("ID", fw::ftInteger);
+  layout.Add("NOTE", fw::ftString, 10);
+  again->UpdateIndexDefs();
+  again->Rebuild(layout, *again->IndexDefs());
+  EXPECT_EQ(again->RecordCount(), 1);
+  EXPECT_NE(again->FindField("NOTE"), nullptr);
+  EXPECT_TRUE(again->FindKey({fw::Variant(int32_t{5})}));
+  for (const auto& entry : std::filesystem::directory_iterator(Dir))
+    EXPECT_EQ(entry.path().filename().string().rfind("store.sup", 0), 0u) << entry.path();
+  again->DeleteTable();
+  EXPECT_EQ(ErrorOf([&] { again->Open(); }), 12);
 }
 
 }  // namespace

@@ -67,7 +67,9 @@ TEST_F(CTreeRegTest, DatabaseDialogNeedsAConnectionAndOffersTheFilesOfTheKind) {
   EditorFor(table, "Database")->Edit();  // cancelled
   EXPECT_EQ(Designer->ShownFilter, "DataFiles|*.dat");
   EXPECT_EQ(Designer->ShownFileName, "/srv/ledger/*.dat");
-  EXPECT_EQ(table->Database(), "/srv/ledger/old.dat");
+  // A Database text naming a file gives the table its folder and its name.
+  EXPECT_EQ(table->Database(), "/srv/ledger/");
+  EXPECT_EQ(table->TableName(), "old.dat");
 
   table->SetIsSuperFile(true);
   Designer->ChosenFile = "/srv/ledger/books.sup";

@@ -59,7 +59,8 @@ void DesignTest::CreateTable(const std::string& tableName, const std::vector<std
                              const std::string& superFile) {
   fw::TComponentPtr<CTTables::TCTTable> table(new CTTables::TCTTable(nullptr));
   table->SetConnection(Conn);
-  // A Database naming a file rather than a directory makes the table a member of that file.
+  // A super-file table's Database names the super file and its TableName the member.
+  table->SetIsSuperFile(!superFile.empty());
   table->SetDatabase((superFile.empty() ? Dir : Dir / superFile).string());
   table->SetTableName(tableName);
   for (const std::string& f : fields) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "CTCurProps.h"
@@ -326,8 +327,9 @@ class TCTConnection : public fw::TComponent {
   /// a failed create leaves no files. 1115 no fields, 1116, 1137 bad key field, 802 a field with
   /// no c-tree form, 17 exists.
   int32_t CreateTable(const std::string& path, bool overwrite, CTTblDesc& desc);
-  /// Rebuilds the closed file set `ifil` in place (RBLIFIL).
-  int32_t RebuildTable(const IfilDefinition& ifil);
+  /// Rebuilds the closed file set `ifil` in place: RBLIFIL (data file pfilnam + ".dat"), or with
+  /// `dataExt` given RBLIFILX with that data extension ("" for a data file named pfilnam).
+  int32_t RebuildTable(const IfilDefinition& ifil, const std::optional<std::string>& dataExt = std::nullopt);
   /// Asks the hook whether the buffer's record belongs in `index` and adds its key for the
   /// current record if so (0 for a refusal too). 1137 null index.
   int32_t AddIndexKey(TCTCursorDesc* cursor, CTIdxDesc* index, TCTCustomRecordBuffer* buffer);

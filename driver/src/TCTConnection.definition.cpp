@@ -174,11 +174,15 @@ int32_t TCTConnection::CreateTable(const std::string& path, bool overwrite, CTTb
   return result;
 }
 
-int32_t TCTConnection::RebuildTable(const IfilDefinition& ifil) {
+int32_t TCTConnection::RebuildTable(const IfilDefinition& ifil, const std::optional<std::string>& dataExt) {
   if (!Active()) return kCtNotActive;
   try {
     IfilImage image(ifil, RecordPacking());
-    return CTDbIntf::RebuildIFile(Alignment(), image.Data());
+    if (!dataExt) return CTDbIntf::RebuildIFile(Alignment(), image.Data());
+    std::string extension = *dataExt;
+    std::string indexExt;
+    return CTDbIntf::RebuildIFileXtd(Alignment(), image.Data(), extension.data(), indexExt.data(), kPermissionMask,
+                                     nullptr, CText(Password()));
   } catch (const std::bad_alloc&) {
     return kCtOutOfMemory;
   }

@@ -42,6 +42,12 @@ struct ImportOptions {
   std::string DateFormat;            ///< the CSV's date order and separator, e.g. "dd.mm.yyyy"
 };
 
+struct CopyOptions {
+  CopyMode Mode = CopyMode::Copy;
+  bool Replace = false;      ///< Copy mode: an existing destination is replaced, its records deleted
+  bool StopOnError = false;  ///< the first rejected record ends the copy
+};
+
 /// The part of an index an `export` or `list` reads.
 struct ReadOptions {
   std::string Index;                 ///< empty: the table's first index
@@ -80,6 +86,18 @@ struct ListOptions {
 ///   the resume point is printed and the exit code is 128 + the signal's number.
 /// - check: opens the table exclusively and has every page of its data file read in a separate
 ///   process; prints one line when they all read through, raises (number 803) when not.
+/// - copy: moves the source's records into the destination as CopyOptions say; Copy mode onto
+///   an existing destination raises ToolError(kExitUsage) unless `Replace` is set. Each rejected
+///   record is listed with its reason; returns kExitRejected when any was. When a failure ends
+///   the copy, the summary says how many records it left in the destination, and the failure's
+///   exit code is returned.
+/// - rebuild: rebuilds the table's files in place; the table must not be open anywhere.
+/// - alter: checks the definitions as create does, then gives the table the new layout with its
+///   records. A rejected record or any failure leaves the table unchanged (kExitRejected for a
+///   rejected record, else the failure's code).
+/// Whether the table's files are there (opening it answers 12 when they are not); other
+/// failures of the open are raised.
+bool TableExists(TableBackend& backend, const TableRef& table);
 /// What create does before it prints: checks the definitions, refuses an existing table unless
 /// `options.Replace` is set, then creates the table. Import with fields calls it too.
 void CreateTable(TableBackend& backend, const TableRef& table, const CreateOptions& options);
@@ -96,5 +114,10 @@ ExitCode RunInfo(TableBackend& backend, const TableRef& table, bool asCreate, Co
 /// "ctt create NAME -f a:integer,b:string:20 -x byid:a:primary", quoted for a POSIX shell.
 std::string CreateCommand(const std::string& name, const TableInfo& info);
 ExitCode RunCheck(TableBackend& backend, const TableRef& table, Console& console);
+ExitCode RunCopy(TableBackend& backend, const TableRef& source, const TableRef& destination,
+                 const CopyOptions& options, Console& console);
+ExitCode RunRebuild(TableBackend& backend, const TableRef& table, Console& console);
+ExitCode RunAlter(TableBackend& backend, const TableRef& table, const std::vector<FieldDefinition>& fields,
+                  const std::vector<IndexDefinition>& indexes, Console& console);
 
 }  // namespace ctt

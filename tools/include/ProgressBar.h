@@ -16,6 +16,8 @@ class ProgressBar {
   /// input), 0 when unknown (a pipe): then only the count and the rate are shown.
   ProgressBar(std::ostream& out, bool isTerminal, std::uint64_t total);
 
+  /// Sets the amount of work, for work whose size is known only once it has begun.
+  void SetTotal(std::uint64_t total) { FTotal = total; }
   /// Reports `done` units of work and `rows` rows handled; redraws when due.
   void Update(std::uint64_t done, std::uint64_t rows);
   /// Erases the bar so that another line can be printed; the next Update draws it again.

@@ -103,6 +103,32 @@ class TableCursor {
 /// How a table is opened.
 enum class OpenMode { ReadOnly, ReadWrite, Exclusive };
 
+/// What a bulk copy does with each source record: Copy creates the destination anew with the
+/// source's fields and indexes and adds every record; Append adds every record; Update rewrites
+/// the destination record with the same unique key (others are passed over); AppendUpdate
+/// rewrites or adds; Delete deletes the destination record with the same unique key.
+enum class CopyMode { Copy, Append, Update, AppendUpdate, Delete };
+
+/// Told how a copy or a restructuring goes while it runs.
+class BatchObserver {
+ public:
+  virtual ~BatchObserver() = default;
+  /// `done` records of `total` are handled (total 0 when unknown).
+  virtual void Progress(std::uint64_t done, std::uint64_t total) = 0;
+  /// Record `recordNo` (1-based, in the order the source is read), described by `record` (its
+  /// first field, "ID 7"), failed for `reason` and left no trace. Returns whether to go on with
+  /// the next record; false ends the batch with that failure raised.
+  virtual bool Rejected(std::uint64_t recordNo, const std::string& record, const std::string& reason) = 0;
+};
+
+/// What a batch did: records read from the source, records that changed the destination
+/// (added, rewritten or deleted), and records rejected.
+struct BatchResult {
+  std::uint64_t Read = 0;
+  std::uint64_t Written = 0;
+  std::uint64_t Rejected = 0;
+};
+
 /// Creates, deletes and opens tables with the settings it was made with.
 class TableBackend {
  public:
@@ -116,6 +142,27 @@ class TableBackend {
   virtual void DeleteTable(const TableRef& table) = 0;
   /// Opens the table. Raises (number 12) when it does not exist.
   virtual std::unique_ptr<TableCursor> Open(const TableRef& table, OpenMode mode) = 0;
+
+  /// Moves the records of `source` (read in its first index's order) into `destination` as
+  /// `mode` says, matching records for Update, AppendUpdate and Delete through a unique index of
+  /// the destination and fields by name. Each record that fails goes to `observer`. `result` is
+  /// kept up to date, also when the copy raises: changes are committed in batches, and when a
+  /// failure ends the copy the records counted as written are exactly those it left in the
+  /// destination. Raises for the failure that ends it (1131 when both name the same table, 1132
+  /// when the destination has no unique index to match with). The base raises
+  /// ToolError(kExitUnavailable).
+  virtual void CopyTable(const TableRef& source, const TableRef& destination, CopyMode mode, BatchObserver& observer,
+                         BatchResult& result);
+  /// Rebuilds the table's data and index files in place (every index made again from the
+  /// records). The table must not be open anywhere. The base raises ToolError(kExitUnavailable).
+  virtual void RebuildTable(const TableRef& table);
+  /// Gives `table` these fields and indexes and keeps its records (fields carried over by name).
+  /// The records are copied into new files that replace the table's only when complete: when a
+  /// record is rejected (`observer` is told) or anything fails, the table stays as it was and
+  /// the failure is raised. `result` as for CopyTable. The base raises
+  /// ToolError(kExitUnavailable).
+  virtual void AlterTable(const TableRef& table, const std::vector<FieldDefinition>& fields,
+                          const std::vector<IndexDefinition>& indexes, BatchObserver& observer, BatchResult& result);
 };
 
 /// The backend of this build: TCTTable tables on a TCTConnection configured by ConnectionSetup

@@ -1,6 +1,7 @@
-// The tool's structural subcommands: create, drop, add-index, drop-index, info (tools layer).
+// The tool's structural subcommands: create, drop, add-index, drop-index, info, check, rebuild, alter (tools layer).
 #include <ostream>
 
+#include "BatchProgress.h"
 #include "Commands.h"
 #include "ECtreeException.h"
 #include "StringUtils.h"
@@ -17,7 +18,8 @@ std::string Plural(std::size_t n, const char* one, const char* many) {
   return std::to_string(n) + " " + (n == 1 ? one : many);
 }
 
-// Whether the table's files are there: opening answers 12 when they are not.
+}  // namespace
+
 bool TableExists(TableBackend& backend, const TableRef& table) {
   try {
     (void)backend.Open(table, OpenMode::ReadOnly);
@@ -27,8 +29,6 @@ bool TableExists(TableBackend& backend, const TableRef& table) {
   }
   return true;
 }
-
-}  // namespace
 
 void CreateTable(TableBackend& backend, const TableRef& table, const CreateOptions& options) {
   if (options.Fields.empty()) throw UsageError("a table needs at least one field (--field name:type[:size])");
@@ -80,6 +80,43 @@ ExitCode RunDropIndex(TableBackend& backend, const TableRef& table, const std::s
 ExitCode RunCheck(TableBackend& backend, const TableRef& table, Console& console) {
   backend.Open(table, OpenMode::Exclusive)->Verify();
   console.Out << "table " << table.Display() << ": every page reads back\n";
+  CheckWritten(console.Out, "standard output");
+  return kExitOk;
+}
+
+ExitCode RunRebuild(TableBackend& backend, const TableRef& table, Console& console) {
+  // One storage call does the work: there is no progress to show, only the outcome.
+  const BatchProgress clock(console, "rebuild", false);
+  backend.RebuildTable(table);
+  const TableInfo info = backend.Open(table, OpenMode::ReadOnly)->Info();
+  console.Out << "rebuilt " << table.Display() << ": " << Plural(info.Indexes.size(), "index", "indexes")
+              << " made anew from " << Plural(static_cast<std::size_t>(info.RecordCount), "record", "records")
+              << clock.Timing(static_cast<std::uint64_t>(info.RecordCount)) << '\n';
+  CheckWritten(console.Out, "standard output");
+  return kExitOk;
+}
+
+ExitCode RunAlter(TableBackend& backend, const TableRef& table, const std::vector<FieldDefinition>& fields,
+                  const std::vector<IndexDefinition>& indexes, Console& console) {
+  if (fields.empty()) throw UsageError("a table needs at least one field (--field name:type[:size])");
+  for (const IndexDefinition& index : indexes) CheckIndexFields(index, fields);
+  // A rejected record stops the change: going on would leave it out of the new table.
+  BatchProgress progress(console, "alter", false);
+  BatchResult result;
+  try {
+    backend.AlterTable(table, fields, indexes, progress, result);
+  } catch (...) {
+    progress.Clear();
+    const ErrorReport report = DescribeException(std::current_exception());
+    // A rejected record was listed with its reason already, which is the failure raised.
+    if (!progress.AnyRejected()) console.Err << "ctt: alter: " << report.Message << '\n';
+    console.Err << "ctt: alter: table " << table.Display() << " is unchanged\n";
+    return progress.AnyRejected() ? kExitRejected : report.Code;
+  }
+  progress.Finish();
+  console.Out << "altered " << table.Display() << ": " << Plural(result.Written, "record", "records") << " now with "
+              << Plural(fields.size(), "field", "fields") << " and " << Plural(indexes.size(), "index", "indexes")
+              << progress.Timing(result.Written) << '\n';
   CheckWritten(console.Out, "standard output");
   return kExitOk;
 }

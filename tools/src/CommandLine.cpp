@@ -16,9 +16,10 @@ namespace ctt {
 namespace {
 
 constexpr const char* kDescription =
-    "ctt: creates c-tree tables, loads CSV into them, lists, exports and describes them.\n"
+    "ctt: creates c-tree tables, loads CSV into them, lists, exports and describes them, copies\n"
+    "records between tables and changes a table's layout with its records.\n"
     "Exit codes: 0 success, 1 internal error, 2 usage error, 3 file or CSV error, 4 storage error,\n"
-    "5 table or index not found, 6 import rows rejected, 7 not available in this build,\n"
+    "5 table or index not found, 6 import rows or copied records rejected, 7 not available in this build,\n"
     "130/143 import stopped by SIGINT/SIGTERM.";
 
 // Everything the command line sets; the parsers of definitions and keys run after CLI11.
@@ -30,7 +31,9 @@ struct Parsed {
   std::string UserName, Password, ServerName, DataDir, TempDir, DataExt, IndexExt, SuperFileExt;
   std::vector<std::string> FieldTexts, IndexTexts, Columns;
   std::string IndexText, IndexName, From, To, Find, File, Filter, Separator = ",";
+  std::string Destination, Mode = "copy";
   ImportOptions Import;
+  CopyOptions Copy;
   ListOptions List;
   bool Replace = false;
   std::string Format, LineEnd, InfoFormat, TrueTexts, FalseTexts;
@@ -97,6 +100,26 @@ KeyValues ParseKey(const std::string& text, const char* option) {
     throw UsageError(std::string(option) + " '" + text + "': " + what.substr(what.find(": ") + 2));
   }
   return values;
+}
+
+CopyMode ParseCopyMode(const std::string& text) {
+  const std::pair<const char*, CopyMode> modes[] = {{"copy", CopyMode::Copy},
+                                                    {"append", CopyMode::Append},
+                                                    {"update", CopyMode::Update},
+                                                    {"append-update", CopyMode::AppendUpdate},
+                                                    {"delete", CopyMode::Delete}};
+  for (const auto& [name, mode] : modes)
+    if (fw::SameText(text, name)) return mode;
+  throw UsageError("--mode '" + text + "': use copy, append, update, append-update or delete");
+}
+
+// The destination of copy: in the source's folder (and superfile), unless the text has a folder.
+TableRef DestinationRef(const TableRef& source, const std::string& text) {
+  if (text.empty()) throw UsageError("the destination table name is empty");
+  const std::size_t slash = text.rfind('/');
+  if (slash == std::string::npos) return {source.Directory, text, source.SuperFile};
+  if (slash + 1 == text.size()) throw UsageError("destination '" + text + "' names a folder, not a table");
+  return {text.substr(0, slash == 0 ? 1 : slash), text.substr(slash + 1), std::string()};
 }
 
 char ParseSeparator(const std::string& text) {
@@ -249,6 +272,18 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
   dropIndex->add_option("index", p.IndexName, "The index's name")->required();
   CLI::App* drop = AddCommand(app, "drop", "Delete a table's files", p);
 
+  CLI::App* copy = AddCommand(app, "copy", "Copy, append, update or delete records of one table in another", p);
+  copy->add_option("destination", p.Destination, "The table written (in --dir unless it has a folder: dir/name)")
+      ->required();
+  copy->add_option("--mode", p.Mode, "copy (default), append, update, append-update or delete");
+  copy->add_flag("--replace", p.Copy.Replace, "With --mode copy: replace an existing destination, deleting its records");
+  copy->add_flag("--stop-on-error", p.Copy.StopOnError, "Stop at the first rejected record");
+  CLI::App* rebuild = AddCommand(app, "rebuild", "Rebuild a table's data and index files in place", p);
+  CLI::App* alter = AddCommand(app, "alter", "Give a table new fields and indexes, keeping its records", p);
+  alter->add_option("--field,-f", p.FieldTexts, "name:type[:size], several comma-separated: the new fields")
+      ->required();
+  alter->add_option("--index,-x", p.IndexTexts, "name:field[;field...][:options]: the new indexes");
+
   try {
     std::vector<std::string> reversed(args.size() > 1 ? args.begin() + 1 : args.end(), args.end());
     std::reverse(reversed.begin(), reversed.end());
@@ -339,6 +374,16 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
     if (chosen == addIndex) return RunAddIndex(*factory(p.Connection), p.Table, ParseIndexDefinition(p.IndexText), console);
     if (chosen == dropIndex) return RunDropIndex(*factory(p.Connection), p.Table, p.IndexName, console);
     if (chosen == drop) return RunDrop(*factory(p.Connection), p.Table, console);
+    if (chosen == copy) {
+      CopyOptions options = p.Copy;
+      options.Mode = ParseCopyMode(p.Mode);
+      if (options.Replace && options.Mode != CopyMode::Copy) throw UsageError("--replace goes with --mode copy only");
+      return RunCopy(*factory(p.Connection), p.Table, DestinationRef(p.Table, p.Destination), options, console);
+    }
+    if (chosen == rebuild) return RunRebuild(*factory(p.Connection), p.Table, console);
+    if (chosen == alter)
+      return RunAlter(*factory(p.Connection), p.Table, ParseFieldDefinitions(p.FieldTexts),
+                      ParseIndexDefinitions(p.IndexTexts), console);
     throw ToolError(kExitInternal, "no handler for command '" + name + "'");
   } catch (...) {
     const ErrorReport report = DescribeException(std::current_exception());

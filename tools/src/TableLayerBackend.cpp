@@ -27,6 +27,51 @@ constexpr std::int32_t kFileNotFound = 12;
 
 std::vector<fw::Variant> Values(const KeyValues& key) { return {key.begin(), key.end()}; }
 
+// Fills the framework's definitions from the tool's. Flag4 set: the engine maintains the keys.
+void Define(fw::TFieldDefs& fieldDefs, CTTables::TCTIndexDefs& indexDefs, const std::vector<FieldDefinition>& fields,
+            const std::vector<IndexDefinition>& indexes) {
+  for (const FieldDefinition& field : fields) {
+    fw::TFieldDef* def = fieldDefs.Add(field.Name, field.DataType, field.Size);
+    if (field.Precision > 0) def->SetPrecision(field.Precision);
+  }
+  for (const IndexDefinition& index : indexes)
+    indexDefs.Add(index.Name, index.FieldsText(), "", true, false, index.Options());
+}
+
+static_assert(static_cast<int>(CopyMode::Copy) == CTTables::cmCopy &&
+                  static_cast<int>(CopyMode::AppendUpdate) == CTTables::cmAppendUpdate &&
+                  static_cast<int>(CopyMode::Delete) == CTTables::cmDelete,
+              "CopyMode follows the batch copy's modes");
+
+// Keeps a BatchResult and a BatchObserver informed from the table layer's progress and error
+// events. A field that fails fails its record: the record is offered to the observer whole.
+class BatchEvents {
+ public:
+  BatchEvents(const fw::TDataSet& source, BatchObserver& observer, BatchResult& result, std::uint64_t total)
+      : FSource(source), FObserver(observer), FResult(result), FTotal(total) {}
+
+  void Progress(CTTables::TCTProgressStage stage, int32_t recNo) {
+    if (stage != CTTables::psRunning) return;
+    FResult.Read = static_cast<std::uint64_t>(recNo);
+    FObserver.Progress(FResult.Read, FTotal);
+  }
+
+  // Called inside the batch's handler of the failure, so the exception is the current one.
+  void Error(const fw::TField* field, bool& proceed) {
+    if (field != nullptr) return;
+    const fw::TField* first = FSource.FieldCount() > 0 ? FSource.Fields()->Fields(0) : nullptr;
+    const std::string record = first != nullptr ? first->FieldName() + " " + first->AsString() : std::string();
+    proceed = !FObserver.Rejected(FResult.Read + 1, record, DescribeException(std::current_exception()).Message);
+    if (!proceed) ++FResult.Rejected;
+  }
+
+ private:
+  const fw::TDataSet& FSource;
+  BatchObserver& FObserver;
+  BatchResult& FResult;
+  std::uint64_t FTotal;
+};
+
 class TableLayerCursor : public TableCursor {
  public:
   explicit TableLayerCursor(std::unique_ptr<CTTables::TCTTable> table) : FTable(std::move(table)) {}
@@ -201,13 +246,49 @@ class TableLayerBackend : public TableBackend {
   void CreateTable(const TableRef& ref, const std::vector<FieldDefinition>& fields,
                    const std::vector<IndexDefinition>& indexes) override {
     std::unique_ptr<CTTables::TCTTable> table = NewTable(ref);
-    for (const FieldDefinition& field : fields) {
-      fw::TFieldDef* def = table->FieldDefs()->Add(field.Name, field.DataType, field.Size);
-      if (field.Precision > 0) def->SetPrecision(field.Precision);
-    }
-    for (const IndexDefinition& index : indexes)
-      table->IndexDefs()->Add(index.Name, index.FieldsText(), "", true, false, index.Options());
+    Define(*table->FieldDefs(), *table->IndexDefs(), fields, indexes);
     table->CreateTable();
+  }
+
+  void CopyTable(const TableRef& sourceRef, const TableRef& destinationRef, CopyMode mode, BatchObserver& observer,
+                 BatchResult& result) override {
+    std::unique_ptr<CTTables::TCTTable> source = NewTable(sourceRef);
+    std::unique_ptr<CTTables::TCTTable> destination = NewTable(destinationRef);
+    source->Open();
+    BatchEvents events(*source, observer, result, static_cast<std::uint64_t>(std::max(source->RecordCount(), 0)));
+    CTTables::TCTBatchCopy copy(nullptr);
+    copy.SetSource(source.get());
+    copy.SetDestination(destination.get());
+    copy.SetCopyMode(static_cast<CTTables::TCTCopyMode>(mode));  // the same members in the same order
+    copy.SetOnProgress([&events](fw::TComponent*, CTTables::TCTProgressStage stage, int32_t recNo,
+                                 const std::string&) { events.Progress(stage, recNo); });
+    copy.SetOnCopyError([&events](fw::TComponent*, fw::TField* field, fw::TField*, const std::exception&,
+                                  bool& proceed) { events.Error(field, proceed); });
+    try {
+      copy.Execute();
+    } catch (...) {
+      result.Written = static_cast<std::uint64_t>(copy.RecordsCopied());
+      throw;
+    }
+    result.Written = static_cast<std::uint64_t>(copy.RecordsCopied());
+  }
+
+  void RebuildTable(const TableRef& ref) override { NewTable(ref)->RebuildLow(); }
+
+  void AlterTable(const TableRef& ref, const std::vector<FieldDefinition>& fields,
+                  const std::vector<IndexDefinition>& indexes, BatchObserver& observer, BatchResult& result) override {
+    std::unique_ptr<CTTables::TCTTable> table = NewTable(ref);
+    fw::TFieldDefs fieldDefs(nullptr);
+    CTTables::TCTIndexDefs indexDefs(nullptr);
+    Define(fieldDefs, indexDefs, fields, indexes);
+    table->Open();
+    BatchEvents events(*table, observer, result, static_cast<std::uint64_t>(std::max(table->RecordCount(), 0)));
+    table->SetOnRebuildProgress([&events](fw::TComponent*, CTTables::TCTProgressStage stage, int32_t recNo,
+                                          const std::string&) { events.Progress(stage, recNo); });
+    table->SetOnRebuildError([&events](fw::TComponent*, fw::TField* field, fw::TField*, const std::exception&,
+                                       bool& proceed) { events.Error(field, proceed); });
+    table->Rebuild(fieldDefs, indexDefs);
+    result.Written = static_cast<std::uint64_t>(std::max(table->RecordCount(), 0));
   }
 
   void DeleteTable(const TableRef& ref) override { NewTable(ref)->DeleteTable(); }

@@ -406,5 +406,62 @@ TEST_F(TableLayerTest, BatchesAreCommittedOrRolledBackAndTheImportResumes) {
   EXPECT_NE(out.str().find("records  5\n"), std::string::npos) << out.str();
 }
 
+TEST_F(TableLayerTest, CopyModesListRejectedRecordsAndSummarise) {
+  const std::string people = (dir / "people").string();
+  const std::string few = (dir / "few").string();
+  ASSERT_EQ(Run({"copy", "people", "staff"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str().rfind("records read 5, written 5, rejected 0 (copy " + people + " into ", 0), 0u) << out.str();
+  EXPECT_EQ(Run({"copy", "people", "staff"}), kExitUsage);  // copying replaces only on request
+  EXPECT_NE(err.str().find("already exists; --replace"), std::string::npos) << err.str();
+
+  ASSERT_EQ(Run({"create", "few", "-f", "ID:integer,NAME:string:20,CITY:string:16", "-x", "ById:ID:primary"}),
+            kExitOk);
+  std::ofstream(dir / "few.csv") << "ID,NAME,CITY\n1,Old,Narvik\n9,Nine,Bodo\n";
+  ASSERT_EQ(Run({"import", "few", (dir / "few.csv").string()}), kExitOk) << err.str();
+  EXPECT_EQ(Run({"copy", "people", "few", "--mode", "append"}), kExitRejected);
+  EXPECT_EQ(err.str(), "ctt: copy: record 1 (ID 1): Key value already exists (error 2)\n");
+  EXPECT_EQ(out.str().rfind("records read 5, written 4, rejected 1 (append " + people + " into " + few + ")", 0), 0u)
+      << out.str();
+  ASSERT_EQ(Run({"export", "few", "--to", "1"}), kExitOk);
+  EXPECT_EQ(out.str(), "ID,NAME,CITY\r\n1,Old,Narvik\r\n");
+  ASSERT_EQ(Run({"copy", "people", "few", "--mode", "update"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str().rfind("records read 5, written 5, rejected 0", 0), 0u) << out.str();
+  ASSERT_EQ(Run({"copy", "people", "few", "--mode", "delete"}), kExitOk) << err.str();
+  ASSERT_EQ(Run({"export", "few"}), kExitOk);
+  EXPECT_EQ(out.str(), "ID,NAME,CITY\r\n9,Nine,Bodo\r\n");
+
+  EXPECT_EQ(Run({"copy", "people", "staff", "--mode", "append", "--stop-on-error"}), kExitRejected);
+  EXPECT_EQ(err.str(), "ctt: copy: record 1 (ID 1): Key value already exists (error 2)\n"
+                       "ctt: copy: stopped; the 0 records written before are in " + (dir / "staff").string() + "\n");
+  EXPECT_EQ(Run({"copy", "people", "people", "--replace"}), kExitStorage);
+  EXPECT_EQ(err.str(), "ctt: copy: Batch source and destination are pointing to the same data (error 1131)\n");
+  ASSERT_EQ(Run({"info", "people"}), kExitOk);
+  EXPECT_NE(out.str().find("records  5\n"), std::string::npos) << out.str();
+  EXPECT_EQ(Run({"copy", "people", "staff", "--mode", "merge"}), kExitUsage);
+}
+
+TEST_F(TableLayerTest, AlterKeepsTheRecordsOrLeavesTheTableUnchangedAndRebuildWorksInPlace) {
+  const std::string people = (dir / "people").string();
+  EXPECT_EQ(Run({"alter", "people", "-f", "ID:integer,CITY:string:16", "-x", "OneCity:CITY:unique"}), kExitRejected);
+  EXPECT_EQ(err.str(), "ctt: alter: record 3 (ID 3): Key value already exists (error 2)\n"
+                       "ctt: alter: table " + people + " is unchanged\n");
+  EXPECT_EQ(Run({"alter", "people", "-f", "ID:integer", "-x", "ByZip:ZIP"}), kExitUsage);
+  ASSERT_EQ(Run({"export", "people", "--to", "1"}), kExitOk);
+  EXPECT_EQ(out.str(), "ID,NAME,CITY\r\n1,\"Arvid, Jr\",Bergen\r\n");
+
+  ASSERT_EQ(Run({"alter", "people", "-f", "ID:integer,CITY:string:16,EMAIL:string:30", "-x", "ById:ID:primary", "-x",
+                 "ByCity:CITY+ID"}),
+            kExitOk)
+      << err.str();
+  EXPECT_EQ(out.str().rfind("altered " + people + ": 5 records now with 3 fields and 2 indexes", 0), 0u) << out.str();
+  ASSERT_EQ(Run({"export", "people", "--index", "ByCity", "--to", "Bergen"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "ID,CITY,EMAIL\r\n1,Bergen,\r\n3,Bergen,\r\n");
+
+  ASSERT_EQ(Run({"rebuild", "people"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str().rfind("rebuilt " + people + ": 2 indexes made anew from 5 records", 0), 0u) << out.str();
+  ASSERT_EQ(Run({"list", "people", "--index", "ByCity", "-c", "ID"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(), "ID\n--\n 1\n 3\n 2\n 4\n 5\n(5 records)\n");
+}
+
 }  // namespace
 }  // namespace ctt
