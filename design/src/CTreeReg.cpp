@@ -3,6 +3,7 @@
 
 #include "Ctdb.h"
 #include "DesignIntf.h"
+#include "TCTBatchCopy.h"
 #include "TCTTable.h"
 
 namespace CTreeReg {
@@ -11,8 +12,7 @@ void Register() {
   const fw::TClassInfo& table = CTTables::TCTTable::StaticClass();
   fw::RegisterComponents(kPalettePage, {&Ctdb::TCTConnection::StaticClass()});
   fw::RegisterComponents(kPalettePage, {&table});
-  // The batch-copy component takes the third place on the page, between the table and the
-  // editors, as soon as the dataset layer provides it.
+  fw::RegisterComponents(kPalettePage, {&CTTables::TCTBatchCopy::StaticClass()});
   fw::RegisterPropertyEditor(fw::pkString, &table, "Database", TDatabaseEditor::EditorClass());
   fw::RegisterPropertyEditor(fw::pkString, &table, "TableName", TTableNameEditor::EditorClass());
   fw::RegisterPropertyEditor(fw::pkString, &table, "IndexName", TIndexEditor::EditorClass());

@@ -8,6 +8,7 @@
 
 #include "CTreeReg.h"
 #include "DesignTestSupport.h"
+#include "TCTBatchCopy.h"
 #include "TDataSource.h"
 
 namespace CTreeReg::testing {
@@ -32,7 +33,8 @@ TEST_F(CTreeRegTest, RegisterFillsThePageAndTheEditorsInOrderOnce) {
   const fw::TPalettePage* page = fw::ComponentPalette().FindPage("CTree");
   ASSERT_NE(page, nullptr);
   EXPECT_THAT(page->Classes,
-              ElementsAre(&Ctdb::TCTConnection::StaticClass(), &CTTables::TCTTable::StaticClass()));
+              ElementsAre(&Ctdb::TCTConnection::StaticClass(), &CTTables::TCTTable::StaticClass(),
+                          &CTTables::TCTBatchCopy::StaticClass()));
   EXPECT_EQ(fw::GetClass("TCTTable"), &CTTables::TCTTable::StaticClass());
 
   std::vector<std::string> registered;
