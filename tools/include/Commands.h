@@ -114,6 +114,9 @@ ExitCode RunInfo(TableBackend& backend, const TableRef& table, bool asCreate, Co
 /// "ctt create NAME -f a:integer,b:string:20 -x byid:a:primary", quoted for a POSIX shell.
 std::string CreateCommand(const std::string& name, const TableInfo& info);
 ExitCode RunCheck(TableBackend& backend, const TableRef& table, Console& console);
+/// tables: one line per table of `directory` (ListTables) with its record, field and index
+/// counts; a superfile's tables show as "superfile!table".
+ExitCode RunTables(TableBackend& backend, const std::string& directory, Console& console);
 ExitCode RunCopy(TableBackend& backend, const TableRef& source, const TableRef& destination,
                  const CopyOptions& options, Console& console);
 ExitCode RunRebuild(TableBackend& backend, const TableRef& table, Console& console);

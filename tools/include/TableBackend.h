@@ -163,6 +163,10 @@ class TableBackend {
   /// ToolError(kExitUnavailable).
   virtual void AlterTable(const TableRef& table, const std::vector<FieldDefinition>& fields,
                           const std::vector<IndexDefinition>& indexes, BatchObserver& observer, BatchResult& result);
+  /// The tables in folder `directory` (empty: the current one), by file name: each data file,
+  /// and each table of each superfile (as a member of it). Files that are neither are left out.
+  /// The base raises ToolError(kExitUnavailable).
+  virtual std::vector<TableRef> ListTables(const std::string& directory);
 };
 
 /// The backend of this build: TCTTable tables on a TCTConnection configured by ConnectionSetup

@@ -121,6 +121,22 @@ ExitCode RunAlter(TableBackend& backend, const TableRef& table, const std::vecto
   return kExitOk;
 }
 
+ExitCode RunTables(TableBackend& backend, const std::string& directory, Console& console) {
+  TablePrinter printer({"table", "records", "fields", "indexes"},
+                       {TablePrinter::Left, TablePrinter::Right, TablePrinter::Right, TablePrinter::Right}, 60);
+  const std::vector<TableRef> tables = backend.ListTables(directory);
+  for (const TableRef& table : tables) {
+    const TableInfo info = backend.Open(table, OpenMode::ReadOnly)->Info();
+    printer.AddRow({table.SuperFile.empty() ? table.Name : table.SuperFile + "!" + table.Name,
+                    std::to_string(info.RecordCount), std::to_string(info.Fields.size()),
+                    std::to_string(info.Indexes.size())});
+  }
+  printer.Print(console.Out);
+  console.Out << "(" << Plural(tables.size(), "table", "tables") << ")\n";
+  CheckWritten(console.Out, "standard output");
+  return kExitOk;
+}
+
 std::string CreateCommand(const std::string& name, const TableInfo& info) {
   // Quoted for a POSIX shell when it holds anything but the characters names are made of.
   auto quoted = [](const std::string& word) {

@@ -271,6 +271,8 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
   CLI::App* dropIndex = AddCommand(app, "drop-index", "Delete an index of a table", p);
   dropIndex->add_option("index", p.IndexName, "The index's name")->required();
   CLI::App* drop = AddCommand(app, "drop", "Delete a table's files", p);
+  CLI::App* tables = app.add_subcommand("tables", "List the tables of a folder, superfile members included");
+  tables->add_option("folder", p.Table.Directory, "The folder (default: --dir, else the current one)");
 
   CLI::App* copy = AddCommand(app, "copy", "Copy, append, update or delete records of one table in another", p);
   copy->add_option("destination", p.Destination, "The table written (in --dir unless it has a folder: dir/name)")
@@ -329,6 +331,7 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
     CLI::App* chosen = app.get_subcommands().front();
     name = chosen->get_name();
     CollectConnection(app, p);
+    if (chosen == tables) return RunTables(*factory(p.Connection), p.Table.Directory, console);
     if (p.Table.Name.empty()) throw UsageError("the table name is empty");
     if (chosen == create) {
       CreateOptions options{ParseFieldDefinitions(p.FieldTexts), ParseIndexDefinitions(p.IndexTexts), p.Replace};

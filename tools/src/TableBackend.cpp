@@ -26,6 +26,10 @@ void TableBackend::AlterTable(const TableRef&, const std::vector<FieldDefinition
   throw ToolError(kExitUnavailable, "changing a table's layout is not available with this table layer");
 }
 
+std::vector<TableRef> TableBackend::ListTables(const std::string&) {
+  throw ToolError(kExitUnavailable, "listing tables is not available with this table layer");
+}
+
 std::unique_ptr<TableBackend> MakeTableBackend(const ConnectionOptions& options) {
   return MakeTableLayerBackend(options);
 }

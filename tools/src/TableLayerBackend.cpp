@@ -2,6 +2,7 @@
 #include "TableLayerBackend.h"
 
 #include <algorithm>
+#include <filesystem>
 
 #include "CTTables.h"
 #include "CtRecords.h"
@@ -292,6 +293,40 @@ class TableLayerBackend : public TableBackend {
   }
 
   void DeleteTable(const TableRef& ref) override { NewTable(ref)->DeleteTable(); }
+
+  std::vector<TableRef> ListTables(const std::string& directory) override {
+    const std::string folder = directory.empty() ? "." : directory;
+    if (!fw::DirectoryExists(folder)) throw ToolError(kExitNotFound, "folder " + folder + " does not exist");
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+      if (entry.is_regular_file()) names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    const std::string& indexExt = FSetup.Connection().IndexExt();
+    const std::string indexSuffix = "." + (indexExt.empty() ? std::string("idx") : indexExt);
+    const std::string& dataExt = FSetup.Connection().DataExt();
+    const std::string dataSuffix = dataExt.empty() ? std::string() : "." + dataExt;
+    std::vector<TableRef> tables;
+    for (const std::string& name : names) {
+      // The engine's companions of a file: its index file, lock files and spill files.
+      if (name.ends_with(indexSuffix) || name.ends_with("-lock") || name.ends_with("-rlock") ||
+          name.find(".setspill") != std::string::npos || name.find(".partial") != std::string::npos)
+        continue;
+      const std::string path = (std::filesystem::path(folder) / name).string();
+      const std::vector<std::string> members = FSetup.Connection().SuperFileMembers(path);
+      for (const std::string& member : members) tables.push_back({directory, member, name});
+      if (!members.empty()) continue;
+      // With a DataExt the table is named without it, as commands take it.
+      if (!dataSuffix.empty() && !name.ends_with(dataSuffix)) continue;
+      const std::string table = name.substr(0, name.size() - dataSuffix.size());
+      try {
+        Open({directory, table, {}}, OpenMode::ReadOnly);
+        tables.push_back({directory, table, {}});
+      } catch (const std::exception&) {
+        // Not a table this connection can open: not listed.
+      }
+    }
+    return tables;
+  }
 
   std::unique_ptr<TableCursor> Open(const TableRef& ref, OpenMode mode) override {
     std::unique_ptr<CTTables::TCTTable> table = NewTable(ref);

@@ -228,6 +228,20 @@ TEST_F(TableLayerTest, ImportRejectsOverlongTextAndReadsTheGivenSpellings) {
   EXPECT_EQ(Run({"import", "notes", csv.string(), "--date-format", "dd.mm"}), kExitUsage);
 }
 
+TEST_F(TableLayerTest, TablesListsDataFilesAndSuperfileMembers) {
+  ASSERT_EQ(Run({"--superfile", "shop.sup", "create", "orders", "-f", "no:integer", "-x", "k:no:primary"}), kExitOk);
+  ASSERT_EQ(Run({"--superfile", "shop.sup", "create", "lines", "-f", "no:integer,qty:integer"}), kExitOk);
+  std::ofstream(dir / "notes.txt") << "not a table";
+  ASSERT_EQ(Run({"tables"}), kExitOk) << err.str();
+  EXPECT_EQ(out.str(),
+            "table            records  fields  indexes\n"
+            "---------------  -------  ------  -------\n"
+            "people                 5       3        2\n"
+            "shop.sup!lines         0       2        0\n"
+            "shop.sup!orders        0       1        1\n"
+            "(3 tables)\n");
+}
+
 TEST_F(TableLayerTest, ListAndExportWriteEveryFormat) {
   const std::vector<std::string> read = {"--index", "ByCity", "-c", "ID,NAME", "--to", "Bergen"};
   auto run = [&](std::vector<std::string> args) {
