@@ -66,7 +66,8 @@ bool RecordCodec::Decode(const uint8_t* data, size_t size, uint8_t* out, size_t 
       at += count;
     }
   }
-  std::memset(out + at, 0, reclen - at);
+  // An empty record may come with no buffer at all.
+  if (reclen > at) std::memset(out + at, 0, reclen - at);
   return true;
 }
 
