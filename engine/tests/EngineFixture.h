@@ -152,6 +152,13 @@ class EngineTest : public ::testing::Test {
   }
   std::string IdKey(COUNT keyno, int id) { return KeyOf(keyno, MakeCustomer(id, "", "")); }
 
+  // The number of indexes the table's stored definition (IFIL) lists.
+  LONG IndexCount(COUNT dat) {
+    std::vector<char> image(4096);
+    EXPECT_GT(api.GETIFIL(dat, static_cast<LONG>(image.size()), image.data()), 0);
+    return reinterpret_cast<IFIL*>(image.data())->dnumidx;
+  }
+
   COUNT LastError() {
     COUNT isam = 0, user = 0, sys = 0;
     api.GetCtreeError(&isam, &user, &sys);

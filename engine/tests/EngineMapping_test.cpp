@@ -26,11 +26,6 @@ class EngineMapping : public EngineTest {
     EXPECT_EQ(api.OPNRFIL(dat, (pTEXT) "customers.dat", EXCLUSIVE), 0);
     return dat;
   }
-  LONG IndexCount(COUNT dat) {
-    std::vector<char> image(4096);
-    EXPECT_GT(api.GETIFIL(dat, static_cast<LONG>(image.size()), image.data()), 0);
-    return reinterpret_cast<IFIL*>(image.data())->dnumidx;
-  }
 };
 
 TEST_F(EngineMapping, MappedIndexFileHasKeysUntilItCloses) {
