@@ -10,6 +10,18 @@
 
 namespace CTDbIntf::testing {
 
+/// Runs `call`, expects ECtreeException and returns it.
+template <class F>
+ECtreeException Raised(F call) {
+  try {
+    call();
+  } catch (const ECtreeException& e) {
+    return e;
+  }
+  ADD_FAILURE() << "no ECtreeException raised";
+  return ECtreeException("");
+}
+
 class BindingTest : public ::testing::Test {
  protected:
   void SetUp() override {

@@ -5,63 +5,42 @@
 #include <limits>
 #include <regex>
 #include <string>
+#include <tuple>
 #include <vector>
 
-#include "CTDbIntf.h"
+#include "BindingFixture.h"
 
 namespace CTDbIntf {
 namespace {
 
-template <class F>
-ECtreeException Raised(F call) {
-  try {
-    call();
-  } catch (const ECtreeException& e) {
-    return e;
-  }
-  ADD_FAILURE() << "no ECtreeException raised";
-  return ECtreeException("");
-}
+using testing::Raised;
 
-TEST(CtErrorTest, ZeroRaisesNothing) {
+// CtError appends line feed, carriage return and the number to the message (the appended text
+// alone when the number has none); CtErrorFmt formats the message and appends nothing; zero
+// raises nothing.
+TEST(CtErrorTest, CtErrorAppendsTheNumberAndCtErrorFmtFormats) {
   EXPECT_NO_THROW(CtError(0));
   EXPECT_NO_THROW(CtErrorFmt(0, {"x"}));
-}
-
-TEST(CtErrorTest, AppendsLineFeedCarriageReturnAndNumber) {
-  ECtreeException e = Raised([] { CtError(2); });
-  EXPECT_EQ(e.Message(), "Key value already exists\n\rCtree Error #2");
-  EXPECT_STREQ(e.what(), "Key value already exists\n\rCtree Error #2");
-  EXPECT_EQ(e.ErrorCode, 2);
-
-  e = Raised([] { CtError(1113); });
-  EXPECT_EQ(e.Message(), "Invalid cursor handle\n\rCtree Error #1113");
-  EXPECT_EQ(e.ErrorCode, 1113);
-
-  EXPECT_EQ(Raised([] { CtError(1122); }).Message(),
-            "Field '%s' cannot be modified\n\rCtree Error #1122");
-}
-
-TEST(CtErrorTest, NumberWithoutMessageGivesOnlyTheAppendedText) {
-  for (std::int32_t code : {1, 1109, 9999, -5, std::numeric_limits<std::int32_t>::max()}) {
-    const ECtreeException e = Raised([code] { CtError(code); });
-    EXPECT_EQ(e.Message(), "\n\rCtree Error #" + std::to_string(code));
+  const std::pair<std::int32_t, std::string> appended[] = {
+      {2, "Key value already exists\n\rCtree Error #2"},
+      {1113, "Invalid cursor handle\n\rCtree Error #1113"},
+      {1122, "Field '%s' cannot be modified\n\rCtree Error #1122"},
+      {1, "\n\rCtree Error #1"}, {1109, "\n\rCtree Error #1109"}, {9999, "\n\rCtree Error #9999"},
+      {-5, "\n\rCtree Error #-5"}, {INT32_MAX, "\n\rCtree Error #2147483647"}};
+  for (const auto& [code, text] : appended) {
+    const ECtreeException e = Raised([code = code] { CtError(code); });
+    EXPECT_EQ(e.Message(), text);
+    EXPECT_STREQ(e.what(), text.c_str());
     EXPECT_EQ(e.ErrorCode, code);
   }
-}
-
-TEST(CtErrorTest, FmtFormatsAndAppendsNothing) {
-  ECtreeException e = Raised([] { CtErrorFmt(1136, {"orders.dat"}); });
-  EXPECT_EQ(e.Message(), "File alignment does not match alignment property: 'orders.dat'");
-  EXPECT_EQ(e.ErrorCode, 1136);
-
-  e = Raised([] { CtErrorFmt(101, {}); });
-  EXPECT_EQ(e.Message(), "Could not find isam keyno request");
-  EXPECT_EQ(e.ErrorCode, 101);
-
-  e = Raised([] { CtErrorFmt(1105, {}); });
-  EXPECT_EQ(e.Message(), "");
-  EXPECT_EQ(e.ErrorCode, 1105);
+  const std::tuple<ECtreeException, std::int32_t, std::string> formatted[] = {
+      {Raised([] { CtErrorFmt(1136, {"orders.dat"}); }), 1136, "File alignment does not match alignment property: 'orders.dat'"},
+      {Raised([] { CtErrorFmt(101, {}); }), 101, "Could not find isam keyno request"},
+      {Raised([] { CtErrorFmt(1105, {}); }), 1105, ""}};
+  for (const auto& [e, code, text] : formatted) {
+    EXPECT_EQ(e.Message(), text);
+    EXPECT_EQ(e.ErrorCode, code);
+  }
 }
 
 TEST(CtErrorTest, HistoricTextsAreKeptByteForByte) {

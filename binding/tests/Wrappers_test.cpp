@@ -19,189 +19,118 @@ class WrappersTest : public BindingTest {
     LoadCTreeDLL(laDWord);
   }
 
-  void ExpectReached(const char* entryPoint) {
-    EXPECT_EQ(LastCall(laDWord), entryPoint);
-    EXPECT_EQ(LastCall(laByte), "") << entryPoint << " reached the first library";
-  }
-
-  // The second stand-in returns 22 from every entry point, whatever its result type.
-  template <class R>
-  void ExpectReached(const char* entryPoint, R result) {
-    ExpectReached(entryPoint);
-    if constexpr (std::is_pointer_v<R>)
-      EXPECT_EQ(reinterpret_cast<std::intptr_t>(result), 22) << entryPoint;
-    else
-      EXPECT_EQ(static_cast<std::int64_t>(result), 22) << entryPoint;
-  }
+  // What one wrapper call gave: the entry point the second stand-in saw last, and the result
+  // (it returns 22 from every entry point, whatever its result type).
+  struct Reached {
+    template <class R>
+    Reached(const char* expected, R result) : Expected(expected), Seen(LastCall(laDWord)) {
+      if constexpr (std::is_pointer_v<R>)
+        Result = reinterpret_cast<std::intptr_t>(result);
+      else
+        Result = static_cast<std::int64_t>(result);
+    }
+    std::string Expected, Seen;
+    std::int64_t Result = 0;
+  };
 };
 
+// Every wrapper called with laByte, in order: each row notes the entry point the second library
+// saw last and the result, as the call returns.
 TEST_F(WrappersTest, EveryWrapperCallsItsEntryPointInTheLastLoadedLibrary) {
-  ExpectReached("TMPNAME", GetCtTempFileName(laByte, {}, {}));
-  ExpectReached("INTISAM", InitIsam(laByte, {}, {}, {}));
-  ExpectReached("OPNISAM", OpenISAM(laByte, {}));
-  ExpectReached("CLISAM", CloseISAM(laByte));
-  ExpectReached("LKISAM", LockISAM(laByte, {}));
-  ExpectReached("CLSICON", CloseISAMContext(laByte, {}));
-  ExpectReached("OPNICON", OpenISAMContext(laByte, {}, {}, {}));
-  ExpectReached("CHGICON", ChangeISAMContext(laByte, {}));
-  ExpectReached("BATSET", DoBatch(laByte, {}, {}, {}, {}, {}));
-  ExpectReached("LOKREC", LockCtData(laByte, {}, {}, {}));
-  ExpectReached("ViewCtreeError", ViewCTreeError(laByte, {}));
-  ExpectReached("SERIALNUM", GetSerialNbr(laByte, {}));
-  ExpectReached("IOPERFORMANCE", IOPERFORMANCE(laByte, {}));
-  ExpectReached("TRANBEG", TranBegin(laByte, {}));
-  ExpectReached("TRANABT", TranAbort(laByte));
-  ExpectReached("TRANABTX", TranAbortXtd(laByte, {}));
-  ExpectReached("TRANEND", TranCommit(laByte, {}));
-  ExpectReached("TRANCLR", TranClear(laByte));
-  ExpectReached("TRANSAV", TranSave(laByte));
-  ExpectReached("TRANRST", TranRestore(laByte, {}));
-  ExpectReached("INTISAMX", InitISAMXtd(laByte, {}, {}, {}, {}, {}, {}, {}, {}));
-  ExpectReached("INTREE", InitCTree(laByte, {}, {}, {}));
-  ExpectReached("INTREEX", InitCTreeXtd(laByte, {}, {}, {}, {}, {}, {}, {}, {}));
-  ExpectReached("STPSRV", StopServer(laByte, {}, {}, {}));
-  ExpectReached("STPUSR", StopUser(laByte));
-  ExpectReached("SECURITY", Security(laByte, {}, {}, {}, {}));
-  ExpectReached("SETOPS", SetOperationState(laByte, {}, {}));
-  ExpectReached("SYSMON", SystemMonitor(laByte, {}, {}, {}, {}));
-  ExpectReached("ALCBAT", AllocateBatch(laByte, {}));
-  ExpectReached("CHGBAT", ChangeBatch(laByte, {}));
-  ExpectReached("FREBAT", FreeBatch(laByte));
-  ExpectReached("ALCSET", AllocateSet(laByte, {}));
-  ExpectReached("CHGSET", ChangeSet(laByte, {}));
-  ExpectReached("FRESET", FreeSet(laByte));
-  ExpectReached("SETNODE", SetNodeName(laByte, {}));
-  ExpectReached("CHGHST", ChangeHistory(laByte, {}));
-  ExpectReached("FREHST", FreeHistory(laByte));
-  ExpectReached("CTHIST", TransactionHistory(laByte, {}, {}, {}, {}, {}, {}));
-  ExpectReached("SYSCFG", SystemConfiguration(laByte, {}));
-  ExpectReached("IOPERFORMANCEX", IOPERFORMANCEX(laByte, {}));
-  ExpectReached("SETLOGPATH", SETLOGPATH(laByte, {}, {}));
-  ExpectReached("OPNRFIL", OpenFileWithResources(laByte, {}, {}, {}));
-  ExpectReached("CLRFIL", CloseRFile(laByte, {}));
-  ExpectReached("DELRFIL", DeleteRFile(laByte, {}));
-  ExpectReached("CREIFIL", CreateIFile(laByte, {}));
-  ExpectReached("GETIFIL", GetIFile(laByte, {}, {}, {}));
-  ExpectReached("PUTIFIL", PutIFile(laByte, {}));
-  ExpectReached("PRMIIDX", PermIIndex(laByte, {}));
-  ExpectReached("CMPIFIL", CompactIFile(laByte, {}));
-  ExpectReached("RBLIFIL", RebuildIFile(laByte, {}));
-  ExpectReached("OPNFIL", OpenCtFile(laByte, {}, {}, {}));
-  ExpectReached("CREDAT", CreateDataFile(laByte, {}, {}, {}, {}, {}));
-  ExpectReached("AVLFILNUM", AvailableFileNbr(laByte, {}));
-  ExpectReached("PUTFIL", UpdateFileMode(laByte, {}, {}));
-  ExpectReached("GETDODA", GetDODA(laByte, {}, {}, {}, {}));
-  ExpectReached("PUTDODA", PutDODA(laByte, {}, {}, {}));
-  ExpectReached("CLSFIL", CloseCtFile(laByte, {}, {}));
-  ExpectReached("GETFIL", GetCtFileInfo(laByte, {}, {}));
-  ExpectReached("CMPIFILX", CompactIFileXtd(laByte, {}, {}, {}, {}, {}, {}));
-  ExpectReached("CREDATX", CreateDataFileXtd(laByte, {}, {}, {}, {}, {}, {}, {}, {}));
-  ExpectReached("OPNFILX", OpenCtFileXtd(laByte, {}, {}, {}, {}));
-  ExpectReached("RBLIFILX", RebuildIFileXtd(laByte, {}, {}, {}, {}, {}, {}));
-  ExpectReached("OPNRFILX", OpenFileWithResourceXtd(laByte, {}, {}, {}, {}));
-  ExpectReached("CREIFILX", CreateIFileXtd(laByte, {}, {}, {}, {}, {}, {}));
-  ExpectReached("CLIFIL", CloseIFIle(laByte, {}));
-  ExpectReached("CREIDX", CreateIndexFile(laByte, {}, {}, {}, {}, {}, {}, {}, {}));
-  ExpectReached("CREIDXX", CreateIndexFileXtd(laByte, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}));
-  ExpectReached("CREMEM", CreateIndexMember(laByte, {}, {}, {}, {}, {}));
-  ExpectReached("CREISAM", CreateISAM(laByte, {}));
-  ExpectReached("CREISAMX", CreateISAMXtd(laByte, {}, {}, {}, {}, {}, {}, {}, {}));
-  ExpectReached("DELFIL", DeleteCtFile(laByte, {}));
-  ExpectReached("DELIFIL", DeleteIFile(laByte, {}));
-  ExpectReached("OPNIFIL", OpenIFile(laByte, {}));
-  ExpectReached("OPNIFILX", OpenIFileXtd(laByte, {}, {}, {}, {}));
-  ExpectReached("PUTIFILX", PutIFileXtd(laByte, {}, {}, {}, {}));
-  ExpectReached("GETNAM", GetSymbolicNames(laByte, {}, {}, {}, {}));
-  ExpectReached("GETMNAME", GetSuperFileNames(laByte, {}, {}, {}, {}));
-  ExpectReached("TMPIIDXX", TempIIndexXtd(laByte, {}, {}, {}, {}));
-  ExpectReached("CTSBLDX", SuperfilePrePassXtd(laByte, {}, {}));
-  ExpectReached("ADDRES", AddCtResource(laByte, {}, {}, {}));
-  ExpectReached("DELRES", DeleteCtResource(laByte, {}, {}));
-  ExpectReached("ENARES", EnableCtResource(laByte, {}));
-  ExpectReached("GETRES", GetCtResource(laByte, {}, {}, {}, {}, {}));
-  ExpectReached("UPDRES", UpdateCtResource(laByte, {}, {}, {}));
-  ExpectReached("GETALTSEQ", GetAltSequence(laByte, {}, {}));
-  ExpectReached("SETALTSEQ", SetAlternateSequence(laByte, {}, {}));
-  ExpectReached("PUTHDR", UpdateHeader(laByte, {}, {}, {}));
-  ExpectReached("SETVARBYTS", SetVariableBytes(laByte, {}, {}));
-  ExpectReached("GETCIDX", GetConditionalIndex(laByte, {}, {}, {}));
-  ExpectReached("UPDCIDX", UpdateConditionalIndex(laByte, {}, {}));
-  ExpectReached("ctRENFIL", RenameFile(laByte, {}, {}));
-  ExpectReached("setimap", SetIndexMap(laByte, {}, {}, {}, {}));
-  ExpectReached("SETCURI", SetRecord(laByte, {}, {}, {}, {}));
-  ExpectReached("GETCURP", CurrentFileOffset(laByte, {}));
-  ExpectReached("UPDCURI", ResetRecord(laByte, {}, {}));
-  ExpectReached("ADDREC", AddRecord(laByte, {}, {}));
-  ExpectReached("ADDVREC", AddVRecord(laByte, {}, {}, {}));
-  ExpectReached("RWTREC", ReWriteRecord(laByte, {}, {}));
-  ExpectReached("RWTVREC", ReWriteVRecord(laByte, {}, {}, {}));
-  ExpectReached("DELREC", DeleteRecord(laByte, {}));
-  ExpectReached("DELVREC", DeleteVRecord(laByte, {}));
-  ExpectReached("REDIREC", ReadISAMData(laByte, {}, {}, {}));
-  ExpectReached("REDVREC", ReReadVRecord(laByte, {}, {}, {}));
-  ExpectReached("RRDREC", ReReadRecord(laByte, {}, {}));
-  ExpectReached("FRSSET", FirstInSet(laByte, {}, {}, {}, {}));
-  ExpectReached("NXTSET", NextInSet(laByte, {}, {}));
-  ExpectReached("LSTSET", LastInSet(laByte, {}, {}, {}, {}));
-  ExpectReached("GETVLEN", VRecordLength(laByte, {}));
-  ExpectReached("GETCURK", CurrentISAMKey(laByte, {}, {}, {}));
-  ExpectReached("EQLREC", GetRecord(laByte, {}, {}, {}));
-  ExpectReached("GTEREC", GetGTERecord(laByte, {}, {}, {}));
-  ExpectReached("GTREC", GetGTRecord(laByte, {}, {}, {}));
-  ExpectReached("LTEREC", GetLTERecord(laByte, {}, {}, {}));
-  ExpectReached("LTREC", GetLTRecord(laByte, {}, {}, {}));
-  ExpectReached("FRSREC", FirstRecord(laByte, {}, {}));
-  ExpectReached("NXTREC", NextRecord(laByte, {}, {}));
-  ExpectReached("PRVREC", PreviousRecord(laByte, {}, {}));
-  ExpectReached("LSTREC", LastRecord(laByte, {}, {}));
-  ExpectReached("DATENT", NbrOfRecords(laByte, {}));
-  ExpectReached("IDXENT", NbrOfKeyEntries(laByte, {}));
-  ExpectReached("GETCURKL", CurrentLowLevelKey(laByte, {}, {}));
-  ExpectReached("frmkey", BuildKey(laByte, {}, {}, {}, {}, {}));
-  ExpectReached("REDREC", ReadData(laByte, {}, {}, {}));
-  ExpectReached("EQLKEY", GetKey(laByte, {}, {}));
-  ExpectReached("GTEKEY", GetGTEKey(laByte, {}, {}, {}));
-  ExpectReached("GTKEY", GetGTKey(laByte, {}, {}, {}));
-  ExpectReached("LTEKEY", GetLTEKey(laByte, {}, {}, {}));
-  ExpectReached("LTKEY", GetLTKey(laByte, {}, {}, {}));
-  ExpectReached("FRSKEY", FirstKey(laByte, {}, {}));
-  ExpectReached("FRCKEY", KeyAtPercentile(laByte, {}, {}, {}));
-  ExpectReached("ESTKEY", EstimateKeySpan(laByte, {}, {}, {}));
-  ExpectReached("RNGENT", NbrOfKeysInRange(laByte, {}, {}, {}));
-  ExpectReached("ORDKEY", GetORDKey(laByte, {}, {}, {}, {}));
-  ExpectReached("MIDSET", PositionSet(laByte, {}, {}, {}));
-  ExpectReached("PRVSET", PreviousInSet(laByte, {}, {}));
-  ExpectReached("ADDKEY", AddKey(laByte, {}, {}, {}, {}));
-  ExpectReached("LOADKEY", LoadKey(laByte, {}, {}, {}, {}));
-  ExpectReached("NXTKEY", NextKey(laByte, {}, {}));
-  ExpectReached("LSTKEY", LastKey(laByte, {}, {}));
-  ExpectReached("PRVKEY", PreviousKey(laByte, {}, {}));
-  ExpectReached("TFRMKEY", TransformKey(laByte, {}, {}));
-  ExpectReached("DELCHK", DeleteKey(laByte, {}, {}, {}));
-  ExpectReached("DELBLD", DeleteKeyBlind(laByte, {}, {}));
-  ExpectReached("GTVLEN", VDataLength(laByte, {}, {}));
-  ExpectReached("NEWREC", NewData(laByte, {}));
-  ExpectReached("NEWVREC", NewVData(laByte, {}, {}));
-  ExpectReached("RDVREC", ReadVData(laByte, {}, {}, {}, {}));
-  ExpectReached("RETREC", ReleaseData(laByte, {}, {}));
-  ExpectReached("RETVREC", ReleaseVData(laByte, {}, {}));
-  ExpectReached("WRTREC", WriteData(laByte, {}, {}, {}));
-  ExpectReached("WRTVREC", WriteVData(laByte, {}, {}, {}, {}));
-  ExpectReached("FRSVSET", FirstInVSet(laByte, {}, {}, {}, {}, {}));
-  ExpectReached("LSTVSET", LastInVSet(laByte, {}, {}, {}, {}, {}));
-  ExpectReached("NXTVSET", NextInVSet(laByte, {}, {}, {}));
-  ExpectReached("PRVVSET", PreviousInVSet(laByte, {}, {}, {}));
-  ExpectReached("MIDVSET", PositionVSet(laByte, {}, {}, {}, {}));
-  ExpectReached("FRSVREC", FirstVRecord(laByte, {}, {}, {}));
-  ExpectReached("GTEVREC", GetGTEVRecord(laByte, {}, {}, {}, {}));
-  ExpectReached("GTVREC", GetGTVRecord(laByte, {}, {}, {}, {}));
-  ExpectReached("LTEVREC", GetLTEVRecord(laByte, {}, {}, {}, {}));
-  ExpectReached("LTVREC", GetLTVRecord(laByte, {}, {}, {}, {}));
-  ExpectReached("EQLVREC", GetVRecord(laByte, {}, {}, {}, {}));
-  ExpectReached("LSTVREC", LastVRecord(laByte, {}, {}, {}));
-  ExpectReached("NXTVREC", NextVRecord(laByte, {}, {}, {}));
-  ExpectReached("PRVVREC", PreviousVRecord(laByte, {}, {}, {}));
-  ExpectReached("REDIVREC", ReadIsamVData(laByte, {}, {}, {}, {}));
+  const Reached calls[] = {
+      {"TMPNAME", GetCtTempFileName(laByte, {}, {})}, {"INTISAM", InitIsam(laByte, {}, {}, {})},
+      {"OPNISAM", OpenISAM(laByte, {})}, {"CLISAM", CloseISAM(laByte)}, {"LKISAM", LockISAM(laByte, {})},
+      {"CLSICON", CloseISAMContext(laByte, {})}, {"OPNICON", OpenISAMContext(laByte, {}, {}, {})},
+      {"CHGICON", ChangeISAMContext(laByte, {})}, {"BATSET", DoBatch(laByte, {}, {}, {}, {}, {})},
+      {"LOKREC", LockCtData(laByte, {}, {}, {})}, {"ViewCtreeError", ViewCTreeError(laByte, {})},
+      {"SERIALNUM", GetSerialNbr(laByte, {})}, {"IOPERFORMANCE", IOPERFORMANCE(laByte, {})},
+      {"TRANBEG", TranBegin(laByte, {})}, {"TRANABT", TranAbort(laByte)},
+      {"TRANABTX", TranAbortXtd(laByte, {})}, {"TRANEND", TranCommit(laByte, {})},
+      {"TRANCLR", TranClear(laByte)}, {"TRANSAV", TranSave(laByte)}, {"TRANRST", TranRestore(laByte, {})},
+      {"INTISAMX", InitISAMXtd(laByte, {}, {}, {}, {}, {}, {}, {}, {})},
+      {"INTREE", InitCTree(laByte, {}, {}, {})},
+      {"INTREEX", InitCTreeXtd(laByte, {}, {}, {}, {}, {}, {}, {}, {})},
+      {"STPSRV", StopServer(laByte, {}, {}, {})}, {"STPUSR", StopUser(laByte)},
+      {"SECURITY", Security(laByte, {}, {}, {}, {})}, {"SETOPS", SetOperationState(laByte, {}, {})},
+      {"SYSMON", SystemMonitor(laByte, {}, {}, {}, {})}, {"ALCBAT", AllocateBatch(laByte, {})},
+      {"CHGBAT", ChangeBatch(laByte, {})}, {"FREBAT", FreeBatch(laByte)}, {"ALCSET", AllocateSet(laByte, {})},
+      {"CHGSET", ChangeSet(laByte, {})}, {"FRESET", FreeSet(laByte)}, {"SETNODE", SetNodeName(laByte, {})},
+      {"CHGHST", ChangeHistory(laByte, {})}, {"FREHST", FreeHistory(laByte)},
+      {"CTHIST", TransactionHistory(laByte, {}, {}, {}, {}, {}, {})},
+      {"SYSCFG", SystemConfiguration(laByte, {})}, {"IOPERFORMANCEX", IOPERFORMANCEX(laByte, {})},
+      {"SETLOGPATH", SETLOGPATH(laByte, {}, {})}, {"OPNRFIL", OpenFileWithResources(laByte, {}, {}, {})},
+      {"CLRFIL", CloseRFile(laByte, {})}, {"DELRFIL", DeleteRFile(laByte, {})},
+      {"CREIFIL", CreateIFile(laByte, {})}, {"GETIFIL", GetIFile(laByte, {}, {}, {})},
+      {"PUTIFIL", PutIFile(laByte, {})}, {"PRMIIDX", PermIIndex(laByte, {})},
+      {"CMPIFIL", CompactIFile(laByte, {})}, {"RBLIFIL", RebuildIFile(laByte, {})},
+      {"OPNFIL", OpenCtFile(laByte, {}, {}, {})}, {"CREDAT", CreateDataFile(laByte, {}, {}, {}, {}, {})},
+      {"AVLFILNUM", AvailableFileNbr(laByte, {})}, {"PUTFIL", UpdateFileMode(laByte, {}, {})},
+      {"GETDODA", GetDODA(laByte, {}, {}, {}, {})}, {"PUTDODA", PutDODA(laByte, {}, {}, {})},
+      {"CLSFIL", CloseCtFile(laByte, {}, {})}, {"GETFIL", GetCtFileInfo(laByte, {}, {})},
+      {"CMPIFILX", CompactIFileXtd(laByte, {}, {}, {}, {}, {}, {})},
+      {"CREDATX", CreateDataFileXtd(laByte, {}, {}, {}, {}, {}, {}, {}, {})},
+      {"OPNFILX", OpenCtFileXtd(laByte, {}, {}, {}, {})},
+      {"RBLIFILX", RebuildIFileXtd(laByte, {}, {}, {}, {}, {}, {})},
+      {"OPNRFILX", OpenFileWithResourceXtd(laByte, {}, {}, {}, {})},
+      {"CREIFILX", CreateIFileXtd(laByte, {}, {}, {}, {}, {}, {})}, {"CLIFIL", CloseIFIle(laByte, {})},
+      {"CREIDX", CreateIndexFile(laByte, {}, {}, {}, {}, {}, {}, {}, {})},
+      {"CREIDXX", CreateIndexFileXtd(laByte, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {})},
+      {"CREMEM", CreateIndexMember(laByte, {}, {}, {}, {}, {})}, {"CREISAM", CreateISAM(laByte, {})},
+      {"CREISAMX", CreateISAMXtd(laByte, {}, {}, {}, {}, {}, {}, {}, {})}, {"DELFIL", DeleteCtFile(laByte, {})},
+      {"DELIFIL", DeleteIFile(laByte, {})}, {"OPNIFIL", OpenIFile(laByte, {})},
+      {"OPNIFILX", OpenIFileXtd(laByte, {}, {}, {}, {})}, {"PUTIFILX", PutIFileXtd(laByte, {}, {}, {}, {})},
+      {"GETNAM", GetSymbolicNames(laByte, {}, {}, {}, {})},
+      {"GETMNAME", GetSuperFileNames(laByte, {}, {}, {}, {})},
+      {"TMPIIDXX", TempIIndexXtd(laByte, {}, {}, {}, {})}, {"CTSBLDX", SuperfilePrePassXtd(laByte, {}, {})},
+      {"ADDRES", AddCtResource(laByte, {}, {}, {})}, {"DELRES", DeleteCtResource(laByte, {}, {})},
+      {"ENARES", EnableCtResource(laByte, {})}, {"GETRES", GetCtResource(laByte, {}, {}, {}, {}, {})},
+      {"UPDRES", UpdateCtResource(laByte, {}, {}, {})}, {"GETALTSEQ", GetAltSequence(laByte, {}, {})},
+      {"SETALTSEQ", SetAlternateSequence(laByte, {}, {})}, {"PUTHDR", UpdateHeader(laByte, {}, {}, {})},
+      {"SETVARBYTS", SetVariableBytes(laByte, {}, {})}, {"GETCIDX", GetConditionalIndex(laByte, {}, {}, {})},
+      {"UPDCIDX", UpdateConditionalIndex(laByte, {}, {})}, {"ctRENFIL", RenameFile(laByte, {}, {})},
+      {"setimap", SetIndexMap(laByte, {}, {}, {}, {})}, {"SETCURI", SetRecord(laByte, {}, {}, {}, {})},
+      {"GETCURP", CurrentFileOffset(laByte, {})}, {"UPDCURI", ResetRecord(laByte, {}, {})},
+      {"ADDREC", AddRecord(laByte, {}, {})}, {"ADDVREC", AddVRecord(laByte, {}, {}, {})},
+      {"RWTREC", ReWriteRecord(laByte, {}, {})}, {"RWTVREC", ReWriteVRecord(laByte, {}, {}, {})},
+      {"DELREC", DeleteRecord(laByte, {})}, {"DELVREC", DeleteVRecord(laByte, {})},
+      {"REDIREC", ReadISAMData(laByte, {}, {}, {})}, {"REDVREC", ReReadVRecord(laByte, {}, {}, {})},
+      {"RRDREC", ReReadRecord(laByte, {}, {})}, {"FRSSET", FirstInSet(laByte, {}, {}, {}, {})},
+      {"NXTSET", NextInSet(laByte, {}, {})}, {"LSTSET", LastInSet(laByte, {}, {}, {}, {})},
+      {"GETVLEN", VRecordLength(laByte, {})}, {"GETCURK", CurrentISAMKey(laByte, {}, {}, {})},
+      {"EQLREC", GetRecord(laByte, {}, {}, {})}, {"GTEREC", GetGTERecord(laByte, {}, {}, {})},
+      {"GTREC", GetGTRecord(laByte, {}, {}, {})}, {"LTEREC", GetLTERecord(laByte, {}, {}, {})},
+      {"LTREC", GetLTRecord(laByte, {}, {}, {})}, {"FRSREC", FirstRecord(laByte, {}, {})},
+      {"NXTREC", NextRecord(laByte, {}, {})}, {"PRVREC", PreviousRecord(laByte, {}, {})},
+      {"LSTREC", LastRecord(laByte, {}, {})}, {"DATENT", NbrOfRecords(laByte, {})},
+      {"IDXENT", NbrOfKeyEntries(laByte, {})}, {"GETCURKL", CurrentLowLevelKey(laByte, {}, {})},
+      {"frmkey", BuildKey(laByte, {}, {}, {}, {}, {})}, {"REDREC", ReadData(laByte, {}, {}, {})},
+      {"EQLKEY", GetKey(laByte, {}, {})}, {"GTEKEY", GetGTEKey(laByte, {}, {}, {})},
+      {"GTKEY", GetGTKey(laByte, {}, {}, {})}, {"LTEKEY", GetLTEKey(laByte, {}, {}, {})},
+      {"LTKEY", GetLTKey(laByte, {}, {}, {})}, {"FRSKEY", FirstKey(laByte, {}, {})},
+      {"FRCKEY", KeyAtPercentile(laByte, {}, {}, {})}, {"ESTKEY", EstimateKeySpan(laByte, {}, {}, {})},
+      {"RNGENT", NbrOfKeysInRange(laByte, {}, {}, {})}, {"ORDKEY", GetORDKey(laByte, {}, {}, {}, {})},
+      {"MIDSET", PositionSet(laByte, {}, {}, {})}, {"PRVSET", PreviousInSet(laByte, {}, {})},
+      {"ADDKEY", AddKey(laByte, {}, {}, {}, {})}, {"LOADKEY", LoadKey(laByte, {}, {}, {}, {})},
+      {"NXTKEY", NextKey(laByte, {}, {})}, {"LSTKEY", LastKey(laByte, {}, {})},
+      {"PRVKEY", PreviousKey(laByte, {}, {})}, {"TFRMKEY", TransformKey(laByte, {}, {})},
+      {"DELCHK", DeleteKey(laByte, {}, {}, {})}, {"DELBLD", DeleteKeyBlind(laByte, {}, {})},
+      {"GTVLEN", VDataLength(laByte, {}, {})}, {"NEWREC", NewData(laByte, {})},
+      {"NEWVREC", NewVData(laByte, {}, {})}, {"RDVREC", ReadVData(laByte, {}, {}, {}, {})},
+      {"RETREC", ReleaseData(laByte, {}, {})}, {"RETVREC", ReleaseVData(laByte, {}, {})},
+      {"WRTREC", WriteData(laByte, {}, {}, {})}, {"WRTVREC", WriteVData(laByte, {}, {}, {}, {})},
+      {"FRSVSET", FirstInVSet(laByte, {}, {}, {}, {}, {})}, {"LSTVSET", LastInVSet(laByte, {}, {}, {}, {}, {})},
+      {"NXTVSET", NextInVSet(laByte, {}, {}, {})}, {"PRVVSET", PreviousInVSet(laByte, {}, {}, {})},
+      {"MIDVSET", PositionVSet(laByte, {}, {}, {}, {})}, {"FRSVREC", FirstVRecord(laByte, {}, {}, {})},
+      {"GTEVREC", GetGTEVRecord(laByte, {}, {}, {}, {})}, {"GTVREC", GetGTVRecord(laByte, {}, {}, {}, {})},
+      {"LTEVREC", GetLTEVRecord(laByte, {}, {}, {}, {})}, {"LTVREC", GetLTVRecord(laByte, {}, {}, {}, {})},
+      {"EQLVREC", GetVRecord(laByte, {}, {}, {}, {})}, {"LSTVREC", LastVRecord(laByte, {}, {}, {})},
+      {"NXTVREC", NextVRecord(laByte, {}, {}, {})}, {"PRVVREC", PreviousVRecord(laByte, {}, {}, {})},
+      {"REDIVREC", ReadIsamVData(laByte, {}, {}, {}, {})}};
+  for (const Reached& call : calls) {
+    EXPECT_EQ(call.Seen, call.Expected) << "the wrapper of " << call.Expected << " called another entry point";
+    EXPECT_EQ(call.Result, 22) << call.Expected;
+  }
+  EXPECT_EQ(LastCall(laByte), "") << "a wrapper reached the first library";
 }
 
 TEST_F(WrappersTest, ErrorStateReadersPickTheirOwnValue) {

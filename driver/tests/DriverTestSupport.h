@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Ctdb.h"
+#include "ECtreeException.h"
 #include "IfilImage.h"
 #include "ctisam.h"
 
@@ -62,5 +63,18 @@ class DriverTest : public ::testing::Test {
 
 /// Fixed record length of a schema: the sum of the lengths up to the first blob field.
 int32_t FixedLength(const std::vector<DodaEntry>& fields);
+
+/// The ECtreeException `action` raises; the test fails when it raises none (and an error number
+/// of -1 comes back).
+template <class F>
+CTDbIntf::ECtreeException Raised(F&& action) {
+  try {
+    action();
+  } catch (const CTDbIntf::ECtreeException& e) {
+    return e;
+  }
+  ADD_FAILURE() << "no ECtreeException raised";
+  return CTDbIntf::ECtreeException("", -1);
+}
 
 }  // namespace Ctdb::testing

@@ -46,12 +46,12 @@ TEST_F(CursorTest, WalksBothWaysInPhysicalOrder) {
 }
 
 TEST_F(CursorTest, WalksBothWaysInIndexOrderWithDuplicatesInPositionOrder) {
-  UseIndex("ById");
-  EXPECT_EQ(Walk(true), (Ids{1, 2, 3, 4, 5, 6, 7, 8, 9}));
-  EXPECT_EQ(Walk(false), (Ids{9, 8, 7, 6, 5, 4, 3, 2, 1}));
-  UseIndex("ByGroup");
-  EXPECT_EQ(Walk(true), (Ids{1, 3, 2, 4, 5, 7, 6, 8, 9}));
-  EXPECT_EQ(Walk(false), (Ids{9, 8, 6, 7, 5, 4, 2, 3, 1}));
+  for (const auto& [index, ids] : {std::pair<std::string, Ids>{"ById", {1, 2, 3, 4, 5, 6, 7, 8, 9}},
+                                   {"ByGroup", {1, 3, 2, 4, 5, 7, 6, 8, 9}}}) {
+    UseIndex(index);
+    EXPECT_EQ(Walk(true), ids);
+    EXPECT_EQ(Walk(false), Ids(ids.rbegin(), ids.rend()));
+  }
 }
 
 TEST_F(CursorTest, ReadingPastAnEndFailsAtOnceAndStays) {
@@ -63,20 +63,24 @@ TEST_F(CursorTest, ReadingPastAnEndFailsAtOnceAndStays) {
   EXPECT_EQ(Conn->GetPriorRecord(Cursor.get(), dbiNOLOCK, nullptr), INOT_ERR);
   EXPECT_EQ(Cursor->Position, cpBof);
   // Turning round at an end gives the record at that end.
-  TCTCustomRecordBuffer* buffer = NewBuffer();
-  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 1);
-  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  ASSERT_EQ(Conn->GetPriorRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 1);
+  EXPECT_EQ(Next(), 1);
+  EXPECT_EQ(Next(), 2);
+  EXPECT_EQ(Prior(), 1);
 }
 
-TEST_F(CursorTest, InclusiveRangeTakesEveryDuplicateAtBothEnds) {
+// An inclusive end takes every duplicate of its value, an exclusive one leaves them all out;
+// walked backwards, a range gives the same records in reverse.
+TEST_F(CursorTest, RangeEndsTakeOrLeaveEveryDuplicateOfTheirValue) {
   UseIndex("ByGroup");
-  SetGroupRange(20, true, 40, true);
-  EXPECT_EQ(Walk(true), (Ids{3, 2, 4, 5, 7, 6}));
-  EXPECT_EQ(Cursor->SeqNo, 6);
-  EXPECT_EQ(Walk(false), (Ids{6, 7, 5, 4, 2, 3}));
+  const struct { bool lowIn, highIn; Ids ids; } cases[] = {
+      {true, true, {3, 2, 4, 5, 7, 6}}, {false, false, {5}}, {true, false, {3, 2, 4, 5}}, {false, true, {5, 7, 6}}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.lowIn ? "[20" : "(20") + ", 40" + (c.highIn ? "]" : ")"));
+    SetGroupRange(20, c.lowIn, 40, c.highIn);
+    EXPECT_EQ(Walk(true), c.ids);
+    EXPECT_EQ(Cursor->SeqNo, static_cast<int32_t>(c.ids.size()));
+    EXPECT_EQ(Walk(false), Ids(c.ids.rbegin(), c.ids.rend()));
+  }
 }
 
 // The record read past the range's end is not left current: the range's last record is.
@@ -88,83 +92,50 @@ TEST_F(CursorTest, SteppingPastTheRangeLeavesItsLastRecordCurrent) {
     int32_t bookmark = 0;
     ASSERT_EQ(Conn->GetBookMark(Cursor.get(), bookmark), 0);
     ASSERT_EQ(Conn->SetToBookMark(Cursor.get(), bookmark), 0);
-    TCTCustomRecordBuffer* buffer = NewBuffer();
-    ASSERT_EQ(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-    EXPECT_EQ(IdOf(*buffer), forward ? 6 : 3);
+    EXPECT_EQ(Current(), forward ? 6 : 3);
   }
-}
-
-TEST_F(CursorTest, ExclusiveEndsLeaveOutEveryDuplicateOfTheirValue) {
-  UseIndex("ByGroup");
-  SetGroupRange(20, false, 40, false);
-  EXPECT_EQ(Walk(true), Ids{5});
-  EXPECT_EQ(Walk(false), Ids{5});
-  SetGroupRange(20, true, 40, false);
-  EXPECT_EQ(Walk(true), (Ids{3, 2, 4, 5}));
-  EXPECT_EQ(Walk(false), (Ids{5, 4, 2, 3}));
-  SetGroupRange(20, false, 40, true);
-  EXPECT_EQ(Walk(true), (Ids{5, 7, 6}));
-  EXPECT_EQ(Walk(false), (Ids{6, 7, 5}));
 }
 
 TEST_F(CursorTest, EmptyAndReversedRangesGiveNoRecord) {
   UseIndex("ByGroup");
   int32_t last = 0;
-  SetGroupRange(35, true, 38, true);
-  EXPECT_TRUE(Walk(true, &last).empty());
-  EXPECT_EQ(last, INOT_ERR);
-  EXPECT_TRUE(Walk(false, &last).empty());
-  EXPECT_EQ(last, INOT_ERR);
-  SetGroupRange(50, true, 20, true);
-  EXPECT_TRUE(Walk(true, &last).empty());
-  EXPECT_EQ(last, INOT_ERR);
-  EXPECT_TRUE(Walk(false).empty());
-  int32_t count = -1;
-  ASSERT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
-  EXPECT_EQ(count, 0);
+  for (auto [low, high] : {std::pair{35, 38}, {50, 20}}) {
+    SetGroupRange(low, true, high, true);
+    for (bool forward : {true, false}) {
+      EXPECT_TRUE(Walk(forward, &last).empty()) << low << ".." << high;
+      EXPECT_EQ(last, INOT_ERR);
+    }
+  }
+  EXPECT_EQ(Count(), 0);
 }
 
 TEST_F(CursorTest, IsInRangeMarksWhereTheKeyLies) {
   UseIndex("ByGroup");
   SetGroupRange(20, true, 40, false);
-  const std::vector<uint8_t> below = GroupKey(10);
-  const std::vector<uint8_t> inside = GroupKey(20);
-  const std::vector<uint8_t> high = GroupKey(40);
-  EXPECT_EQ(Conn->IsInRange(Cursor.get(), below.data(), static_cast<int32_t>(below.size())), INOT_ERR);
-  EXPECT_EQ(Cursor->Position, cpBof);
-  EXPECT_EQ(Conn->IsInRange(Cursor.get(), inside.data(), static_cast<int32_t>(inside.size())), 0);
-  EXPECT_EQ(Cursor->Position, cpNone);
-  EXPECT_EQ(Conn->IsInRange(Cursor.get(), high.data(), static_cast<int32_t>(high.size())), INOT_ERR);
-  EXPECT_EQ(Cursor->Position, cpEof);
+  for (auto [grp, result, position] : {std::tuple{10, INOT_ERR, cpBof}, {20, 0, cpNone}, {40, INOT_ERR, cpEof}}) {
+    const std::vector<uint8_t> key = GroupKey(grp);
+    EXPECT_EQ(Conn->IsInRange(Cursor.get(), key.data(), static_cast<int32_t>(key.size())), result) << grp;
+    EXPECT_EQ(Cursor->Position, position) << grp;
+  }
 }
 
 TEST_F(CursorTest, CountsAreExactAndLeaveThePositionAlone) {
-  int32_t count = 0;
-  ASSERT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
-  EXPECT_EQ(count, 9);
+  EXPECT_EQ(Count(), 9);
   UseIndex("ByGroup");
-  TCTCustomRecordBuffer* buffer = NewBuffer();
-  ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
-  for (int i = 0; i < 3; ++i) ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  ASSERT_EQ(IdOf(*buffer), 2);
-  ASSERT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
-  EXPECT_EQ(count, 9);
-  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 4);
+  ASSERT_EQ(NthFromStart(3), 2);
+  EXPECT_EQ(Count(), 9);
+  EXPECT_EQ(Next(), 4);
 
   SetGroupRange(20, true, 40, true);
-  ASSERT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
-  EXPECT_EQ(count, 6);
-  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 5);
+  EXPECT_EQ(Count(), 6);
+  EXPECT_EQ(Next(), 5);
   int32_t number = 0;
-  ASSERT_EQ(Conn->GetAlmostRecordNumber(Cursor.get(), buffer, number), 0);
+  ASSERT_EQ(Conn->GetAlmostRecordNumber(Cursor.get(), Scratch(), number), 0);
   EXPECT_EQ(number, 4);
   int32_t seqNo = 0;
   ASSERT_EQ(Conn->GetSeqNo(Cursor.get(), seqNo), 0);
   EXPECT_EQ(seqNo, 4);
-  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 7);
+  EXPECT_EQ(Next(), 7);
   ASSERT_EQ(Conn->SetToEnd(Cursor.get()), 0);
   ASSERT_EQ(Conn->GetSeqNo(Cursor.get(), seqNo), 0);
   EXPECT_EQ(seqNo, 6);
@@ -172,23 +143,18 @@ TEST_F(CursorTest, CountsAreExactAndLeaveThePositionAlone) {
 
 TEST_F(CursorTest, BookmarksReturnToTheirRecordInTheCurrentOrder) {
   UseIndex("ById");
-  TCTCustomRecordBuffer* buffer = NewBuffer();
-  ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
-  for (int i = 0; i < 4; ++i) ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  ASSERT_EQ(NthFromStart(4), 4);
   int32_t bookmark = 0;
   ASSERT_EQ(Conn->GetBookMark(Cursor.get(), bookmark), 0);
   int32_t stored = 0;
-  std::memcpy(&stored, buffer->GetBookmark(), 4);
+  std::memcpy(&stored, Scratch()->GetBookmark(), 4);
   EXPECT_EQ(bookmark, stored);
   ASSERT_EQ(Walk(true).size(), 9u);
   ASSERT_EQ(Conn->SetToBookMark(Cursor.get(), bookmark), 0);
-  ASSERT_EQ(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 4);
-  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 5);
-  ASSERT_EQ(Conn->GetPriorRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  ASSERT_EQ(Conn->GetPriorRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 3);
+  EXPECT_EQ(Current(), 4);
+  EXPECT_EQ(Next(), 5);
+  EXPECT_EQ(Prior(), 4);
+  EXPECT_EQ(Prior(), 3);
 
   // A bookmark outside the range fails and marks the side it lies on.
   UseIndex("ByGroup");
@@ -200,12 +166,9 @@ TEST_F(CursorTest, BookmarksReturnToTheirRecordInTheCurrentOrder) {
 
 TEST_F(CursorTest, KeySeeksFindEqualFollowingAndPrecedingKeys) {
   UseIndex("ById");
-  TCTCustomRecordBuffer* buffer = NewBuffer();
   ASSERT_EQ(Conn->GotoKey(Cursor.get(), BufferOf(7, 0)), 0);
-  ASSERT_EQ(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 7);
-  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 8);
+  EXPECT_EQ(Current(), 7);
+  EXPECT_EQ(Next(), 8);
   EXPECT_EQ(Conn->GotoKey(Cursor.get(), BufferOf(77, 0)), INOT_ERR);
 
   UseIndex("ByGroup");
@@ -221,13 +184,11 @@ TEST_F(CursorTest, KeySeeksFindEqualFollowingAndPrecedingKeys) {
     ASSERT_EQ(c.greater ? Conn->GotoGTKey(Cursor.get(), key, c.inclusive)
                         : Conn->GotoLTKey(Cursor.get(), key, c.inclusive),
               0);
-    ASSERT_EQ(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-    EXPECT_EQ(IdOf(*buffer), c.id);
+    EXPECT_EQ(Current(), c.id);
   }
   // The first record of a duplicated value, and the walk goes on from there.
   ASSERT_EQ(Conn->GotoKey(Cursor.get(), BufferOf(0, 40)), 0);
-  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 6);
+  EXPECT_EQ(Next(), 6);
   EXPECT_EQ(Conn->GotoGTKey(Cursor.get(), BufferOf(0, 60), false), INOT_ERR);
   // With a range the key found must lie inside it.
   SetGroupRange(20, true, 30, true);
@@ -235,26 +196,25 @@ TEST_F(CursorTest, KeySeeksFindEqualFollowingAndPrecedingKeys) {
   EXPECT_EQ(Cursor->Position, cpEof);
 }
 
-TEST_F(CursorTest, ContextsLeaveTheTablePositionUntouched) {
+TEST_F(CursorTest, ContextsSaveAndRestoreThePositionAndLeaveTheTableUntouched) {
   UseIndex("ById");
-  TCTCustomRecordBuffer* buffer = NewBuffer();
-  ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
-  for (int i = 0; i < 3; ++i) ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
+  ASSERT_EQ(NthFromStart(3), 3);
   ASSERT_EQ(Conn->SetContext(Cursor.get()), 0);
+  EXPECT_GE(Cursor->LastContext(), 0);
   ASSERT_EQ(Conn->GotoKey(Cursor.get(), BufferOf(8, 0)), 0);
-  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 9);
+  EXPECT_EQ(Next(), 9);
   ASSERT_EQ(Conn->RestoreContext(Cursor.get()), 0);
-  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 4);
+  EXPECT_EQ(Cursor->LastContext(), -1);
+  EXPECT_EQ(Next(), 4);
+  EXPECT_EQ(Cursor->FreeContext(12345), kCtInvalidCursor);
 }
 
 TEST_F(CursorTest, CurrentRecordAtTheEndsAndBadInput) {
-  TCTCustomRecordBuffer* buffer = NewBuffer();
+  TCTCustomRecordBuffer* buffer = Scratch();
   ASSERT_EQ(Conn->SetToEnd(Cursor.get()), 0);
-  EXPECT_EQ(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, buffer), kCtEndOfTable);
+  EXPECT_EQ(Current(), -kCtEndOfTable);
   ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
-  EXPECT_EQ(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, buffer), kCtBeginOfTable);
+  EXPECT_EQ(Current(), -kCtBeginOfTable);
   EXPECT_EQ(Conn->GetNextRecord(nullptr, dbiNOLOCK, buffer), kCtInvalidCursor);
   int32_t count = 0;
   EXPECT_EQ(Conn->GetRecordCount(nullptr, count), kCtInvalidCursor);
@@ -306,22 +266,17 @@ int LockFifthRecord(TCTConnection& conn, TCTCursorDesc* cursor) {
 }
 
 TEST_F(CursorTest, RecordLocksHoldAgainstAnotherProcessAndUnlockingKeepsThePosition) {
-  TCTCustomRecordBuffer* buffer = NewBuffer();
-  ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
-  for (int i = 0; i < 5; ++i) ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  ASSERT_EQ(IdOf(*buffer), 7);
+  ASSERT_EQ(NthFromStart(5), 7);
   int32_t handle = 0;
   const int32_t locked = Conn->LockRecord(Cursor.get(), handle);
   if (locked == NSUP_ERR) GTEST_SKIP() << "the engine has no record locks yet";
   ASSERT_EQ(locked, 0);
   EXPECT_EQ(InChild(Dir.Path(), LockFifthRecord), DLOK2_ERR);
   // Unlock from elsewhere in the table: the position stays where it is.
-  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  ASSERT_EQ(IdOf(*buffer), 2);
+  ASSERT_EQ(Next(), 2);
   ASSERT_EQ(Conn->UnlockRecord(Cursor.get(), handle), 0);
   EXPECT_EQ(InChild(Dir.Path(), LockFifthRecord), 0);
-  ASSERT_EQ(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, buffer), 0);
-  EXPECT_EQ(IdOf(*buffer), 8);
+  EXPECT_EQ(Next(), 8);
 }
 
 class OpenCursorTest : public TableTest {};
@@ -358,6 +313,9 @@ TEST_F(OpenCursorTest, AFileOfAnotherAlignmentGives1136) {
   std::unique_ptr<TCTCursorDesc> cursor;
   EXPECT_EQ(Conn->OpenCursor(cursor, "wordtable.dat", Dir.Path(), SHARED), kCtAlignmentMismatch);
   EXPECT_FALSE(cursor);
+  int16_t fileNo = -1;
+  EXPECT_EQ(Conn->OpenTableFiles(made, SHARED, fileNo), kCtAlignmentMismatch);
+  EXPECT_EQ(fileNo, -1);
   ASSERT_EQ(Conn->OpenCursor(cursor, "people.dat", Dir.Path(), SHARED), 0);
   EXPECT_EQ(Conn->CloseCursor(cursor), 0);
 }

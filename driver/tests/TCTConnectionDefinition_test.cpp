@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <tuple>
 
 #include "TableFixture.h"
 
@@ -57,19 +58,26 @@ class DefinitionTest : public TableTest {
     std::sort(names.begin(), names.end());
     return names;
   }
+  /// Creates the table `desc` describes in the test directory (failing the test when refused).
+  void Create(const CTTblDesc& desc = People()) {
+    CTTblDesc copy = desc;
+    ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, copy), 0) << desc.Name;
+  }
   void OpenPeople(int32_t flags = SHARED) {
     ASSERT_EQ(Conn->OpenCursor(Cursor, "people", Dir.Path(), flags), 0);
   }
-  void AddRow(int32_t id, int32_t grp, const std::string& name) {
-    std::vector<uint8_t> rec = Record(id, grp, name);
-    rec.resize(static_cast<size_t>(Cursor->FixedRecLength), 0);
-    ASSERT_EQ(CTDbIntf::AddRecord(Conn->Alignment(), Cursor->DataFileNo, rec.data()), 0);
+  /// Adds records (id, grp, name) straight through the engine.
+  void AddRows(const std::vector<std::tuple<int32_t, int32_t, std::string>>& rows) {
+    for (const auto& [id, grp, name] : rows) {
+      std::vector<uint8_t> rec = Record(id, grp, name);
+      rec.resize(static_cast<size_t>(Cursor->FixedRecLength), 0);
+      ASSERT_EQ(CTDbIntf::AddRecord(Conn->Alignment(), Cursor->DataFileNo, rec.data()), 0) << id;
+    }
   }
 };
 
 TEST_F(DefinitionTest, CreatedTableCarriesTheDefinitionRecordsAsBuilt) {
-  CTTblDesc desc = People();
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  Create();
   EXPECT_EQ(Files(), (std::vector<std::string>{"people", "people.idx"}));
   OpenPeople();
   const IfilDefinition& ifil = Cursor->Ifil;
@@ -97,9 +105,7 @@ TEST_F(DefinitionTest, CreatedTableCarriesTheDefinitionRecordsAsBuilt) {
   EXPECT_EQ(Cursor->FieldDescByIndex(2)->Length, 12);
 
   // The descending, upper-casing index orders by group, then name, both backwards.
-  AddRow(1, 10, "anne");
-  AddRow(2, 20, "Bob");
-  AddRow(3, 20, "carl");
+  AddRows({{1, 10, "anne"}, {2, 20, "Bob"}, {3, 20, "carl"}});
   UseIndex("ByGroup");
   EXPECT_EQ(Walk(true), (std::vector<int32_t>{3, 2, 1}));
 }
@@ -107,9 +113,9 @@ TEST_F(DefinitionTest, CreatedTableCarriesTheDefinitionRecordsAsBuilt) {
 TEST_F(DefinitionTest, DataFileNamesFollowThePathRules) {
   Conn->SetDataExt(".dat");  // stored as "dat" and appended without a dot
   CTTblDesc desc = People();
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  Create(desc);
   desc.Name = "other.tbl";
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  Create(desc);
   EXPECT_EQ(Files(), (std::vector<std::string>{"other.idx", "other.tbl", "people.idx", "peopledat"}));
   OpenPeople();
   ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
@@ -120,7 +126,7 @@ TEST_F(DefinitionTest, VariableFieldsAndTableFlagsSetTheFileMode) {
   CTTblDesc desc = People();
   desc.Fields.push_back(Field("notes", fldBLOB, fldst4STRING, 30000));
   desc.TableFlags = 0x10 | 0x400;  // bit 0x10 brings the whole 0x30 group with it
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  Create(desc);
   OpenPeople();
   EXPECT_EQ(Cursor->Ifil.dfilmod, SHARED | VLENGTH | 0x30 | 0x400);
   EXPECT_TRUE(Cursor->HasBlobs);
@@ -135,8 +141,7 @@ TEST_F(DefinitionTest, NullKeysDecidesWhetherBlankKeysAreStored) {
     desc.Indexes = {Index("ByName", {3}, false)};
     ASSERT_EQ(Conn->CreateTable(Dir.Path(), true, desc), 0);
     OpenPeople();
-    AddRow(1, 1, "");
-    AddRow(2, 1, "x");
+    AddRows({{1, 1, ""}, {2, 1, "x"}});
     EXPECT_EQ(CTDbIntf::NbrOfKeyEntries(Conn->Alignment(), static_cast<int16_t>(Cursor->DataFileNo + 1)),
               nullKeys ? 2 : 1);
     ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
@@ -145,9 +150,9 @@ TEST_F(DefinitionTest, NullKeysDecidesWhetherBlankKeysAreStored) {
 
 TEST_F(DefinitionTest, OverwriteReplacesATableAndOnlyThen) {
   CTTblDesc desc = People();
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  Create(desc);
   OpenPeople();
-  AddRow(1, 1, "kept");
+  AddRows({{1, 1, "kept"}});
   ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
   EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), DCRAT_ERR);
   OpenPeople();
@@ -204,10 +209,9 @@ TEST_F(DefinitionTest, ARelativePathIsTakenFromTheCurrentFolderOnce) {
 }
 
 TEST_F(DefinitionTest, RenamedTableOpensUnderItsNewName) {
-  CTTblDesc desc = People();
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  Create();
   OpenPeople(EXCLUSIVE);
-  AddRow(7, 1, "moved");
+  AddRows({{7, 1, "moved"}});
   ASSERT_EQ(Conn->RenameTable(Cursor.get(), "renamed"), 0);
   ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
   EXPECT_EQ(Files(), (std::vector<std::string>{"renamed", "renamed.idx"}));
@@ -221,8 +225,7 @@ TEST_F(DefinitionTest, RenamedTableOpensUnderItsNewName) {
 }
 
 TEST_F(DefinitionTest, DeleteTableAndCreateFile) {
-  CTTblDesc desc = People();
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  Create();
   ASSERT_EQ(Conn->DeleteTable(Dir.Path(), "people"), 0);
   EXPECT_TRUE(Files().empty());
   EXPECT_EQ(Conn->DeleteTable(Dir.Path(), "people"), FNOP_ERR);
@@ -241,7 +244,7 @@ TEST_F(DefinitionTest, APathEndingInAFileNameMakesASuperfileMember) {
   CTCurProps props;
   ASSERT_EQ(Conn->GetCursorProps(Cursor.get(), props), 0);
   EXPECT_EQ(props.Name, "people");
-  AddRow(1, 10, "member");
+  AddRows({{1, 10, "member"}});
   UseIndex("Primary");
   EXPECT_EQ(Walk(true), std::vector<int32_t>{1});
   ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
@@ -257,49 +260,18 @@ TEST_F(DefinitionTest, ConditionalIndexesHoldOnlyTheirRecords) {
   if (created == NSUP_ERR) GTEST_SKIP() << "the engine has no conditional indexes yet";
   ASSERT_EQ(created, 0);
   OpenPeople();
-  AddRow(1, 10, "a");
-  AddRow(2, 20, "b");
-  AddRow(3, 30, "c");
+  AddRows({{1, 10, "a"}, {2, 20, "b"}, {3, 30, "c"}});
   UseIndex("ByGroup");
   EXPECT_EQ(Walk(true), (std::vector<int32_t>{3, 2}));
   EXPECT_EQ(Cursor->Indexes[1].Condition, "grp > 15");
 }
 
-// Indexes added to an open table need the engine's incremental index calls.
-TEST_F(DefinitionTest, AddedIndexIsFilledAndWalked) {
-  CTTblDesc desc = People();
-  desc.Indexes = {Index("", {1}, true)};
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
-  OpenPeople(EXCLUSIVE);
-  AddRow(1, 30, "c");
-  AddRow(2, 10, "a");
-  AddRow(3, 20, "b");
-  ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
-  CTIdxDesc byName = Index("ByName", {3}, true);
-  ASSERT_EQ(Conn->AddIndex(Cursor.get(), &byName), 0);
-  EXPECT_EQ(Cursor->IndexCount, 2);
-  // Switched to by name alone.
-  CTIdxDesc use;
-  use.Name = "ByName";
-  use.IndexId = -1;
-  ASSERT_EQ(Conn->SwitchToIndex(Cursor.get(), &use, false), 0);
-  EXPECT_EQ(Walk(true), (std::vector<int32_t>{2, 3, 1}));
-  CTIdxDesc victim = byName;
-  ASSERT_EQ(Conn->DeleteIndex(Cursor.get(), &victim), 0);
-  EXPECT_EQ(Cursor->IndexCount, 1);
-  CTIdxDesc unknown = Index("nothere", {1}, true);
-  unknown.IndexId = -1;
-  EXPECT_EQ(Conn->DeleteIndex(Cursor.get(), &unknown), kCtInvalidIndexDesc);
-}
-
 TEST_F(DefinitionTest, RebuildingAnIndexAsksTheHookAndRebuildingATableRestoresEveryKey) {
   CTTblDesc desc = People();
   desc.Name = "people.dat";
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  Create(desc);
   ASSERT_EQ(Conn->OpenCursor(Cursor, "people.dat", Dir.Path(), SHARED), 0);
-  AddRow(1, 10, "a");
-  AddRow(2, 20, "b");
-  AddRow(3, 30, "c");
+  AddRows({{1, 10, "a"}, {2, 20, "b"}, {3, 30, "c"}});
   UseIndex("ByGroup");
   CTIdxDesc byGroup = Cursor->Indexes[1];
   int offered = 0;
@@ -328,10 +300,9 @@ TEST_F(DefinitionTest, RebuildingAnIndexAsksTheHookAndRebuildingATableRestoresEv
 }
 
 TEST_F(DefinitionTest, LockedReadsTakeTheRecordLock) {
-  CTTblDesc desc = People();
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  Create();
   OpenPeople();
-  AddRow(1, 10, "a");
+  AddRows({{1, 10, "a"}});
   UseIndex("Primary");
   TCTCustomRecordBuffer* buffer = NewBuffer();
   ASSERT_EQ(Conn->SetToBegin(Cursor.get()), 0);
@@ -345,10 +316,10 @@ TEST_F(DefinitionTest, LockedReadsTakeTheRecordLock) {
 
 TEST_F(DefinitionTest, AnOpenedIndexFileJoinsTheCursorUntilItCloses) {
   CTTblDesc desc = People();
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  Create(desc);
   desc.Name = "side";
   desc.Indexes = {Index("SideName", {3}, true)};
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  Create(desc);
   OpenPeople();
   ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
   CTIdxDesc opened;
@@ -356,8 +327,7 @@ TEST_F(DefinitionTest, AnOpenedIndexFileJoinsTheCursorUntilItCloses) {
   EXPECT_EQ(Cursor->IndexCount, 3);
   EXPECT_EQ(opened.Name, "side");
   EXPECT_EQ(Cursor->Indexes.back().IndexId, opened.IndexId);
-  AddRow(2, 10, "b");
-  AddRow(1, 20, "a");
+  AddRows({{2, 10, "b"}, {1, 20, "a"}});
   ASSERT_EQ(Conn->SwitchToIndex(Cursor.get(), &opened, false), 0);
   EXPECT_EQ(Walk(true), (std::vector<int32_t>{1, 2}));
   ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);  // the opened file stays in the list
@@ -366,19 +336,23 @@ TEST_F(DefinitionTest, AnOpenedIndexFileJoinsTheCursorUntilItCloses) {
   EXPECT_EQ(Conn->CloseCursor(Cursor), 0);
 }
 
-// AddIndex then DeleteIndex, on the open table and across a reopen: the list, the key numbers
-// and the files follow.
+// Indexes added to an open table (through the engine's incremental index calls) are filled at
+// once; AddIndex then DeleteIndex, on the open table and across a reopen: the list, the key
+// numbers and the files follow.
 TEST_F(DefinitionTest, AddedIndexesAreDeletedOnAnOpenOrReopenedTable) {
-  CTTblDesc desc = People();
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  Create();
   const std::vector<std::string> original = Files();
   OpenPeople();
-  AddRow(1, 30, "c");
-  AddRow(2, 10, "a");
-  AddRow(3, 20, "b");
+  AddRows({{1, 30, "c"}, {2, 10, "a"}, {3, 20, "b"}});
   ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
   CTIdxDesc byName = Index("ByName", {3}, true);
   ASSERT_EQ(Conn->AddIndex(Cursor.get(), &byName), 0);
+  EXPECT_EQ(Cursor->IndexCount, 3);
+  CTIdxDesc use;  // switched to by its name alone, the added index is filled
+  use.Name = "ByName";
+  use.IndexId = -1;
+  ASSERT_EQ(Conn->SwitchToIndex(Cursor.get(), &use, false), 0);
+  EXPECT_EQ(Walk(true), (std::vector<int32_t>{2, 3, 1}));
   ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
   ASSERT_EQ(Cursor->IndexCount, 3);
   EXPECT_EQ(Cursor->Indexes.back().Name, "ByName");
@@ -387,6 +361,9 @@ TEST_F(DefinitionTest, AddedIndexesAreDeletedOnAnOpenOrReopenedTable) {
   EXPECT_EQ(Cursor->IndexCount, 2);
   EXPECT_EQ(Files(), original);
   EXPECT_EQ(Conn->DeleteIndex(Cursor.get(), &byName), kCtInvalidIndexDesc);
+  CTIdxDesc unknown = Index("nothere", {1}, true);
+  unknown.IndexId = -1;
+  EXPECT_EQ(Conn->DeleteIndex(Cursor.get(), &unknown), kCtInvalidIndexDesc);
 
   // Added again, then the table closes: the reopened table has it and deletes it.
   byName = Index("ByName", {3}, true);
@@ -395,7 +372,7 @@ TEST_F(DefinitionTest, AddedIndexesAreDeletedOnAnOpenOrReopenedTable) {
   OpenPeople(EXCLUSIVE);
   ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
   ASSERT_EQ(Cursor->IndexCount, 3);
-  CTIdxDesc use = Cursor->Indexes.back();
+  use = Cursor->Indexes.back();
   EXPECT_EQ(use.Name, "ByName");
   ASSERT_EQ(Conn->SwitchToIndex(Cursor.get(), &use, false), 0);
   EXPECT_EQ(Walk(true), (std::vector<int32_t>{2, 3, 1}));
@@ -440,8 +417,7 @@ TEST_F(DefinitionTest, UnnamedIndexesAfterADeletedOneMoveUpAPlaceAndAName) {
 }
 
 TEST_F(DefinitionTest, IndexCallsCheckTheirArguments) {
-  CTTblDesc desc = People();
-  ASSERT_EQ(Conn->CreateTable(Dir.Path(), false, desc), 0);
+  Create();
   OpenPeople();
   EXPECT_EQ(Conn->AddIndex(Cursor.get(), nullptr), kCtInvalidIndexDesc);
   EXPECT_EQ(Conn->OpenIndex(Cursor.get(), "x.idx", nullptr), kCtInvalidIndexDesc);

@@ -284,14 +284,8 @@ TEST_F(FieldTest, BadInputGivesNumbersOrTheNilRecordMessage) {
 
   TCTCustomRecordBuffer empty(&Cursor);
   EXPECT_EQ(Conn->SetField(&Cursor, 1, &empty, &value), kCtOffsetBeyondData);
-  try {
-    (void)Conn->GetField(&Cursor, 1, &empty, &value, blank);
-    FAIL() << "no exception";
-  } catch (const CTDbIntf::ECtreeException& e) {
-    EXPECT_STREQ(e.what(),
-                 "A Call has been made to Conn1.GetField routine.  The Record Pointer is nil, and no processing "
-                 "can occur");
-  }
+  EXPECT_EQ(Raised([&] { (void)Conn->GetField(&Cursor, 1, &empty, &value, blank); }).Message(),
+            "A Call has been made to Conn1.GetField routine.  The Record Pointer is nil, and no processing can occur");
 
   Conn->SetActive(false);
   EXPECT_EQ(Conn->GetField(&Cursor, 1, Buffer.get(), &value, blank), kCtNotActive);

@@ -16,18 +16,6 @@ class RecordTest : public TableTest {
     if (!LockSetsSupported()) GTEST_SKIP() << "the engine has no lock sets yet";
     Open();
   }
-  int32_t Append(int32_t id, int32_t grp, const std::string& name = "") {
-    TCTCustomRecordBuffer* buffer = NewBuffer();
-    buffer->InitRecord();
-    const std::vector<uint8_t> rec = Record(id, grp, name);
-    std::memcpy(buffer->RecordPtr(), rec.data(), rec.size());
-    return Conn->AppendRecord(Cursor.get(), buffer);
-  }
-  int32_t Count() {
-    int32_t count = -1;
-    EXPECT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
-    return count;
-  }
   // Stands on record `id` (making index ById current when it is not) and returns a buffer
   // holding it.
   TCTCustomRecordBuffer* Fetch(int32_t id) {
@@ -84,20 +72,12 @@ TEST_F(RecordTest, ARecordChangedByAnotherUserIsLeftAsThatUserWroteIt) {
   for (int32_t id = 1; id <= 3; ++id) ASSERT_EQ(Append(id, 10), 0);
   TCTCustomRecordBuffer* mine = Fetch(2);
 
-  std::unique_ptr<TCTCursorDesc> other;
+  std::unique_ptr<TCTCursorDesc> other;  // another user changes record 2 (second in the file)
   ASSERT_EQ(Conn->OpenCursor(other, "people.dat", Dir.Path(), SHARED), 0);
   {
-    TCTCustomRecordBuffer theirs(other.get());
-    const std::vector<uint8_t> rec = Record(2, 10);
-    theirs.SetRecord(rec.data(), kRecordLength);
-    ASSERT_EQ(Conn->InitIndexes(other.get()), 0);
-    CTIdxDesc byId;
-    byId.Name = "ById";
-    byId.IndexId = -1;
-    ASSERT_EQ(Conn->SwitchToIndex(other.get(), &byId, false), 0);
-    ASSERT_EQ(Conn->GotoKey(other.get(), &theirs), 0);
-    ASSERT_EQ(Conn->GetCurrentRecord(other.get(), dbiNOLOCK, &theirs), 0);
-    TCTCustomRecordBuffer changed(other.get());
+    TCTCustomRecordBuffer theirs(other.get()), changed(other.get());
+    ASSERT_EQ(Conn->SetToBegin(other.get()), 0);
+    for (int i = 0; i < 2; ++i) ASSERT_EQ(Conn->GetNextRecord(other.get(), dbiNOLOCK, &theirs), 0);
     changed.SetRecord(theirs.RecordPtr(), theirs.RecordSize());
     const int32_t grp = 77;
     std::memcpy(changed.RecordPtr() + 4, &grp, 4);

@@ -311,17 +311,6 @@ TEST_F(SchemaTest, NilCursorOutOfRangeOrdinalsAndInactiveConnectionGiveNumbers) 
   EXPECT_EQ(Conn->GetCursorProps(&detached, props), kCtNotActive);
 }
 
-TEST_F(SchemaTest, ContextsSaveAndRestoreThePosition) {
-  auto cursor = OpenTable(MakeTable("ctx", {{"a", CT_INT4, 4}}, {}));
-  ASSERT_TRUE(cursor);
-  ASSERT_EQ(Conn->SetContext(cursor.get()), 0);
-  EXPECT_GE(cursor->LastContext(), 0);
-  ASSERT_EQ(Conn->RestoreContext(cursor.get()), 0);
-  EXPECT_EQ(cursor->LastContext(), -1);
-  EXPECT_EQ(cursor->FreeContext(12345), kCtInvalidCursor);
-  CloseTable(cursor);
-}
-
 TEST_F(SchemaTest, IndexFileNamesKeepEightCharacters) {
   std::string name;
   int32_t number = 0;
@@ -366,16 +355,6 @@ TEST_F(SchemaTest, CheckFileExistsAsksCTreeAndLeavesNothingBehind) {
   const std::string path = MakeTable("present", {{"a", CT_INT4, 4}}, {});
   EXPECT_TRUE(Conn->CheckFileExists(path));
   EXPECT_TRUE(Conn->CheckFileExists(Dir.File("no/such/dir/x.dat"))) << "any failure to create counts as existing";
-}
-
-TEST_F(SchemaTest, TablesOfAnotherAlignmentAreRefusedWith1136) {
-  const std::string path = MakeTable("bytes", {{"a", CT_INT4, 4}}, {});
-  Conn->SetActive(false);
-  Conn->SetLoadAlignment(CTDbIntf::laDWord);
-  Activate();
-  int16_t fileNo = -1;
-  EXPECT_EQ(Conn->OpenTableFiles(path, SHARED, fileNo), kCtAlignmentMismatch);
-  EXPECT_EQ(fileNo, -1);
 }
 
 // The definition records reach each engine variant in its own packing.

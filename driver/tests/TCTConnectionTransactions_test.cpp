@@ -2,7 +2,6 @@
 // open cursors kept, and a connection deactivated in the middle of a transaction.
 #include <gtest/gtest.h>
 
-#include "ECtreeException.h"
 #include "TableFixture.h"
 
 namespace Ctdb::testing {
@@ -14,43 +13,21 @@ class TransactionTest : public TableTest {
     TableTest::SetUp();
     Open();
   }
-  int32_t Append(int32_t id) {
-    TCTCustomRecordBuffer* buffer = NewBuffer();
-    buffer->InitRecord();
-    const std::vector<uint8_t> rec = Record(id, id % 3);
-    std::memcpy(buffer->RecordPtr(), rec.data(), rec.size());
-    return Conn->AppendRecord(Cursor.get(), buffer);
-  }
-  int32_t Count() {
-    int32_t count = -1;
-    EXPECT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
-    return count;
-  }
-  // The number the call raises as ECtreeException; -1 when it raises none.
-  template <class F>
-  static int32_t ErrorOf(F&& action) {
-    try {
-      action();
-    } catch (const CTDbIntf::ECtreeException& e) {
-      return e.ErrorCode;
-    }
-    return -1;
-  }
 };
 
 TEST_F(TransactionTest, CommitKeepsEveryChangeAndRollbackNone) {
-  ASSERT_EQ(Append(1), 0);
+  ASSERT_EQ(Append(1, 0), 0);
   EXPECT_FALSE(Conn->InTransaction());
   Conn->StartTransaction();
   EXPECT_TRUE(Conn->InTransaction());
-  for (int32_t id = 2; id <= 50; ++id) ASSERT_EQ(Append(id), 0);
+  for (int32_t id = 2; id <= 50; ++id) ASSERT_EQ(Append(id, 0), 0);
   EXPECT_EQ(Count(), 50);  // the transaction sees its own changes
   Conn->Commit();
   EXPECT_FALSE(Conn->InTransaction());
   EXPECT_EQ(Count(), 50);
 
   Conn->StartTransaction();
-  for (int32_t id = 51; id <= 60; ++id) ASSERT_EQ(Append(id), 0);
+  for (int32_t id = 51; id <= 60; ++id) ASSERT_EQ(Append(id, 0), 0);
   Conn->Rollback();
   EXPECT_FALSE(Conn->InTransaction());
   EXPECT_EQ(Count(), 50);
@@ -61,15 +38,15 @@ TEST_F(TransactionTest, CommitKeepsEveryChangeAndRollbackNone) {
   EXPECT_EQ(ids.back(), 50);
 
   // The cursor stays usable: a later change outside any transaction is kept.
-  ASSERT_EQ(Append(61), 0);
+  ASSERT_EQ(Append(61, 0), 0);
   EXPECT_EQ(Count(), 51);
 }
 
 TEST_F(TransactionTest, ARejectedRecordDoesNotSpoilTheTransaction) {
   Conn->StartTransaction();
-  ASSERT_EQ(Append(1), 0);
-  EXPECT_EQ(Append(1), 2);  // unique key clash: nothing written
-  ASSERT_EQ(Append(2), 0);
+  ASSERT_EQ(Append(1, 0), 0);
+  EXPECT_EQ(Append(1, 0), 2);  // unique key clash: nothing written
+  ASSERT_EQ(Append(2, 0), 0);
   Conn->Commit();
   EXPECT_EQ(Count(), 2);
   UseIndex("ById");
@@ -77,24 +54,24 @@ TEST_F(TransactionTest, ARejectedRecordDoesNotSpoilTheTransaction) {
 }
 
 TEST_F(TransactionTest, MisuseRaisesTheEngineNumberAndKeepsTheState) {
-  EXPECT_EQ(ErrorOf([&] { Conn->Commit(); }), CT_ETRAN);
-  EXPECT_EQ(ErrorOf([&] { Conn->Rollback(); }), CT_ETRAN);
+  EXPECT_EQ(Raised([&] { Conn->Commit(); }).ErrorCode, CT_ETRAN);
+  EXPECT_EQ(Raised([&] { Conn->Rollback(); }).ErrorCode, CT_ETRAN);
   Conn->StartTransaction();
-  EXPECT_EQ(ErrorOf([&] { Conn->StartTransaction(); }), CT_ETRAN);
+  EXPECT_EQ(Raised([&] { Conn->StartTransaction(); }).ErrorCode, CT_ETRAN);
   EXPECT_TRUE(Conn->InTransaction());  // the first one is still open
-  ASSERT_EQ(Append(7), 0);
+  ASSERT_EQ(Append(7, 0), 0);
   Conn->Commit();
   EXPECT_EQ(Count(), 1);
 }
 
 TEST_F(TransactionTest, DeactivatingRollsBackAndAnInactiveConnectionRefuses) {
   Conn->StartTransaction();
-  ASSERT_EQ(Append(1), 0);
+  ASSERT_EQ(Append(1, 0), 0);
   ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
   Conn->SetActive(false);
   EXPECT_FALSE(Conn->InTransaction());
-  EXPECT_EQ(ErrorOf([&] { Conn->StartTransaction(); }), kCtNotActive);
-  EXPECT_EQ(ErrorOf([&] { Conn->Commit(); }), kCtNotActive);
+  EXPECT_EQ(Raised([&] { Conn->StartTransaction(); }).ErrorCode, kCtNotActive);
+  EXPECT_EQ(Raised([&] { Conn->Commit(); }).ErrorCode, kCtNotActive);
 
   Conn->SetActive(true);
   Open();

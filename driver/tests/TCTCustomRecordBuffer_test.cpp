@@ -31,7 +31,7 @@ void Write(fw::TMemoryStream* stream, const std::string& bytes) {
   stream->Write(bytes.data(), static_cast<int32_t>(bytes.size()));
 }
 
-TEST(RecordBufferTest, FixedLayoutUsesTheTemplateOffsets) {
+TEST(RecordBufferTest, FixedLayoutUsesTheTemplateOffsetsAndTheTableRecordLength) {
   auto cursor = CursorWith({{CT_FSTRING, 10}});
   TCTCustomRecordBuffer buffer(cursor.get());
   EXPECT_EQ(buffer.RecordPtr(), nullptr) << "no record before InitRecord";
@@ -52,18 +52,17 @@ TEST(RecordBufferTest, FixedLayoutUsesTheTemplateOffsets) {
   EXPECT_EQ(std::string(reinterpret_cast<char*>(record.RecordPtr()), 12), "abcdefghijkl");
   ASSERT_TRUE(record.FillRecord());
   EXPECT_EQ(std::string(reinterpret_cast<char*>(record.RecordPtr()), 12), "abcdefghijkl");
-}
 
-TEST(RecordBufferTest, TheTableRecordLengthIsTheLeastTheBufferHolds) {
-  auto cursor = CursorWith({{CT_INT4, 4}});
-  cursor->FixedRecLength = 14;
-  TCTCustomRecordBuffer buffer(cursor.get());
-  buffer.InitRecord();
-  EXPECT_EQ(buffer.RecordSize(), 14);
-  buffer.SetRecord("abcd", 4);
-  ASSERT_TRUE(buffer.FillRecord());
-  EXPECT_EQ(buffer.RecordSize(), 14);
-  EXPECT_EQ(std::memcmp(buffer.RecordPtr(), "abcd", 4), 0);
+  // The table's record length is the least the buffer holds.
+  auto longer = CursorWith({{CT_INT4, 4}});
+  longer->FixedRecLength = 14;
+  TCTCustomRecordBuffer padded(longer.get());
+  padded.InitRecord();
+  EXPECT_EQ(padded.RecordSize(), 14);
+  padded.SetRecord("abcd", 4);
+  ASSERT_TRUE(padded.FillRecord());
+  EXPECT_EQ(padded.RecordSize(), 14);
+  EXPECT_EQ(std::memcmp(padded.RecordPtr(), "abcd", 4), 0);
 }
 
 TEST(RecordBufferTest, VariableFieldsMoveTheFieldsAfterThem) {

@@ -25,6 +25,7 @@ class TableTest : public DriverTest {
   }
   void TearDown() override {
     Buffers.clear();
+    FScratch = nullptr;
     if (Cursor) {
       EXPECT_EQ(Conn->CloseCursor(Cursor), 0);
     }
@@ -45,6 +46,39 @@ class TableTest : public DriverTest {
     std::memcpy(&id, buffer.RecordPtr(), 4);
     return id;
   }
+
+  /// Appends record (id, grp, name) through the driver.
+  int32_t Append(int32_t id, int32_t grp, const std::string& name = "") {
+    TCTCustomRecordBuffer* buffer = NewBuffer();
+    buffer->InitRecord();
+    const std::vector<uint8_t> rec = Record(id, grp, name);
+    std::memcpy(buffer->RecordPtr(), rec.data(), rec.size());
+    return Conn->AppendRecord(Cursor.get(), buffer);
+  }
+  int32_t Count() {
+    int32_t count = -1;
+    EXPECT_EQ(Conn->GetRecordCount(Cursor.get(), count), 0);
+    return count;
+  }
+
+  /// The buffer the stepping calls below read into (one per cursor).
+  TCTCustomRecordBuffer* Scratch() {
+    if (FScratch == nullptr || FScratch->Cursor() != Cursor.get()) FScratch = NewBuffer();
+    return FScratch;
+  }
+  /// Reads the next, prior or current record into Scratch(): its id, or minus the number the
+  /// read returned.
+  int32_t Next() { return IdOrError(Conn->GetNextRecord(Cursor.get(), dbiNOLOCK, Scratch())); }
+  int32_t Prior() { return IdOrError(Conn->GetPriorRecord(Cursor.get(), dbiNOLOCK, Scratch())); }
+  int32_t Current() { return IdOrError(Conn->GetCurrentRecord(Cursor.get(), dbiNOLOCK, Scratch())); }
+  /// From the start, the id of the n-th record (1-based).
+  int32_t NthFromStart(int n) {
+    EXPECT_EQ(Conn->SetToBegin(Cursor.get()), 0);
+    int32_t id = 0;
+    for (int i = 0; i < n; ++i) id = Next();
+    return id;
+  }
+  int32_t IdOrError(int32_t result) { return result == 0 ? IdOf(*Scratch()) : -result; }
 
   /// Adds records straight through the engine (no lock set needed).
   void Insert(const std::vector<std::pair<int32_t, int32_t>>& rows) {
@@ -119,6 +153,9 @@ class TableTest : public DriverTest {
   std::string Path;
   std::unique_ptr<TCTCursorDesc> Cursor;
   std::vector<std::unique_ptr<TCTCustomRecordBuffer>> Buffers;
+
+ private:
+  TCTCustomRecordBuffer* FScratch = nullptr;
 };
 
 }  // namespace Ctdb::testing

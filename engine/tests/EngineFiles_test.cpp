@@ -104,11 +104,9 @@ TEST_F(EngineFiles, ExclusiveOpenExcludesOthersAndDeleteNeedsIt) {
 }
 
 TEST_F(EngineFiles, ReadOnlyRefusesWritesAndPasswordsAreChecked) {
-  ISEG s[1] = {{0, 4, SGNSEG}};
-  IIDX ix[1] = {{4, 0, 0, 0, 0, 1, s, nullptr, nullptr, nullptr, nullptr}};
-  IFIL f = {(pTEXT) "secret", -1, 8, 0, SHARED, 1, 0, SHARED, ix, nullptr, nullptr, -1};
-  ASSERT_EQ(api.CREIFILX(&f, nullptr, nullptr, 0, nullptr, (pTEXT) "pw"), 0);
-  ASSERT_EQ(api.CLRFIL(f.tfilno), 0);
+  OneIndexDef f("secret", 8, SHARED, {{0, 4, SGNSEG}});
+  ASSERT_EQ(api.CREIFILX(&f.ifil, nullptr, nullptr, 0, nullptr, (pTEXT) "pw"), 0);
+  ASSERT_EQ(api.CLRFIL(f.ifil.tfilno), 0);
   EXPECT_EQ(api.OPNRFILX(0, (pTEXT) "secret.dat", SHARED, (pTEXT) "wrong"), BPWD_ERR);
   EXPECT_EQ(api.OPNRFILX(0, (pTEXT) "secret.dat", SHARED, nullptr), BPWD_ERR);
   ASSERT_EQ(api.OPNRFILX(0, (pTEXT) "secret.dat", SHARED | READFIL, (pTEXT) "pw"), 0);
@@ -122,21 +120,16 @@ TEST_F(EngineFiles, CreateRefusesExistingFilesAndMalformedDefinitions) {
   CustomersDef again;
   EXPECT_EQ(api.CREIFIL(&again.ifil), DCRAT_ERR);
 
-  CustomersDef noName;
-  noName.ifil.pfilnam = nullptr;
-  EXPECT_EQ(api.CREIFIL(&noName.ifil), CT_EBADDEF);
-  CustomersDef noSegs;
-  noSegs.ifil.pfilnam = (pTEXT) "nosegs";
-  noSegs.idx[1].inumseg = 0;
-  EXPECT_EQ(api.CREIFIL(&noSegs.ifil), CT_EBADDEF);
-  CustomersDef beyond;
-  beyond.ifil.pfilnam = (pTEXT) "beyond";
-  beyond.cityName[0].soffset = 60;
-  EXPECT_EQ(api.CREIFIL(&beyond.ifil), CT_EBADDEF);
-  CustomersDef tooLong;
-  tooLong.ifil.pfilnam = (pTEXT) "toolong";
-  tooLong.idx[0].ikeylen = CT_MAXKEYLEN + 1;
-  EXPECT_EQ(api.CREIFIL(&tooLong.ifil), CT_EKEYLEN);
+  const std::pair<void (*)(CustomersDef&), COUNT> spoilt[] = {
+      {[](CustomersDef& d) { d.ifil.pfilnam = nullptr; }, CT_EBADDEF},
+      {[](CustomersDef& d) { d.ifil.pfilnam = (pTEXT) "nosegs"; d.idx[1].inumseg = 0; }, CT_EBADDEF},
+      {[](CustomersDef& d) { d.ifil.pfilnam = (pTEXT) "beyond"; d.cityName[0].soffset = 60; }, CT_EBADDEF},
+      {[](CustomersDef& d) { d.ifil.pfilnam = (pTEXT) "toolong"; d.idx[0].ikeylen = CT_MAXKEYLEN + 1; }, CT_EKEYLEN}};
+  for (const auto& [spoil, rc] : spoilt) {
+    CustomersDef def;
+    spoil(def);
+    EXPECT_EQ(api.CREIFIL(&def.ifil), rc) << (def.ifil.pfilnam ? def.ifil.pfilnam : "(no name)");
+  }
   EXPECT_EQ(api.CREIFIL(nullptr), CT_EBADARG);
   for (const char* n : {"nosegs.dat", "beyond.dat", "toolong.dat", "nosegs.idx", "beyond.idx"})
     EXPECT_FALSE(Exists(n)) << n;

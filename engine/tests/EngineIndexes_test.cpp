@@ -7,25 +7,6 @@ namespace {
 
 class EngineIndexes : public EngineTest {
  protected:
-  // The customers table with its schema and ids 1..n, balance 10 * id, cities cycling.
-  COUNT Filled(int n) {
-    COUNT dat = CreateCustomers();
-    DATOBJ doda[5] = {{(pTEXT) "id", nullptr, CT_INT4, 4, 0},
-                      {(pTEXT) "name", nullptr, CT_FSTRING, 30, 0},
-                      {(pTEXT) "city", nullptr, CT_FSTRING, 20, 0},
-                      {(pTEXT) "balance", nullptr, CT_DFLOAT, 8, 0},
-                      {(pTEXT) "date", nullptr, CT_INT4, 4, 0}};
-    EXPECT_EQ(api.PUTDODA(dat, doda, 5), 0);
-    const char* cities[] = {"Oslo", "Paris", "Rome"};
-    for (int id = 1; id <= n; ++id) EXPECT_EQ(Add(dat, id, ("n" + std::to_string(id)).c_str(), cities[id % 3], 10.0 * id), 0);
-    return dat;
-  }
-  COUNT Find(COUNT keyno, int id, Customer& c) {
-    Customer k = MakeCustomer(id, "", "");
-    uint8_t key[4];
-    api.frmkey(keyno, (pTEXT) &k, (pTEXT) key, 0, 0);
-    return api.EQLREC(keyno, key, &c);
-  }
   std::string Condition(COUNT keyno) {
     LONG n = api.GETCIDX(keyno, 0, nullptr);
     if (n <= 0) return "<none>";
@@ -91,9 +72,7 @@ TEST_F(EngineIndexes, MalformedConditionIsRefusedAndChangesNothing) {
 
 TEST_F(EngineIndexes, IndexAddedToOpenTableIsFilledMaintainedAndKept) {
   COUNT dat = Filled(20);
-  ISEG seg[1] = {{4, 30, REGSEG}};
-  IIDX ix[1] = {{34, 0, 1, 0, 0, 1, seg, (pTEXT) "by_name", nullptr, nullptr, nullptr}};
-  IFIL add = {(pTEXT) "byname", dat, sizeof(Customer), 0, SHARED, 1, 0, SHARED, ix, nullptr, nullptr, -1};
+  IFIL add = ByName(dat);
   ASSERT_EQ(api.TMPIIDXX(&add, 0, nullptr, nullptr), 0);
   COUNT k = add.tfilno;
   ASSERT_GT(k, dat + 2);
@@ -112,7 +91,7 @@ TEST_F(EngineIndexes, IndexAddedToOpenTableIsFilledMaintainedAndKept) {
   again.pfilnam = (pTEXT) "other";
   EXPECT_EQ(api.TMPIIDXX(&again, 0, nullptr, nullptr), DCRAT_ERR);  // same index name
   EXPECT_FALSE(std::filesystem::exists("other.idx"));
-  EXPECT_EQ(api.GETIFIL(dat, 0, nullptr) > 0, true);
+  EXPECT_EQ(IndexCount(dat), 3);
 
   ASSERT_EQ(api.CLRFIL(dat), 0);
   ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
@@ -123,10 +102,10 @@ TEST_F(EngineIndexes, IndexAddedToOpenTableIsFilledMaintainedAndKept) {
 
 TEST_F(EngineIndexes, UniqueClashWhileFillingLeavesTheTableAsItWas) {
   COUNT dat = Filled(6);
-  ISEG seg[1] = {{34, 20, REGSEG}};
-  IIDX ix[1] = {{20, 0, 0, 0, 0, 1, seg, (pTEXT) "city_unique", nullptr, nullptr, nullptr}};
-  IFIL add = {(pTEXT) "cities", dat, sizeof(Customer), 0, SHARED, 1, 0, SHARED, ix, nullptr, nullptr, -1};
-  EXPECT_EQ(api.TMPIIDXX(&add, 0, nullptr, nullptr), KDUP_ERR);
+  OneIndexDef unique("cities", sizeof(Customer), SHARED, {{34, 20, REGSEG}});
+  unique.ifil.dfilno = dat;
+  unique.ix[0].ridxnam = (pTEXT) "city_unique";
+  EXPECT_EQ(api.TMPIIDXX(&unique.ifil, 0, nullptr, nullptr), KDUP_ERR);
   EXPECT_FALSE(std::filesystem::exists("cities.idx"));
   ASSERT_EQ(api.CLRFIL(dat), 0);
   ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
@@ -135,12 +114,7 @@ TEST_F(EngineIndexes, UniqueClashWhileFillingLeavesTheTableAsItWas) {
 
 TEST_F(EngineIndexes, RebuildRepairsADamagedIndexFileAndLostKeys) {
   COUNT dat = Filled(50);
-  uint8_t key[4];
-  for (int id = 1; id <= 10; ++id) {
-    Customer k = MakeCustomer(id, "", "");
-    api.frmkey(dat + 1, (pTEXT) &k, (pTEXT) key, 0, 0);
-    ASSERT_EQ(api.DELBLD(dat + 1, key), 0);
-  }
+  for (int id = 1; id <= 10; ++id) ASSERT_EQ(api.DELBLD(dat + 1, IdKey(dat + 1, id).data()), 0);
   EXPECT_EQ(api.IDXENT(dat + 1), 40);
   IFIL ifil = def_.ifil;
   ASSERT_EQ(api.CLRFIL(dat), 0);

@@ -23,13 +23,6 @@ COUNT Expected(Holder h, Contender c) {
   return ContenderWaits(c) ? DTMO_ERR : DLOK2_ERR;
 }
 
-COUNT Find(EngineApi& api, COUNT keyno, int id, Customer& c) {
-  Customer k = MakeCustomer(id, "", "");
-  uint8_t key[4];
-  api.frmkey(keyno, (pTEXT) &k, (pTEXT) key, 0, 0);
-  return api.EQLREC(keyno, key, &c);
-}
-
 COUNT Hold(EngineApi& api, COUNT dat, LONG pos, Holder h) {
   Customer c{};
   switch (h) {
@@ -38,11 +31,11 @@ COUNT Hold(EngineApi& api, COUNT dat, LONG pos, Holder h) {
     case kSetRead:
     case kSetWrite:
       if (COUNT rc = api.LKISAM(h == kSetRead ? READREC : ENABLE)) return rc;
-      return Find(api, dat + 1, 1, c);
+      return ::Find(api, dat + 1, 1, c);
     case kTranRead:
     case kTranWrite:
       if (api.TRANBEG(h == kTranRead ? READREC : ENABLE) <= 0) return CT_ETRAN;
-      return Find(api, dat + 1, 1, c);
+      return ::Find(api, dat + 1, 1, c);
   }
   return CT_EBADARG;
 }
@@ -63,12 +56,12 @@ COUNT Contend(EngineApi& api, COUNT dat, LONG pos, Contender c) {
     case kSetReadFind:
     case kSetWaitFind:
       api.LKISAM(c == kSetReadFind ? READREC : ENABLE_BLK);
-      rc = Find(api, dat + 1, 1, rec);
+      rc = ::Find(api, dat + 1, 1, rec);
       api.LKISAM(FREE);
       return rc;
     case kTranWriteFind:
       api.TRANBEG(ENABLE);
-      rc = Find(api, dat + 1, 1, rec);
+      rc = ::Find(api, dat + 1, 1, rec);
       api.TRANABT();
       return rc;
   }
@@ -85,7 +78,7 @@ class LockMatrix : public EngineTest, public ::testing::WithParamInterface<std::
     ASSERT_EQ(Add(dat_, 1, "one", "X"), 0);
     ASSERT_EQ(Add(dat_, 2, "two", "X"), 0);
     Customer c{};
-    ASSERT_EQ(Find(api, dat_ + 1, 1, c), 0);
+    ASSERT_EQ(Find(dat_ + 1, 1, c), 0);
     pos_ = api.GETCURP(dat_);
   }
   void TearDown() override {
@@ -108,7 +101,7 @@ TEST_P(LockBetweenProcesses, ReadLocksShareAndWriteLocksExclude) {
     COUNT rc = Contend(child, 0, pos_, contender);
     // The other record is free whatever happened to the first.
     Customer other{};
-    if (Find(child, 1, 2, other) != 0 || child.LOKREC(0, ENABLE, child.GETCURP(0)) != 0) return 92;
+    if (::Find(child, 1, 2, other) != 0 || child.LOKREC(0, ENABLE, child.GETCURP(0)) != 0) return 92;
     return static_cast<int>(rc);
   });
   EXPECT_EQ(Wait(pid), Expected(holder, contender));

@@ -6,12 +6,6 @@ namespace {
 
 class EngineMapping : public EngineTest {
  protected:
-  // The customers table (EXCLUSIVE) with ids 1..n, names n1..nn.
-  COUNT Filled(int n, COUNT mode = EXCLUSIVE) {
-    COUNT dat = CreateCustomers(mode);
-    for (int id = 1; id <= n; ++id) EXPECT_EQ(Add(dat, id, ("n" + std::to_string(id)).c_str(), "Oslo"), 0);
-    return dat;
-  }
   // A closed table "side" of customer records whose index file side.idx holds one index on name.
   void MakeSide() {
     IFIL side = {(pTEXT) "side", -1, sizeof(Customer), 0, EXCLUSIVE, 1, 0, EXCLUSIVE, nameIdx, nullptr, nullptr, -1};
@@ -20,7 +14,7 @@ class EngineMapping : public EngineTest {
   }
   // Adds the index on name to the open table dat as a file of its own; returns its number.
   COUNT AddByName(COUNT dat, bool permanent) {
-    IFIL add = {(pTEXT) "byname", dat, sizeof(Customer), 0, EXCLUSIVE, 1, 0, EXCLUSIVE, nameIdx, nullptr, nullptr, -1};
+    IFIL add = ByName(dat, EXCLUSIVE);
     EXPECT_EQ(api.TMPIIDXX(&add, 0, nullptr, nullptr), 0);
     if (permanent) {
       EXPECT_EQ(api.PRMIIDX(&add), 0);
@@ -32,19 +26,11 @@ class EngineMapping : public EngineTest {
     EXPECT_EQ(api.OPNRFIL(dat, (pTEXT) "customers.dat", EXCLUSIVE), 0);
     return dat;
   }
-  LONG IndexCount(COUNT dat) {
-    std::vector<char> image(4096);
-    EXPECT_GT(api.GETIFIL(dat, static_cast<LONG>(image.size()), image.data()), 0);
-    return reinterpret_cast<IFIL*>(image.data())->dnumidx;
-  }
-
-  ISEG nameSeg[1] = {{4, 30, REGSEG}};
-  IIDX nameIdx[1] = {{34, 0, 1, 0, 0, 1, nameSeg, (pTEXT) "by_name", nullptr, nullptr, nullptr}};
 };
 
 TEST_F(EngineMapping, MappedIndexFileHasKeysUntilItCloses) {
   MakeSide();
-  COUNT dat = Filled(20);
+  COUNT dat = Filled(20, EXCLUSIVE);
   const COUNT k = 20;
   ASSERT_EQ(api.OPNFIL(k, (pTEXT) "side.idx", EXCLUSIVE), 0);
   EXPECT_EQ(api.IDXENT(k), 0);
@@ -74,7 +60,7 @@ TEST_F(EngineMapping, MappedIndexFileHasKeysUntilItCloses) {
 
 TEST_F(EngineMapping, MappingRefusesBadInputAndChangesNothing) {
   MakeSide();
-  COUNT dat = Filled(5);
+  COUNT dat = Filled(5, EXCLUSIVE);
   const COUNT k = 20;
   EXPECT_EQ(api.setimap(k, &def_.ifil, dat, 0), CT_ENOTOPEN);
   ASSERT_EQ(api.OPNFIL(k, (pTEXT) "side.idx", EXCLUSIVE), 0);
@@ -103,7 +89,7 @@ TEST_F(EngineMapping, MappingRefusesBadInputAndChangesNothing) {
 }
 
 TEST_F(EngineMapping, TemporaryIndexGoesWhenItsTableCloses) {
-  COUNT dat = Filled(8);
+  COUNT dat = Filled(8, EXCLUSIVE);
   COUNT k = AddByName(dat, false);
   EXPECT_EQ(api.IDXENT(k), 8);
   EXPECT_TRUE(std::filesystem::exists("byname.idx"));
@@ -126,7 +112,7 @@ TEST_F(EngineMapping, TemporaryIndexGoesWhenItsTableCloses) {
 }
 
 TEST_F(EngineMapping, TemporaryIndexesStayWhileAnotherOpenHasTheTable) {
-  COUNT dat = Filled(6, SHARED);
+  COUNT dat = Filled(6);
   ASSERT_EQ(api.OPNRFIL(20, (pTEXT) "customers.dat", SHARED), 0);
   COUNT k = AddByName(dat, false);
   ASSERT_EQ(api.CLRFIL(dat), 0);  // the other open still has the table: the index stays
@@ -142,7 +128,7 @@ TEST_F(EngineMapping, TemporaryIndexesStayWhileAnotherOpenHasTheTable) {
 }
 
 TEST_F(EngineMapping, AnotherOpenFollowsIndexesDroppedThroughTheFirst) {
-  COUNT dat = Filled(6, SHARED);
+  COUNT dat = Filled(6);
   COUNT k = AddByName(dat, true);
   ASSERT_EQ(api.OPNRFIL(20, (pTEXT) "customers.dat", SHARED), 0);  // by_name is 23 here
   IIDX two[2] = {def_.idx[0], nameIdx[0]};
@@ -160,7 +146,7 @@ TEST_F(EngineMapping, AnotherOpenFollowsIndexesDroppedThroughTheFirst) {
 }
 
 TEST_F(EngineMapping, DeletingAnIndexFileTakesItsKeysAndMovesLaterIndexesDown) {
-  COUNT dat = Filled(10);
+  COUNT dat = Filled(10, EXCLUSIVE);
   COUNT k = AddByName(dat, true);
   // customers.idx holds both of the table's own indexes: both go, the added one stays usable.
   ASSERT_EQ(api.DELFIL(dat + 1), 0);
@@ -186,7 +172,7 @@ TEST_F(EngineMapping, DeletingAnIndexFileTakesItsKeysAndMovesLaterIndexesDown) {
 
 TEST_F(EngineMapping, IndexFilesAreDeletedOnlyWhenOpenExclusively) {
   MakeSide();
-  COUNT dat = Filled(3, SHARED);
+  COUNT dat = Filled(3);
   EXPECT_EQ(api.DELFIL(dat + 1), FMOD_ERR);
   EXPECT_EQ(api.IDXENT(dat + 1), 3);
   ASSERT_EQ(api.OPNFIL(20, (pTEXT) "side.idx", SHARED), 0);
@@ -200,7 +186,7 @@ TEST_F(EngineMapping, IndexFilesAreDeletedOnlyWhenOpenExclusively) {
 }
 
 TEST_F(EngineMapping, IndexFileMadeMemberByMemberTakesItsSegmentsWhenMapped) {
-  COUNT dat = Filled(10);
+  COUNT dat = Filled(10, EXCLUSIVE);
   ASSERT_EQ(api.CREIDX(20, (pTEXT) "extra.idx", 4, 0, 0, 1, 0, EXCLUSIVE), 0);
   EXPECT_EQ(api.CREIDX(25, (pTEXT) "extra.idx", 4, 0, 0, 0, 0, EXCLUSIVE), DCRAT_ERR);
   EXPECT_EQ(api.CREIDX(25, (pTEXT) "long.idx", CT_MAXKEYLEN + 1, 0, 0, 0, 0, EXCLUSIVE), CT_EKEYLEN);
@@ -233,7 +219,7 @@ TEST_F(EngineMapping, IndexFileMadeMemberByMemberTakesItsSegmentsWhenMapped) {
 }
 
 TEST_F(EngineMapping, PutIfilWithFewerIndexesDropsTheOthersWithTheirKeys) {
-  COUNT dat = Filled(10);
+  COUNT dat = Filled(10, EXCLUSIVE);
   COUNT k = AddByName(dat, true);
   IIDX two[2] = {def_.idx[0], nameIdx[0]};
   IFIL put = {(pTEXT) "customers", dat, sizeof(Customer), 0, EXCLUSIVE, 2, 0, EXCLUSIVE, two, nullptr, nullptr, -1};

@@ -9,29 +9,12 @@
 
 #include <functional>
 
+#include "ChildProcess.h"
 #include "EngineFixture.h"
 
 namespace {
 
 using EngineProcess = EngineTest;
-
-// Runs body in a child process on its own engine instance; returns the child's exit status.
-template <typename F>
-pid_t Spawn(F&& body) {
-  pid_t pid = fork();
-  if (pid == 0) {
-    EngineApi child;
-    int rc = child.Load("libctreebm.so") && child.INTISAM(10, 32, 4) == 0 ? body(child) : 90;
-    _exit(rc);
-  }
-  return pid;
-}
-
-int Wait(pid_t pid) {
-  int status = 0;
-  waitpid(pid, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 100 + WTERMSIG(status);
-}
 
 TEST_F(EngineProcess, SharedOpenersSeeEachOthersCommits) {
   COUNT dat = CreateCustomers();
@@ -84,25 +67,14 @@ TEST_F(EngineProcess, KilledWriterLosesNothingItWasToldWasWritten) {
   EXPECT_EQ(api.IDXENT(dat + 1), n);
   EXPECT_EQ(api.IDXENT(dat + 2), n);
   Customer c{};
-  uint8_t key[4];
   for (int32_t probe : {0, acked / 2, acked}) {
-    Customer k = MakeCustomer(probe, "", "");
-    api.frmkey(dat + 1, (pTEXT) &k, (pTEXT) key, 0, 0);
-    ASSERT_EQ(api.EQLREC(dat + 1, key, &c), 0) << probe;
+    ASSERT_EQ(Find(dat + 1, probe, c), 0) << probe;
     EXPECT_EQ(c.id, probe);
   }
   EXPECT_EQ(Add(dat, -1, "after", "crash"), 0);
   ASSERT_EQ(api.CLRFIL(dat), 0);
   pid = Spawn([](EngineApi& e) { return e.OPNRFIL(0, (pTEXT) "customers.dat", EXCLUSIVE); });
   EXPECT_EQ(Wait(pid), 0);
-}
-
-// Reads the record with this id through index keyno into c (0 or the error).
-COUNT Find(EngineApi& api, COUNT keyno, int id, Customer& c) {
-  Customer k = MakeCustomer(id, "", "");
-  uint8_t key[4];
-  api.frmkey(keyno, (pTEXT) &k, (pTEXT) key, 0, 0);
-  return api.EQLREC(keyno, key, &c);
 }
 
 TEST_F(EngineProcess, ContendingLockSetsLoseNoUpdate) {
@@ -115,7 +87,7 @@ TEST_F(EngineProcess, ContendingLockSetsLoseNoUpdate) {
     for (int i = 0; i < kRounds; ++i) {
       if (e.LKISAM(ENABLE_BLK) != 0) return 2;
       Customer c{};
-      if (Find(e, 1, 1, c) != 0) return 3;
+      if (::Find(e, 1, 1, c) != 0) return 3;
       c.balance += 1;
       if (e.RWTREC(0, &c) != 0) return 4;
       if (e.LKISAM(FREE) != 0) return 5;
@@ -127,13 +99,14 @@ TEST_F(EngineProcess, ContendingLockSetsLoseNoUpdate) {
   EXPECT_EQ(Wait(b), 0);
   ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
   Customer c{};
-  ASSERT_EQ(Find(api, 1, 1, c), 0);
+  ASSERT_EQ(Find(1, 1, c), 0);
   EXPECT_EQ(c.balance, 2 * kRounds);
 }
 
 // A child that opens the customers table, runs start, adds 50 records, locks the first record,
-// reports on the pipe and waits to be killed.
+// reports on the pipe and waits to be killed: afterwards the table is as before and writable.
 void KillInside(EngineApi& api, const std::function<int(EngineApi&)>& start) {
+  const LONG before = api.DATENT(0);
   int fds[2];
   ASSERT_EQ(pipe(fds), 0);
   pid_t pid = Spawn([&](EngineApi& e) {
@@ -153,7 +126,7 @@ void KillInside(EngineApi& api, const std::function<int(EngineApi&)>& start) {
   });
   close(fds[1]);
   char ok = 0;
-  ASSERT_EQ(read(fds[0], &ok, 1), 1);
+  ASSERT_EQ(read(fds[0], &ok, 1), 1) << "the child ended with " << Wait(pid);
   close(fds[0]);
   Customer c{};
   ASSERT_EQ(api.FRSREC(0, &c), 0);
@@ -162,11 +135,12 @@ void KillInside(EngineApi& api, const std::function<int(EngineApi&)>& start) {
   kill(pid, SIGKILL);
   EXPECT_EQ(Wait(pid), 100 + SIGKILL);
   EXPECT_EQ(api.LOKREC(0, ENABLE, pos), 0);  // a dead process holds no lock
-  EXPECT_EQ(api.DATENT(0), 1);
-  EXPECT_EQ(api.IDXENT(1), 1);
-  Customer after = MakeCustomer(2, "after", "A");
+  EXPECT_EQ(api.LOKREC(0, FREE, pos), 0);
+  EXPECT_EQ(api.DATENT(0), before);
+  EXPECT_EQ(api.IDXENT(1), before);
+  Customer after = MakeCustomer(1000 + before, "after", "A");
   EXPECT_EQ(api.ADDREC(0, &after), 0);  // the storage is writable again
-  EXPECT_EQ(api.DATENT(0), 2);
+  EXPECT_EQ(api.DATENT(0), before + 1);
 }
 
 TEST_F(EngineProcess, WriterOfAnotherProcessMaintainsAnIndexAddedMeanwhile) {
@@ -189,9 +163,7 @@ TEST_F(EngineProcess, WriterOfAnotherProcessMaintainsAnIndexAddedMeanwhile) {
   });
   char c = 0;
   ASSERT_EQ(read(ready[0], &c, 1), 1);
-  ISEG seg[1] = {{4, 30, REGSEG}};
-  IIDX ix[1] = {{34, 0, 1, 0, 0, 1, seg, (pTEXT) "by_name", nullptr, nullptr, nullptr}};
-  IFIL add = {(pTEXT) "byname", dat, sizeof(Customer), 0, SHARED, 1, 0, SHARED, ix, nullptr, nullptr, -1};
+  IFIL add = ByName(dat);
   ASSERT_EQ(api.TMPIIDXX(&add, 0, nullptr, nullptr), 0);
   ASSERT_EQ(api.PRMIIDX(&add), 0);
   EXPECT_EQ(api.IDXENT(add.tfilno), 2);
@@ -202,30 +174,21 @@ TEST_F(EngineProcess, WriterOfAnotherProcessMaintainsAnIndexAddedMeanwhile) {
   for (int fd : {ready[0], ready[1], go[0], go[1]}) close(fd);
 }
 
-TEST_F(EngineProcess, KilledInsideTransactionLeavesNothing) {
+TEST_F(EngineProcess, KilledInsideTransactionOrLockSetLeavesNothing) {
   COUNT dat = CreateCustomers();
   ASSERT_EQ(Add(dat, 1, "kept", "K"), 0);
   ASSERT_EQ(api.CLRFIL(dat), 0);
   ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
   KillInside(api, [](EngineApi& e) { return e.TRANBEG(ENABLE) > 0 ? 0 : 1; });
-}
-
-TEST_F(EngineProcess, KilledInsideLockSetLeavesNothing) {
-  COUNT dat = CreateCustomers();
-  ASSERT_EQ(Add(dat, 1, "kept", "K"), 0);
-  ASSERT_EQ(api.CLRFIL(dat), 0);
-  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
   KillInside(api, [](EngineApi& e) { return e.LKISAM(ENABLE); });
 }
 
 TEST_F(EngineProcess, ReaderFollowsAFileAnotherProcessGrew) {
-  ISEG s[1] = {{0, 4, SGNSEG}};
-  IIDX ix[1] = {{4, 0, 0, 0, 0, 1, s, nullptr, nullptr, nullptr, nullptr}};
-  IFIL f = {(pTEXT) "big", -1, 8, 0, SHARED | VLENGTH, 1, 0, SHARED, ix, nullptr, nullptr, -1};
-  ASSERT_EQ(api.CREIFIL(&f), 0);
+  OneIndexDef f("big", 8, SHARED | VLENGTH, {{0, 4, SGNSEG}});
+  const COUNT dat = CreateOneIndex(f);
   char rec[1000] = {};
-  ASSERT_EQ(api.ADDVREC(f.tfilno, rec, sizeof rec), 0);
-  EXPECT_EQ(api.DATENT(f.tfilno), 1);
+  ASSERT_EQ(api.ADDVREC(dat, rec, sizeof rec), 0);
+  EXPECT_EQ(api.DATENT(dat), 1);
   pid_t pid = Spawn([](EngineApi& e) {
     if (e.OPNRFIL(0, (pTEXT) "big.dat", SHARED) != 0) return 1;
     char r[1000] = {};
@@ -237,25 +200,22 @@ TEST_F(EngineProcess, ReaderFollowsAFileAnotherProcessGrew) {
     return 0;
   });
   ASSERT_EQ(Wait(pid), 0);
-  EXPECT_EQ(api.DATENT(f.tfilno), 12001);
+  EXPECT_EQ(api.DATENT(dat), 12001);
   char back[1000];
   LONG len = sizeof back;
-  ASSERT_EQ(api.LSTVREC(f.tfilno + 1, back, &len), 0);
+  ASSERT_EQ(api.LSTVREC(dat + 1, back, &len), 0);
   int32_t id;
   std::memcpy(&id, back, 4);
   EXPECT_EQ(id, 12000);
   EXPECT_EQ(back[999], static_cast<char>(12000));
-  ASSERT_EQ(api.ADDVREC(f.tfilno, back, sizeof back), KDUP_ERR);
+  ASSERT_EQ(api.ADDVREC(dat, back, sizeof back), KDUP_ERR);
   std::memset(back, 0x7F, 4);
-  EXPECT_EQ(api.ADDVREC(f.tfilno, back, sizeof back), 0);
+  EXPECT_EQ(api.ADDVREC(dat, back, sizeof back), 0);
 }
 
 TEST_F(EngineProcess, FullDiskIsReportedAndCommittedRecordsStay) {
-  ISEG s[1] = {{0, 4, SGNSEG}};
-  IIDX ix[1] = {{4, 0, 0, 0, 0, 1, s, nullptr, nullptr, nullptr, nullptr}};
-  IFIL f = {(pTEXT) "full", -1, 8, 0, SHARED | VLENGTH, 1, 0, SHARED, ix, nullptr, nullptr, -1};
-  ASSERT_EQ(api.CREIFIL(&f), 0);
-  ASSERT_EQ(api.CLRFIL(f.tfilno), 0);
+  OneIndexDef f("full", 8, SHARED | VLENGTH, {{0, 4, SGNSEG}});
+  ASSERT_EQ(api.CLRFIL(CreateOneIndex(f)), 0);
   // The child may not grow any file past 256 KiB beyond the table's size: a full disk.
   rlim_t limit = std::filesystem::file_size("full.dat") + (256 << 10);
   int fds[2];
@@ -300,8 +260,6 @@ TEST_F(EngineProcess, FullDiskIsReportedAndCommittedRecordsStay) {
 // A process adds, maps and drops indexes and dies without closing: the other process follows
 // the dropped index and maintains the others; its close, the last, removes what the dead one left.
 TEST_F(EngineProcess, IndexesChangedByAnotherProcessAreFollowedAndItsLeftoversGo) {
-  static ISEG nameSeg[1] = {{4, 30, REGSEG}};
-  static IIDX nameIdx[1] = {{34, 0, 1, 0, 0, 1, nameSeg, (pTEXT) "by_name", nullptr, nullptr, nullptr}};
   static ISEG citySeg[1] = {{34, 20, REGSEG}};
   static IIDX cityIdx[1] = {{24, 0, 1, 0, 0, 1, citySeg, (pTEXT) "side_city", nullptr, nullptr, nullptr}};
   IFIL side = {(pTEXT) "side", -1, sizeof(Customer), 0, SHARED, 1, 0, SHARED, cityIdx, nullptr, nullptr, -1};
@@ -312,7 +270,7 @@ TEST_F(EngineProcess, IndexesChangedByAnotherProcessAreFollowedAndItsLeftoversGo
   IFIL ifil = def_.ifil;
   pid_t pid = Spawn([&](EngineApi& e) {
     if (e.OPNRFIL(0, (pTEXT) "customers.dat", SHARED) != 0) return 1;
-    IFIL add = {(pTEXT) "byname", 0, sizeof(Customer), 0, SHARED, 1, 0, SHARED, nameIdx, nullptr, nullptr, -1};
+    IFIL add = ByName(0);
     if (e.TMPIIDXX(&add, 0, nullptr, nullptr) != 0) return 2;
     if (e.OPNFIL(10, (pTEXT) "side.idx", SHARED) != 0 || e.setimap(10, &ifil, 0, 0) != 0) return 3;
     IIDX kept[2] = {ifil.ix[0], nameIdx[0]};
@@ -327,27 +285,22 @@ TEST_F(EngineProcess, IndexesChangedByAnotherProcessAreFollowedAndItsLeftoversGo
   ASSERT_EQ(Add(dat, 6, "n", "C"), 0);
   EXPECT_EQ(api.IDXENT(dat + 2), 0);
   EXPECT_EQ(api.IDXENT(dat + 1), 6);
-  std::vector<char> image(4096);
-  ASSERT_GT(api.GETIFIL(dat, static_cast<LONG>(image.size()), image.data()), 0);
-  EXPECT_EQ(reinterpret_cast<IFIL*>(image.data())->dnumidx, 2);  // the mapped index is not listed
+  EXPECT_EQ(IndexCount(dat), 2);  // the mapped index is not listed
   ASSERT_EQ(api.CLRFIL(dat), 0);
   EXPECT_FALSE(std::filesystem::exists("byname.idx"));
   EXPECT_TRUE(std::filesystem::exists("side.idx"));
   ASSERT_EQ(api.OPNRFIL(dat, (pTEXT) "customers.dat", SHARED), 0);
-  ASSERT_GT(api.GETIFIL(dat, static_cast<LONG>(image.size()), image.data()), 0);
-  EXPECT_EQ(reinterpret_cast<IFIL*>(image.data())->dnumidx, 1);
+  EXPECT_EQ(IndexCount(dat), 1);
   EXPECT_EQ(api.IDXENT(dat + 1), 6);
 }
 
 TEST_F(EngineProcess, RebuildRemovesTheTemporaryIndexOfAProcessThatDied) {
-  static ISEG nameSeg[1] = {{4, 30, REGSEG}};
-  static IIDX nameIdx[1] = {{34, 0, 1, 0, 0, 1, nameSeg, (pTEXT) "by_name", nullptr, nullptr, nullptr}};
   COUNT dat = CreateCustomers();
   for (int id = 1; id <= 5; ++id) ASSERT_EQ(Add(dat, id, "n", "C"), 0);
   ASSERT_EQ(api.CLRFIL(dat), 0);
   pid_t pid = Spawn([&](EngineApi& e) {
     if (e.OPNRFIL(0, (pTEXT) "customers.dat", SHARED) != 0) return 1;
-    IFIL add = {(pTEXT) "byname", 0, sizeof(Customer), 0, SHARED, 1, 0, SHARED, nameIdx, nullptr, nullptr, -1};
+    IFIL add = ByName(0);
     return e.TMPIIDXX(&add, 0, nullptr, nullptr) == 0 ? 0 : 2;
   });
   ASSERT_EQ(Wait(pid), 0);

@@ -78,18 +78,16 @@ TEST_F(EngineSets, EmptySetsAndBadCallsChangeNothing) {
 }
 
 TEST_F(EngineSets, AllKeyBytesAtTheTopStillFindTheLastMember) {
-  ISEG seg[1] = {{0, 2, REGSEG}};
-  IIDX idx[1] = {{2, 0, 0, 0, 0, 1, seg, nullptr, nullptr, nullptr, nullptr}};
-  IFIL f = {(pTEXT) "bytes", -1, 4, 0, EXCLUSIVE, 1, 0, EXCLUSIVE, idx, nullptr, nullptr, -1};
-  ASSERT_EQ(api.CREIFIL(&f), 0);
+  OneIndexDef f("bytes", 4, EXCLUSIVE, {{0, 2, REGSEG}});
+  const COUNT bytes = CreateOneIndex(f);
   const unsigned char recs[][4] = {{0xFF, 0x01, 1, 0}, {0xFF, 0xFF, 2, 0}, {0xFE, 0xFF, 3, 0}};
-  for (auto& r : recs) ASSERT_EQ(api.ADDREC(f.tfilno, const_cast<unsigned char*>(r)), 0);
+  for (auto& r : recs) ASSERT_EQ(api.ADDREC(bytes, const_cast<unsigned char*>(r)), 0);
   unsigned char target[2] = {0xFF, 0xFF}, got[4];
-  ASSERT_EQ(api.LSTSET(f.tfilno + 1, target, got, 1), 0);
+  ASSERT_EQ(api.LSTSET(bytes + 1, target, got, 1), 0);
   EXPECT_EQ(got[2], 2);
-  ASSERT_EQ(api.PRVSET(f.tfilno + 1, got), 0);
+  ASSERT_EQ(api.PRVSET(bytes + 1, got), 0);
   EXPECT_EQ(got[2], 1);
-  EXPECT_EQ(api.PRVSET(f.tfilno + 1, got), INOT_ERR);
+  EXPECT_EQ(api.PRVSET(bytes + 1, got), INOT_ERR);
 }
 
 TEST_F(EngineSets, MidsetStartsFromTheCurrentRecordAndSetsKeepTheirOwnPlace) {
@@ -120,42 +118,33 @@ TEST_F(EngineSets, MidsetStartsFromTheCurrentRecordAndSetsKeepTheirOwnPlace) {
 }
 
 TEST_F(EngineSets, VariableLengthSetsReportLengths) {
-  ISEG seg[2] = {{0, 4, INTSEG}, {4, 4, INTSEG}};
-  IIDX idx[1] = {{8, 0, 0, 0, 0, 2, seg, nullptr, nullptr, nullptr, nullptr}};
-  IFIL f = {(pTEXT) "notes", -1, 8, 0, EXCLUSIVE | VLENGTH, 1, 0, EXCLUSIVE, idx, nullptr, nullptr, -1};
-  ASSERT_EQ(api.CREIFIL(&f), 0);
-  const COUNT key = f.tfilno + 1;
+  OneIndexDef f("notes", 8, EXCLUSIVE | VLENGTH, {{0, 4, INTSEG}, {4, 4, INTSEG}});
+  const COUNT key = CreateOneIndex(f) + 1;
   for (uint32_t group = 1; group <= 2; ++group) {
     for (uint32_t id = 1; id <= 3; ++id) {
       std::vector<char> r(8 + group * 10 + id, 'x');
       std::memcpy(r.data(), &group, 4);
       std::memcpy(r.data() + 4, &id, 4);
-      ASSERT_EQ(api.ADDVREC(f.tfilno, r.data(), static_cast<LONG>(r.size())), 0);
+      ASSERT_EQ(api.ADDVREC(key - 1, r.data(), static_cast<LONG>(r.size())), 0);
     }
   }
   unsigned char target[8] = {0, 0, 0, 2};
   char buf[64];
-  LONG len = sizeof buf;
-  ASSERT_EQ(api.FRSVSET(key, target, buf, 4, &len), 0);
-  EXPECT_EQ(len, 29);
-  len = sizeof buf;
-  ASSERT_EQ(api.NXTVSET(key, buf, &len), 0);
-  EXPECT_EQ(len, 30);
-  len = 10;
-  EXPECT_EQ(api.NXTVSET(key, buf, &len), VBSZ_ERR);
-  len = sizeof buf;
-  ASSERT_EQ(api.LSTVSET(key, target, buf, 4, &len), 0);
-  EXPECT_EQ(len, 31);
-  len = sizeof buf;
-  ASSERT_EQ(api.PRVVSET(key, buf, &len), 0);
-  EXPECT_EQ(len, 30);
-  len = sizeof buf;
-  ASSERT_EQ(api.MIDVSET(key, buf, 4, &len), 0);
-  EXPECT_EQ(len, 30);
-  len = sizeof buf;
-  ASSERT_EQ(api.PRVVSET(key, buf, &len), 0);
-  len = sizeof buf;
-  EXPECT_EQ(api.PRVVSET(key, buf, &len), INOT_ERR);
+  LONG len = 0;
+  // The length the call reports, given room for `room` bytes; minus the error when it fails.
+  auto lengthOf = [&](auto call, LONG room = sizeof buf) {
+    len = room;
+    const COUNT rc = call();
+    return rc == 0 ? len : -rc;
+  };
+  EXPECT_EQ(lengthOf([&] { return api.FRSVSET(key, target, buf, 4, &len); }), 29);
+  EXPECT_EQ(lengthOf([&] { return api.NXTVSET(key, buf, &len); }), 30);
+  EXPECT_EQ(lengthOf([&] { return api.NXTVSET(key, buf, &len); }, 10), -VBSZ_ERR);
+  EXPECT_EQ(lengthOf([&] { return api.LSTVSET(key, target, buf, 4, &len); }), 31);
+  EXPECT_EQ(lengthOf([&] { return api.PRVVSET(key, buf, &len); }), 30);
+  EXPECT_EQ(lengthOf([&] { return api.MIDVSET(key, buf, 4, &len); }), 30);
+  EXPECT_GT(lengthOf([&] { return api.PRVVSET(key, buf, &len); }), 0);
+  EXPECT_EQ(lengthOf([&] { return api.PRVVSET(key, buf, &len); }), -INOT_ERR);
 }
 
 class EngineBatches : public EngineSets {

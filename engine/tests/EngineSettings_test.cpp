@@ -156,22 +156,20 @@ TEST_F(EngineSettings, SecurityChangesThePasswordAndPermissionBits) {
 }
 
 TEST_F(EngineSettings, PutHeaderSetsTheSerialCounterAndSetopsKeepsItsState) {
-  ISEG s[1] = {{0, 4, SRLSEG}};
-  IIDX idx[1] = {{4, 0, 0, 0, 0, 1, s, nullptr, nullptr, nullptr, nullptr}};
-  IFIL f = {(pTEXT) "serials", -1, 8, 0, EXCLUSIVE, 1, 0, EXCLUSIVE, idx, nullptr, nullptr, -1};
-  ASSERT_EQ(api.CREIFIL(&f), 0);
-  ASSERT_EQ(api.PUTHDR(f.tfilno, 100, HDR_SERIAL), 0);
-  EXPECT_EQ(api.SERIALNUM(f.tfilno), 100);
+  OneIndexDef f("serials", 8, EXCLUSIVE, {{0, 4, SRLSEG}});
+  const COUNT dat = CreateOneIndex(f);
+  ASSERT_EQ(api.PUTHDR(dat, 100, HDR_SERIAL), 0);
+  EXPECT_EQ(api.SERIALNUM(dat), 100);
   int32_t rec[2] = {};
-  ASSERT_EQ(api.ADDREC(f.tfilno, rec), 0);
+  ASSERT_EQ(api.ADDREC(dat, rec), 0);
   EXPECT_EQ(rec[0], 101);
-  EXPECT_EQ(api.PUTHDR(f.tfilno, 5, 77), CT_EBADARG);
-  EXPECT_EQ(api.PUTHDR(f.tfilno, -1, HDR_SERIAL), CT_EBADARG);
-  EXPECT_EQ(api.PUTHDR(f.tfilno + 1, 5, HDR_SERIAL), CT_ENOTDAT);
+  EXPECT_EQ(api.PUTHDR(dat, 5, 77), CT_EBADARG);
+  EXPECT_EQ(api.PUTHDR(dat, -1, HDR_SERIAL), CT_EBADARG);
+  EXPECT_EQ(api.PUTHDR(dat + 1, 5, HDR_SERIAL), CT_ENOTDAT);
 
   EXPECT_EQ(api.SETOPS(OPS_FLUSH, OPS_STATE_ON), 0);
   EXPECT_EQ(api.SETOPS(0, OPS_STATE_RET), OPS_FLUSH);
-  ASSERT_EQ(api.ADDREC(f.tfilno, rec), 0) << "flushed commits work as before";
+  ASSERT_EQ(api.ADDREC(dat, rec), 0) << "flushed commits work as before";
   EXPECT_EQ(api.SETOPS(OPS_FLUSH, OPS_STATE_OFF), OPS_FLUSH);
   EXPECT_EQ(api.SETOPS(0x100, OPS_STATE_ON), -1);
   EXPECT_EQ(LastError(), CT_EBADARG);

@@ -52,47 +52,58 @@ class DataSetTest : public ::testing::Test {
 
   /// Records every dataset event into Events.
   void LogEvents() {
-    auto add = [this](fw::TDataSetNotifyEvent& event, const char* name) {
-      event = [this, name](fw::TDataSet*) { Events.push_back(name); };
-    };
-    add(Table->BeforeOpen, "BeforeOpen");
-    add(Table->AfterOpen, "AfterOpen");
-    add(Table->BeforeClose, "BeforeClose");
-    add(Table->AfterClose, "AfterClose");
-    add(Table->BeforeInsert, "BeforeInsert");
-    add(Table->AfterInsert, "AfterInsert");
-    add(Table->BeforeEdit, "BeforeEdit");
-    add(Table->AfterEdit, "AfterEdit");
-    add(Table->BeforePost, "BeforePost");
-    add(Table->AfterPost, "AfterPost");
-    add(Table->BeforeCancel, "BeforeCancel");
-    add(Table->AfterCancel, "AfterCancel");
-    add(Table->BeforeDelete, "BeforeDelete");
-    add(Table->AfterDelete, "AfterDelete");
-    add(Table->BeforeScroll, "BeforeScroll");
-    add(Table->AfterScroll, "AfterScroll");
-    add(Table->BeforeRefresh, "BeforeRefresh");
-    add(Table->AfterRefresh, "AfterRefresh");
-    add(Table->OnNewRecord, "OnNewRecord");
+    using Event = fw::TDataSetNotifyEvent fw::TDataSet::*;
+    static const std::pair<Event, const char*> kEvents[] = {
+        {&fw::TDataSet::BeforeOpen, "BeforeOpen"},     {&fw::TDataSet::AfterOpen, "AfterOpen"},
+        {&fw::TDataSet::BeforeClose, "BeforeClose"},   {&fw::TDataSet::AfterClose, "AfterClose"},
+        {&fw::TDataSet::BeforeInsert, "BeforeInsert"}, {&fw::TDataSet::AfterInsert, "AfterInsert"},
+        {&fw::TDataSet::BeforeEdit, "BeforeEdit"},     {&fw::TDataSet::AfterEdit, "AfterEdit"},
+        {&fw::TDataSet::BeforePost, "BeforePost"},     {&fw::TDataSet::AfterPost, "AfterPost"},
+        {&fw::TDataSet::BeforeCancel, "BeforeCancel"}, {&fw::TDataSet::AfterCancel, "AfterCancel"},
+        {&fw::TDataSet::BeforeDelete, "BeforeDelete"}, {&fw::TDataSet::AfterDelete, "AfterDelete"},
+        {&fw::TDataSet::BeforeScroll, "BeforeScroll"}, {&fw::TDataSet::AfterScroll, "AfterScroll"},
+        {&fw::TDataSet::BeforeRefresh, "BeforeRefresh"}, {&fw::TDataSet::AfterRefresh, "AfterRefresh"},
+        {&fw::TDataSet::OnNewRecord, "OnNewRecord"}};
+    for (const auto& [event, name] : kEvents)
+      Table.get()->*event = [this, name = name](fw::TDataSet*) { Events.push_back(name); };
   }
 
-  /// Attaches a data source and a recording link asking for `Rows` rows.
-  TRecordingLink& Attach(int Rows) {
+  /// A persistent field of class F named `Name` on the (closed) table.
+  template <class F>
+  F* Persistent(const std::string& Name) {
+    auto* field = new F(Table.get());
+    field->SetFieldName(Name);
+    field->SetDataSet(Table.get());
+    return field;
+  }
+
+  /// Attaches a data source and a recording link (of class L) asking for `Rows` rows.
+  template <class L = TRecordingLink>
+  L& Attach(int Rows) {
     Source = fw::TComponentPtr<fw::TDataSource>(new fw::TDataSource(nullptr));
-    Link = std::make_unique<TRecordingLink>();
+    auto link = std::make_unique<L>();
+    L& result = *link;
+    Link = std::move(link);
     Link->SetBufferCount(Rows);
     Link->SetDataSource(Source.get());
     Source->SetDataSet(Table.get());
     Link->Log.clear();
-    return *Link;
+    return result;
   }
 
   int Id() const { return Table->FieldByName("ID")->AsInteger(); }
 
-  /// IDs in dataset order, walking First..Eof.
+  std::string Name() const { return Table->FieldByName("Name")->AsString(); }
+
+  /// IDs in dataset order, walking First..Eof, and backwards Last..Bof.
   std::vector<int> Walk() {
     std::vector<int> ids;
     for (Table->First(); !Table->Eof(); Table->Next()) ids.push_back(Id());
+    return ids;
+  }
+  std::vector<int> WalkBack() {
+    std::vector<int> ids;
+    for (Table->Last(); !Table->Bof(); Table->Prior()) ids.push_back(Id());
     return ids;
   }
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "StringUtils.h"
 #include "TBlobStream.h"
 
 namespace fwtest {
@@ -151,7 +150,6 @@ bool TMemDataSet::AcceptRecord(TRecordBuffer Buffer) {
 }
 
 TGetResult TMemDataSet::GetRecord(TRecordBuffer Buffer, TGetMode GetMode, bool DoCheck) {
-  ++GetRecordCalls;
   for (;;) {
     switch (GetMode) {
       case gmNext:
@@ -346,9 +344,9 @@ std::unique_ptr<TStream> TMemDataSet::CreateBlobStream(TField* Field, TBlobStrea
   });
 }
 
-// --- Locate and Lookup ------------------------------------------------------------------------
+// --- Lookup ------------------------------------------------------------------------------
 
-int TMemDataSet::FindRecord(const std::string& KeyFields, const Variant& KeyValues, TLocateOptions Options) {
+int TMemDataSet::FindRecord(const std::string& KeyFields, const Variant& KeyValues) {
   std::vector<TField*> fields;
   GetFieldList(fields, KeyFields);
   TRecordBuffer scratch = AllocRecordBuffer();
@@ -374,19 +372,8 @@ int TMemDataSet::FindRecord(const std::string& KeyFields, const Variant& KeyValu
       bool match = true;
       for (std::size_t i = 0; i < fields.size() && match; ++i) {
         const Variant value = fields[i]->Value();
-        if (VarIsNull(keys[i]) || VarIsNull(value)) {
-          match = VarIsNull(keys[i]) && VarIsNull(value);
-        } else if (fields[i]->DataType() == ftString) {
-          std::string a = value.AsString();
-          std::string b = keys[i].AsString();
-          if (Options.Contains(loCaseInsensitive)) {
-            a = UpperCase(a);
-            b = UpperCase(b);
-          }
-          match = Options.Contains(loPartialKey) ? a.compare(0, b.size(), b) == 0 : a == b;
-        } else {
-          match = VarSameValue(value, keys[i]);
-        }
+        match = VarIsNull(keys[i]) || VarIsNull(value) ? VarIsNull(keys[i]) && VarIsNull(value)
+                                                       : VarSameValue(value, keys[i]);
       }
       if (match) found = r;
     }
@@ -398,20 +385,9 @@ int TMemDataSet::FindRecord(const std::string& KeyFields, const Variant& KeyValu
   return found;
 }
 
-bool TMemDataSet::Locate(const std::string& KeyFields, const Variant& KeyValues, TLocateOptions Options) {
-  CheckBrowseMode();
-  const int index = FindRecord(KeyFields, KeyValues, Options);
-  if (index < 0) return false;
-  DoBeforeScroll();
-  FCursor = index;
-  Resync(TResyncMode{rmExact, rmCenter});
-  DoAfterScroll();
-  return true;
-}
-
 Variant TMemDataSet::Lookup(const std::string& KeyFields, const Variant& KeyValues, const std::string& ResultFields) {
   if (!Active()) return Null();
-  const int index = FindRecord(KeyFields, KeyValues, TLocateOptions{});
+  const int index = FindRecord(KeyFields, KeyValues);
   if (index < 0) return Null();
   TRecordBuffer scratch = AllocRecordBuffer();
   Variant result;

@@ -32,8 +32,7 @@ class TMemDataSet : public fw::TDataSet {
 
   /// Number of stored records (ignores the filter).
   int StoredCount() const { return static_cast<int>(FRecords.size()); }
-  /// Counters of protocol calls, for tests that check what the base class asked for.
-  int GetRecordCalls = 0;
+  /// Record buffers allocated and not yet freed.
   int AllocatedBuffers = 0;
   /// When set, InternalPost raises EDatabaseError this many times before succeeding.
   int FailPosts = 0;
@@ -50,7 +49,6 @@ class TMemDataSet : public fw::TDataSet {
   using fw::TDataSet::GetFieldData;
   void SetFieldData(fw::TField* Field, const void* Buffer) override;
   using fw::TDataSet::SetFieldData;
-  bool Locate(const std::string& KeyFields, const fw::Variant& KeyValues, fw::TLocateOptions Options) override;
   fw::Variant Lookup(const std::string& KeyFields, const fw::Variant& KeyValues,
                      const std::string& ResultFields) override;
   bool BookmarkValid(const fw::TBookmark& Bookmark) override;
@@ -99,7 +97,7 @@ class TMemDataSet : public fw::TDataSet {
   char* FieldPlace(fw::TRecordBuffer Buffer, const fw::TField* Field) const;
   bool AcceptRecord(fw::TRecordBuffer Buffer);
   /// Index of the first record whose `KeyFields` equal `KeyValues`, -1 when none.
-  int FindRecord(const std::string& KeyFields, const fw::Variant& KeyValues, fw::TLocateOptions Options);
+  int FindRecord(const std::string& KeyFields, const fw::Variant& KeyValues);
 
   std::vector<MemColumn> FColumns;
   std::vector<Record> FRecords;

@@ -10,15 +10,24 @@
 
 using namespace fw;
 
+namespace {
+
+// The text of currency value `c` stored with `precision` digits and `places` decimals.
+std::string CurrText(Currency c, int precision, int places) {
+  TBcd b;
+  EXPECT_TRUE(CurrToBCD(c, b, precision, places)) << c;
+  return BCDToStr(b);
+}
+
+}  // namespace
+
 TEST(TBcd, CurrToBcdRightAlignsIntoPrecisionDigits) {
   TBcd b;
   ASSERT_TRUE(CurrToBCD(123400, b, 20, 4));  // 12.34
   EXPECT_EQ(b.Precision, 20);
   EXPECT_EQ(b.SignSpecialPlaces, 4);
-  for (int i = 0; i < 7; ++i) EXPECT_EQ(b.Fraction[i], 0) << i;
-  EXPECT_EQ(b.Fraction[7], 0x12);
-  EXPECT_EQ(b.Fraction[8], 0x34);
-  EXPECT_EQ(b.Fraction[9], 0x00);
+  const uint8_t digits[10] = {0, 0, 0, 0, 0, 0, 0, 0x12, 0x34, 0x00};
+  EXPECT_EQ(std::memcmp(b.Fraction, digits, sizeof digits), 0);
   EXPECT_EQ(BCDToStr(b), "12.3400");
   TBcd f;
   ASSERT_TRUE(CurrToFMTBCD(123400, f, 20, 4));
@@ -40,35 +49,28 @@ TEST(TBcd, NegativeAndMaximalCurrencyValuesRoundTrip) {
     EXPECT_EQ(back, v);
   }
   EXPECT_EQ(BCDToStr(b), "-1.0000");
-  ASSERT_TRUE(CurrToBCD(LLONG_MIN, b, 32, 4));
-  EXPECT_EQ(BCDToStr(b), "-922337203685477.5808");
+  EXPECT_EQ(CurrText(LLONG_MIN, 32, 4), "-922337203685477.5808");
   EXPECT_FALSE(CurrToBCD(LLONG_MAX, b, 18, 4));  // 15 integer digits do not fit 14
   EXPECT_FALSE(CurrToBCD(1, b, 65, 4));
 }
 
 TEST(TBcd, FewerDecimalsRoundHalfToEven) {
-  TBcd b;
-  ASSERT_TRUE(CurrToBCD(125000, b, 10, 1));  // 12.5 -> 12.5
-  EXPECT_EQ(BCDToStr(b), "12.5");
-  ASSERT_TRUE(CurrToBCD(125000, b, 10, 0));  // 12.5 -> 12
-  EXPECT_EQ(BCDToStr(b), "12");
-  ASSERT_TRUE(CurrToBCD(135000, b, 10, 0));  // 13.5 -> 14
-  EXPECT_EQ(BCDToStr(b), "14");
-  ASSERT_TRUE(CurrToBCD(10000, b, 10, 6));
-  EXPECT_EQ(BCDToStr(b), "1.000000");
+  EXPECT_EQ(CurrText(125000, 10, 1), "12.5");
+  EXPECT_EQ(CurrText(125000, 10, 0), "12");
+  EXPECT_EQ(CurrText(135000, 10, 0), "14");
+  EXPECT_EQ(CurrText(10000, 10, 6), "1.000000");
 }
 
 TEST(TBcd, BcdToCurrRoundsExtraDecimalsAndRejectsOverflow) {
   Currency c = 7;
   EXPECT_FALSE(BCDToCurr(NullBcd, c));
   EXPECT_EQ(c, 7);
-  ASSERT_TRUE(BCDToCurr(StrToBCD("1.00005"), c));
-  EXPECT_EQ(c, 10000);
-  ASSERT_TRUE(BCDToCurr(StrToBCD("1.00015"), c));
-  EXPECT_EQ(c, 10002);
+  for (auto [text, value] : {std::pair<const char*, Currency>{"1.00005", 10000}, {"1.00015", 10002},
+                             {"-922337203685477.5808", LLONG_MIN}}) {
+    ASSERT_TRUE(BCDToCurr(StrToBCD(text), c)) << text;
+    EXPECT_EQ(c, value) << text;
+  }
   EXPECT_FALSE(BCDToCurr(StrToBCD("922337203685477.5808"), c));
-  ASSERT_TRUE(BCDToCurr(StrToBCD("-922337203685477.5808"), c));
-  EXPECT_EQ(c, LLONG_MIN);
   TBcd bad = StrToBCD("12");
   bad.Fraction[0] = 0xA0;
   EXPECT_FALSE(BCDToCurr(bad, c));
@@ -76,32 +78,24 @@ TEST(TBcd, BcdToCurrRoundsExtraDecimalsAndRejectsOverflow) {
 }
 
 TEST(TBcd, StrToBcdNormalizes) {
-  TBcd b = StrToBCD("0.001");
-  EXPECT_EQ(b.Precision, 3);
-  EXPECT_EQ(BCDScale(b), 3);
-  b = StrToBCD("1001.1001");
-  EXPECT_EQ(b.Precision, 8);
-  EXPECT_EQ(BCDScale(b), 4);
-  b = StrToBCD(" -1.10 ");
-  EXPECT_EQ(b.Precision, 2);
-  EXPECT_EQ(BCDScale(b), 1);
-  EXPECT_EQ(BCDToStr(b), "-1.1");
-  b = StrToBCD("0");
-  EXPECT_EQ(b.Precision, 1);
-  EXPECT_EQ(BCDToStr(b), "0");
+  const struct { const char* text; int precision, scale; const char* back; } cases[] = {
+      {"0.001", 3, 3, "0.001"}, {"1001.1001", 8, 4, "1001.1001"}, {" -1.10 ", 2, 1, "-1.1"}, {"0", 1, 0, "0"}};
+  for (const auto& c : cases) {
+    const TBcd b = StrToBCD(c.text);
+    EXPECT_EQ(b.Precision, c.precision) << c.text;
+    EXPECT_EQ(BCDScale(b), c.scale) << c.text;
+    EXPECT_EQ(BCDToStr(b), c.back);
+  }
   EXPECT_EQ(BCDToStr(StrToBCD("1.5e3")), "1500");
   EXPECT_EQ(BCDToStr(StrToBCD("-00012.50")), "-12.5");
-  EXPECT_THROW(StrToBCD("1.2.3"), EConvertError);
-  EXPECT_THROW(StrToBCD(""), EConvertError);
-  EXPECT_THROW(StrToBCD("1e70"), EConvertError);
+  for (const char* bad : {"1.2.3", "", "1e70"}) EXPECT_THROW(StrToBCD(bad), EConvertError) << bad;
   EXPECT_EQ(StrToBCD(std::string(64, '9')).Precision, 64);
 }
 
 TEST(TBcd, CompareByValueAcrossEncodings) {
-  TBcd a, b;
+  TBcd a;
   ASSERT_TRUE(CurrToBCD(123400, a, 20, 4));
-  b = StrToBCD("12.34");
-  EXPECT_EQ(BCDCompare(a, b), 0);
+  EXPECT_EQ(BCDCompare(a, StrToBCD("12.34")), 0);
   EXPECT_EQ(BCDCompare(StrToBCD("-1"), StrToBCD("0.5")), -1);
   EXPECT_EQ(BCDCompare(StrToBCD("-1"), StrToBCD("-2")), 1);
   EXPECT_EQ(BCDCompare(StrToBCD("100"), StrToBCD("99.999")), 1);

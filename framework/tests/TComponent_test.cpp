@@ -34,8 +34,9 @@ class TLogged : public TComponent {
   TComponent* Peer = nullptr;
 };
 
-TLogged* Make(TComponent* owner, const std::string& name) {
-  auto* c = new TLogged(owner);
+template <class T = TLogged>
+T* Make(TComponent* owner, const std::string& name) {
+  auto* c = new T(owner);
   c->SetName(name);
   return c;
 }
@@ -44,10 +45,8 @@ TLogged* Make(TComponent* owner, const std::string& name) {
 
 TEST(TComponent, OwnerListsInsertionOrderAndFindsByNameIgnoringCase) {
   TComponentPtr<TComponent> owner(new TComponent(nullptr));
-  TComponent* a = new TComponent(owner.get());
-  a->SetName("Alpha");
-  TComponent* b = new TComponent(owner.get());
-  b->SetName("Beta");
+  TComponent* a = Make<TComponent>(owner.get(), "Alpha");
+  TComponent* b = Make<TComponent>(owner.get(), "Beta");
   EXPECT_EQ(owner->ComponentCount(), 2);
   EXPECT_EQ(owner->Components(1), b);
   EXPECT_EQ(owner->FindComponent("ALPHA"), a);
@@ -61,21 +60,17 @@ TEST(TComponent, OwnerListsInsertionOrderAndFindsByNameIgnoringCase) {
 
 TEST(TComponent, NamesMustBeIdentifiersAndUniqueWithinTheOwner) {
   TComponentPtr<TComponent> owner(new TComponent(nullptr));
-  TComponent* a = new TComponent(owner.get());
+  TComponent* a = Make<TComponent>(owner.get(), "Table1");
   TComponent* b = new TComponent(owner.get());
-  a->SetName("Table1");
   EXPECT_THROW(b->SetName("table1"), EComponentError);
   EXPECT_EQ(b->Name(), "");
-  EXPECT_THROW(b->SetName("1abc"), EComponentError);
-  EXPECT_THROW(b->SetName("a-b"), EComponentError);
+  for (const char* bad : {"1abc", "a-b"}) EXPECT_THROW(b->SetName(bad), EComponentError) << bad;
   a->SetName("TABLE1");  // a change of case only is allowed
   EXPECT_EQ(a->Name(), "TABLE1");
   b->SetName("_x9");
   a->SetName("");
-  TComponent* c = new TComponent(owner.get());
-  c->SetName("");  // empty names never collide
-  TComponentPtr<TComponent> loose(new TComponent(nullptr));
-  loose->SetName("_x9");  // no owner, no duplicate check
+  Make<TComponent>(owner.get(), "");  // empty names never collide
+  TComponentPtr<TComponent> loose(Make<TComponent>(nullptr, "_x9"));  // no owner, no duplicate check
 }
 
 TEST(TComponent, OwnedComponentsDieLastInsertedFirstWithoutTellingSiblings) {
@@ -167,18 +162,15 @@ TEST(TComponent, DesigningPropagatesToOwnedAndLaterInserted) {
   b->Free();
 }
 
-TEST(TComponent, MovingToAnotherOwnerLeavesTheFirst) {
+TEST(TComponent, MovingToAnotherOwnerLeavesTheFirstUnlessTheNameIsTaken) {
   TComponentPtr<TComponent> o1(new TComponent(nullptr));
   TComponentPtr<TComponent> o2(new TComponent(nullptr));
-  TComponent* c = new TComponent(o1.get());
-  c->SetName("C");
+  TComponent* c = Make<TComponent>(o1.get(), "C");
   o2->InsertComponent(c);
   EXPECT_EQ(o1->ComponentCount(), 0);
   EXPECT_EQ(o2->FindComponent("c"), c);
-  TComponent* d = new TComponent(o2.get());
-  d->SetName("D");
-  TComponent* d1 = new TComponent(o1.get());
-  d1->SetName("D");
+  Make<TComponent>(o2.get(), "D");
+  TComponent* d1 = Make<TComponent>(o1.get(), "D");
   EXPECT_THROW(o2->InsertComponent(d1), EComponentError);
   EXPECT_EQ(d1->Owner(), o1.get());
 }

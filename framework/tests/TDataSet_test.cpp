@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "DataSetFixture.h"
+#include "Raises.h"
 #include "TNumericField.h"
 #include "TStringField.h"
 
@@ -13,9 +14,15 @@ using namespace fw;
 using Strings = std::vector<std::string>;
 
 TEST_F(DataSetTest, OpenAndCloseFireEventsInOrderAndManageFields) {
+  LogEvents();
+  Table->Open();  // empty: no AfterScroll
+  EXPECT_EQ(TakeEvents(), (Strings{"BeforeOpen", "AfterOpen"}));
+  EXPECT_TRUE(Table->IsEmpty());
+  EXPECT_TRUE(Table->Bof() && Table->Eof());
+  EXPECT_TRUE(Table->FieldByName("ID")->IsNull());
   Fill(2);
   Table->Close();
-  LogEvents();
+  TakeEvents();
   Table->Open();
   EXPECT_EQ(TakeEvents(), (Strings{"BeforeOpen", "AfterOpen", "AfterScroll"}));
   EXPECT_TRUE(Table->Active());
@@ -34,15 +41,6 @@ TEST_F(DataSetTest, OpenAndCloseFireEventsInOrderAndManageFields) {
   EXPECT_TRUE(Table->Bof() && Table->Eof());
 }
 
-TEST_F(DataSetTest, OpeningAnEmptyTableSkipsAfterScroll) {
-  LogEvents();
-  Table->Open();
-  EXPECT_EQ(TakeEvents(), (Strings{"BeforeOpen", "AfterOpen"}));
-  EXPECT_TRUE(Table->IsEmpty());
-  EXPECT_TRUE(Table->Bof() && Table->Eof());
-  EXPECT_TRUE(Table->FieldByName("ID")->IsNull());
-}
-
 TEST_F(DataSetTest, FailedOpenLeavesTheDatasetClosedAndFreesItsBuffers) {
   Table->BeforeOpen = [](TDataSet*) { throw EDatabaseError("refused"); };
   EXPECT_THROW(Table->Open(), EDatabaseError);
@@ -50,38 +48,41 @@ TEST_F(DataSetTest, FailedOpenLeavesTheDatasetClosedAndFreesItsBuffers) {
   Table->BeforeOpen = nullptr;
 
   // A persistent field without matching definition fails the binding inside the open.
-  auto* ghost = new TIntegerField(Table.get());
-  ghost->SetFieldName("Ghost");
-  ghost->SetDataSet(Table.get());
-  try {
-    Table->Open();
-    FAIL() << "open must fail";
-  } catch (const EDatabaseError& e) {
-    EXPECT_NE(std::string(e.what()).find("T: Field 'Ghost' not found"), std::string::npos) << e.what();
-  }
+  Persistent<TIntegerField>("Ghost");
+  EXPECT_NE(MessageOf<EDatabaseError>([&] { Table->Open(); }).find("T: Field 'Ghost' not found"), std::string::npos);
   EXPECT_FALSE(Table->Active());
   EXPECT_EQ(Table->State(), dsInactive);
   EXPECT_EQ(Table->AllocatedBuffers, 0);
   EXPECT_EQ(Table->FieldCount(), 1);  // persistent fields survive
 }
 
-TEST_F(DataSetTest, PersistentFieldsSurviveCloseAndOpen) {
+TEST_F(DataSetTest, PersistentFieldsSurviveCloseAndOpenAndDestroyingOneClosesTheDataset) {
   Fill(3);
   Table->Close();
-  auto* id = new TIntegerField(Table.get());
-  id->SetFieldName("ID");
-  id->SetDataSet(Table.get());
+  auto* id = Persistent<TIntegerField>("ID");
+  auto* name = Persistent<TStringField>("Name");
   Table->Open();
   EXPECT_FALSE(Table->DefaultFields());
-  EXPECT_EQ(Table->FieldCount(), 1);
+  EXPECT_EQ(Table->FieldCount(), 2);
   EXPECT_EQ(Walk(), Range(1, 3));
   Table->Close();
-  EXPECT_EQ(Table->FieldCount(), 1);
+  EXPECT_EQ(Table->FieldCount(), 2);
   EXPECT_EQ(id->FieldNo(), 0);
   EXPECT_EQ(id->FieldDef(), nullptr);
   Table->Open();
   EXPECT_EQ(id->FieldNo(), 1);
   EXPECT_EQ(id->AsInteger(), 1);
+
+  name->Free();
+  EXPECT_FALSE(Table->Active());
+  EXPECT_EQ(Table->FieldCount(), 1);
+  Table->Open();
+  EXPECT_EQ(id->AsInteger(), 1);
+  EXPECT_THROW(id->SetFieldKind(fkCalculated), EDatabaseError);  // only while closed
+  auto* other = new TIntegerField(Table.get());
+  other->SetFieldName("id");
+  EXPECT_THROW(other->SetDataSet(Table.get()), EDatabaseError);  // open, and a duplicate name
+  EXPECT_EQ(other->DataSet(), nullptr);
 }
 
 TEST_F(DataSetTest, WalkingVisitsEveryRecordOnceWhateverTheWindowSize) {
@@ -90,24 +91,31 @@ TEST_F(DataSetTest, WalkingVisitsEveryRecordOnceWhateverTheWindowSize) {
   Attach(4);                         // window smaller than the record count
   EXPECT_EQ(Table->BufferCount(), 4);
   EXPECT_EQ(Walk(), Range(1, 10));
-  std::vector<int> backwards;
-  for (Table->Last(); !Table->Bof(); Table->Prior()) backwards.push_back(Id());
-  EXPECT_EQ(backwards, Range(10, 1));
+  EXPECT_EQ(WalkBack(), Range(10, 1));
   Link->SetBufferCount(25);  // window larger than the record count
   EXPECT_EQ(Table->BufferCount(), 25);
   EXPECT_EQ(Table->WindowCount(), 10);
   EXPECT_EQ(Walk(), Range(1, 10));
 }
 
-TEST_F(DataSetTest, NextOnTheLastRecordSetsEofAndStillScrolls) {
+// First and Last scroll (with events) even when already there; Next on the last record sets
+// Eof and still scrolls, once.
+TEST_F(DataSetTest, FirstLastAndNextScrollEvenWithoutMoving) {
   Fill(3);
+  LogEvents();
+  Table->First();
+  Table->First();
+  EXPECT_EQ(TakeEvents(), (Strings{"BeforeScroll", "AfterScroll", "BeforeScroll", "AfterScroll"}));
+  Table->Close();
+  Table->Open();
   Table->Last();
   EXPECT_TRUE(Table->Eof());
+  EXPECT_FALSE(Table->Bof());
   EXPECT_EQ(Id(), 3);
   Table->First();
   Table->MoveBy(2);
   EXPECT_FALSE(Table->Eof());
-  LogEvents();
+  TakeEvents();
   EXPECT_EQ(Table->MoveBy(1), 0);
   EXPECT_TRUE(Table->Eof());
   EXPECT_EQ(Id(), 3);
@@ -123,32 +131,15 @@ TEST_F(DataSetTest, NextOnTheLastRecordSetsEofAndStillScrolls) {
 TEST_F(DataSetTest, MoveByReturnsTheDistanceMovedAndStopsAtBothEnds) {
   Fill(10);
   Attach(3);
-  EXPECT_EQ(Table->MoveBy(4), 4);
-  EXPECT_EQ(Id(), 5);
-  EXPECT_EQ(Table->MoveBy(100), 5);
-  EXPECT_EQ(Id(), 10);
-  EXPECT_TRUE(Table->Eof());
-  EXPECT_EQ(Table->MoveBy(-3), -3);
-  EXPECT_EQ(Id(), 7);
-  EXPECT_EQ(Table->MoveBy(-100), -6);
-  EXPECT_EQ(Id(), 1);
-  EXPECT_TRUE(Table->Bof());
-  EXPECT_EQ(Table->MoveBy(0), 0);
+  const struct { int by, moved, id; } steps[] = {{4, 4, 5}, {100, 5, 10}, {-3, -3, 7}, {-100, -6, 1}, {0, 0, 1}};
+  for (const auto& s : steps) {
+    EXPECT_EQ(Table->MoveBy(s.by), s.moved) << s.by;
+    EXPECT_EQ(Id(), s.id) << s.by;
+    if (s.by == 100) EXPECT_TRUE(Table->Eof());
+    if (s.by == -100) EXPECT_TRUE(Table->Bof());
+  }
   EXPECT_EQ(Table->RecNo(), 1);
   EXPECT_EQ(Table->RecordCount(), 10);
-}
-
-TEST_F(DataSetTest, FirstAndLastFireEventsEvenWithoutMoving) {
-  Fill(2);
-  LogEvents();
-  Table->First();
-  Table->First();
-  EXPECT_EQ(TakeEvents(), (Strings{"BeforeScroll", "AfterScroll", "BeforeScroll", "AfterScroll"}));
-  Table->Close();
-  Table->Open();
-  Table->Last();
-  EXPECT_TRUE(Table->Eof());
-  EXPECT_FALSE(Table->Bof());
 }
 
 TEST_F(DataSetTest, RefreshKeepsTheActiveRecordOnTheSameWindowRow) {
@@ -156,11 +147,10 @@ TEST_F(DataSetTest, RefreshKeepsTheActiveRecordOnTheSameWindowRow) {
   TRecordingLink& link = Attach(5);
   Table->MoveBy(7);  // record 8; the window slid to show 4..8
   ASSERT_EQ(Id(), 8);
-  const int row = link.ActiveRecord();
-  EXPECT_EQ(row, 4);
+  EXPECT_EQ(link.ActiveRecord(), 4);
   Table->Refresh();
   EXPECT_EQ(Id(), 8);
-  EXPECT_EQ(link.ActiveRecord(), row);
+  EXPECT_EQ(link.ActiveRecord(), 4);
   Table->Resync(TResyncMode{rmCenter});
   EXPECT_EQ(Id(), 8);
   EXPECT_EQ(Table->ActiveRecord(), 2);  // (5 - 1) / 2 rows above
@@ -179,7 +169,7 @@ TEST_F(DataSetTest, ResyncFallsBackToTheNextThenThePreviousRecord) {
   EXPECT_EQ(Table->StoredCount(), 0);
 }
 
-TEST_F(DataSetTest, EditPostStoresTheValueWithEventsInOrder) {
+TEST_F(DataSetTest, EditPostStoresTheValueCancelRestoresItAndScrollingPosts) {
   Fill(3);
   Table->Next();
   LogEvents();
@@ -187,25 +177,21 @@ TEST_F(DataSetTest, EditPostStoresTheValueWithEventsInOrder) {
   EXPECT_EQ(Table->State(), dsEdit);
   Table->FieldByName("Name")->SetAsString("changed");
   EXPECT_TRUE(Table->Modified());
+  EXPECT_EQ(Table->FieldByName("Name")->OldValue().AsString(), "N2");
   Table->Post();
   EXPECT_EQ(TakeEvents(), (Strings{"BeforeEdit", "AfterEdit", "BeforePost", "AfterPost"}));
   EXPECT_EQ(Table->State(), dsBrowse);
   EXPECT_FALSE(Table->Modified());
-  EXPECT_EQ(Table->FieldByName("Name")->AsString(), "changed");
   Table->First();
   Table->Next();
-  EXPECT_EQ(Table->FieldByName("Name")->AsString(), "changed");
-}
+  EXPECT_EQ(Name(), "changed");
+  TakeEvents();
 
-TEST_F(DataSetTest, CancelRestoresTheRecordAndScrollingPostsAnEdit) {
-  Fill(3);
-  LogEvents();
   Table->Edit();
   Table->FieldByName("Name")->SetAsString("gone");
-  EXPECT_EQ(Table->FieldByName("Name")->OldValue().AsString(), "N1");
   Table->Cancel();
   EXPECT_EQ(TakeEvents(), (Strings{"BeforeEdit", "AfterEdit", "BeforeCancel", "AfterCancel"}));
-  EXPECT_EQ(Table->FieldByName("Name")->AsString(), "N1");
+  EXPECT_EQ(Name(), "changed");
   Table->Cancel();  // outside an edit state: nothing
   EXPECT_TRUE(TakeEvents().empty());
 
@@ -213,8 +199,8 @@ TEST_F(DataSetTest, CancelRestoresTheRecordAndScrollingPostsAnEdit) {
   Table->FieldByName("Name")->SetAsString("kept");
   Table->Next();  // leaving a modified record posts it
   EXPECT_EQ(TakeEvents(), (Strings{"BeforeEdit", "AfterEdit", "BeforePost", "AfterPost", "BeforeScroll", "AfterScroll"}));
-  Table->First();
-  EXPECT_EQ(Table->FieldByName("Name")->AsString(), "kept");
+  Table->Prior();
+  EXPECT_EQ(Name(), "kept");
 }
 
 TEST_F(DataSetTest, InsertPlacesTheRecordBeforeTheCurrentOne) {
@@ -292,7 +278,7 @@ TEST_F(DataSetTest, WrongStateCallsRaiseAndLeaveTheDatasetAsItWas) {
   Table->Next();
   EXPECT_THROW(Table->Post(), EDatabaseError);
   EXPECT_THROW(Table->FieldByName("Name")->SetAsString("x"), EDatabaseError);
-  EXPECT_EQ(Table->FieldByName("Name")->AsString(), "N2");
+  EXPECT_EQ(Name(), "N2");
   EXPECT_THROW(Table->FieldByName("nope"), EDatabaseError);
   EXPECT_EQ(Table->FindField("nope"), nullptr);
   EXPECT_THROW(Table->FieldByName("ID")->SetAsString("x"), EDatabaseError);
@@ -336,7 +322,7 @@ TEST_F(DataSetTest, PostErrorEventMayRetryAbortOrFail) {
   Table->FieldByName("Name")->SetAsString("retried");
   Table->Post();
   EXPECT_EQ(calls, 2);
-  EXPECT_EQ(Table->FieldByName("Name")->AsString(), "retried");
+  EXPECT_EQ(Name(), "retried");
 
   Table->OnPostError = [](TDataSet*, EDatabaseError&, TDataAction& action) { action = daAbort; };
   Table->FailPosts = 1;
@@ -350,7 +336,7 @@ TEST_F(DataSetTest, PostErrorEventMayRetryAbortOrFail) {
   EXPECT_THROW(Table->Post(), EDatabaseError);
   EXPECT_EQ(Table->State(), dsEdit);
   Table->Post();
-  EXPECT_EQ(Table->FieldByName("Name")->AsString(), "aborted");
+  EXPECT_EQ(Name(), "aborted");
 }
 
 TEST_F(DataSetTest, BookmarksFindTheirRecordAcrossEdits) {
@@ -396,7 +382,7 @@ TEST_F(DataSetTest, DisableControlsHoldsNotificationsUntilEnabled) {
   EXPECT_TRUE(link.Log.empty());
   Table->EnableControls();
   EXPECT_EQ(link.Log, (Strings{"DataSetChanged"}));
-  EXPECT_EQ(Table->FieldByName("Name")->AsString(), "quiet");
+  EXPECT_EQ(Name(), "quiet");
 }
 
 TEST_F(DataSetTest, InsertRecordRefusesTooManyValuesBeforeChangingAnything) {
@@ -418,7 +404,7 @@ TEST_F(DataSetTest, FieldValuesReadAndWriteSeveralFields) {
   Table->Edit();
   Table->SetFieldValues("Name;Amount", VarArrayOf({Variant("x"), Variant(2.25)}));
   Table->Post();
-  EXPECT_EQ(Table->FieldByName("Name")->AsString(), "x");
+  EXPECT_EQ(Name(), "x");
   EXPECT_EQ(Table->FieldByName("Amount")->AsFloat(), 2.25);
   std::vector<TField*> list;
   EXPECT_THROW(Table->GetFieldList(list, "ID;Bogus;Name"), EDatabaseError);
@@ -439,9 +425,7 @@ TEST_F(DataSetTest, FilterRecordSkipsRejectedRecordsInBothDirections) {
   });
   Table->SetFiltered(true);
   EXPECT_EQ(Walk(), (std::vector<int>{3, 6}));
-  std::vector<int> backwards;
-  for (Table->Last(); !Table->Bof(); Table->Prior()) backwards.push_back(Id());
-  EXPECT_EQ(backwards, (std::vector<int>{6, 3}));
+  EXPECT_EQ(WalkBack(), (std::vector<int>{6, 3}));
   Table->SetFiltered(false);
   EXPECT_EQ(Walk(), Range(1, 8));
 }
@@ -469,29 +453,7 @@ TEST_F(DataSetTest, ClosingWhileEditingDiscardsWithoutCancelEvents) {
   EXPECT_EQ(TakeEvents(), (Strings{"BeforeClose", "AfterClose"}));
   EXPECT_FALSE(Table->Modified());
   Table->Open();
-  EXPECT_EQ(Table->FieldByName("Name")->AsString(), "N1");
-}
-
-TEST_F(DataSetTest, DestroyingAFieldClosesItsDataset) {
-  Fill(2);
-  Table->Close();
-  auto* id = new TIntegerField(Table.get());
-  id->SetFieldName("ID");
-  id->SetDataSet(Table.get());
-  auto* name = new TStringField(Table.get());
-  name->SetFieldName("Name");
-  name->SetDataSet(Table.get());
-  Table->Open();
-  name->Free();
-  EXPECT_FALSE(Table->Active());
-  EXPECT_EQ(Table->FieldCount(), 1);
-  Table->Open();
-  EXPECT_EQ(id->AsInteger(), 1);
-  EXPECT_THROW(id->SetFieldKind(fkCalculated), EDatabaseError);  // only while closed
-  auto* other = new TIntegerField(Table.get());
-  other->SetFieldName("id");
-  EXPECT_THROW(other->SetDataSet(Table.get()), EDatabaseError);  // open, and a duplicate name
-  EXPECT_EQ(other->DataSet(), nullptr);
+  EXPECT_EQ(Name(), "N1");
 }
 
 TEST_F(DataSetTest, BlockReadKeepsLinksUninformedUntilItEnds) {
@@ -520,14 +482,6 @@ TEST(ExtractFieldNameTest, WalksASemicolonListTrimmingNames) {
   EXPECT_EQ(ExtractFieldName("", pos), "");
   EXPECT_EQ(pos, 1);
 }
-
-}  // namespace
-}  // namespace fwtest
-
-namespace fwtest {
-namespace {
-
-using namespace fw;
 
 /// Random navigation and edits against a plain list of IDs, with the window resized on the
 /// way: after every step the current record and every row the link shows must match the list.
@@ -561,39 +515,29 @@ TEST_F(DataSetTest, WindowStaysConsistentWithTheRecordsUnderRandomOperations) {
     } else if (op == 5 && size > 0) {
       Table->Delete();
       model.erase(model.begin() + pos);
-      pos = std::min(pos, static_cast<int>(model.size()) - 1);
-      pos = std::max(pos, 0);
+      pos = std::max(std::min(pos, static_cast<int>(model.size()) - 1), 0);
     } else if (op == 6) {
       link.SetBufferCount(1 + random(7));
     } else if (op == 7 && size > 0) {
-      if (random(2) == 0) {
-        Table->First();
-        pos = 0;
-      } else {
-        Table->Last();
-        pos = size - 1;
-      }
+      const bool first = random(2) == 0;
+      first ? Table->First() : Table->Last();
+      pos = first ? 0 : size - 1;
     } else if (op == 8 && size > 0) {
       Table->Edit();
       Table->FieldByName("Name")->SetAsString("e" + std::to_string(step));
-      if (random(2) == 0)
-        Table->Post();
-      else
-        Table->Cancel();
+      random(2) == 0 ? Table->Post() : Table->Cancel();
     }
-    ASSERT_EQ(Table->IsEmpty(), model.empty()) << "step " << step;
+    SCOPED_TRACE("step " + std::to_string(step) + " op " + std::to_string(op));
+    ASSERT_EQ(Table->IsEmpty(), model.empty());
     if (model.empty()) continue;
-    ASSERT_EQ(Id(), model[static_cast<std::size_t>(pos)]) << "step " << step << " op " << op;
+    ASSERT_EQ(Id(), model[static_cast<std::size_t>(pos)]);
     const int row = link.ActiveRecord();
     ASSERT_GE(row, 0);
     ASSERT_LT(row, link.BufferCount());
     ASSERT_LE(link.RecordCount(), link.BufferCount());
     for (int r = 0; r < link.RecordCount(); ++r) {
       link.SetActiveRecord(r);
-      ASSERT_EQ(Id(), model[static_cast<std::size_t>(pos - row + r)])
-          << "step " << step << " op " << op << " row " << r << " first " << link.FirstRecord() << " linkbc "
-          << link.BufferCount() << " dsbc " << Table->BufferCount() << " window " << Table->WindowCount()
-          << " active " << row;
+      ASSERT_EQ(Id(), model[static_cast<std::size_t>(pos - row + r)]) << "row " << r << " of " << link.RecordCount();
     }
     link.SetActiveRecord(row);
   }

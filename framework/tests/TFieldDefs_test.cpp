@@ -105,17 +105,7 @@ TEST(IndexDefsTest, FindsIndexesForFieldListsAndCreatesDescendantItems) {
   EXPECT_EQ(copy.Items(4)->CaseInsFields(), "Name");
 }
 
-/// A form root and a table class the form reader can create.
-class TFormRoot : public TComponent {
- public:
-  using TComponent::TComponent;
-  static const TClassInfo& StaticClass() {
-    static const TClassInfo info = TClassBuilder<TFormRoot>("TFormRoot", &TComponent::StaticClass()).Creatable().Build();
-    return info;
-  }
-  const TClassInfo& ClassType() const override { return StaticClass(); }
-};
-
+/// A table class the form reader can create.
 class TFormTable : public TMemDataSet {
  public:
   explicit TFormTable(TComponent* AOwner) : TMemDataSet(AOwner, {{"ID", ftInteger}, {"Name", ftString, 8}}) {}
@@ -128,9 +118,8 @@ class TFormTable : public TMemDataSet {
 };
 
 TEST(DataSetFormTest, ReadsPersistentFieldsAndOpensInLoaded) {
-  RegisterClasses({&TFormRoot::StaticClass(), &TFormTable::StaticClass(), &TIntegerField::StaticClass(),
-                   &TDataSource::StaticClass()});
-  const char* form = R"(object Form1: TFormRoot
+  RegisterClasses({&TFormTable::StaticClass(), &TIntegerField::StaticClass(), &TDataSource::StaticClass()});
+  const char* form = R"(object Form1: TComponent
   object Source1: TDataSource
     DataSet = Table1
   end
@@ -148,7 +137,8 @@ TEST(DataSetFormTest, ReadsPersistentFieldsAndOpensInLoaded) {
   end
 end
 )";
-  TComponentPtr<TComponent> root(ReadComponentText(form));
+  TComponentPtr<TComponent> root(new TComponent(nullptr));
+  ReadComponentText(form, root.get());
   auto* table = dynamic_cast<TFormTable*>(root->FindComponent("Table1"));
   auto* source = dynamic_cast<TDataSource*>(root->FindComponent("Source1"));
   ASSERT_NE(table, nullptr);

@@ -24,6 +24,12 @@ int gLive = 0;
 enum TMode : uint8_t { mdFast, mdSafe, mdSlow };
 enum TOption : uint8_t { opA, opB, opC };
 
+// A published property: getter, setter and the member F<Name> they use.
+#define PLAIN_PROPERTY(Type, Name, Init) \
+  Type Name() const { return F##Name; }   \
+  void Set##Name(Type v) { F##Name = v; } \
+  Type F##Name = Init;
+
 class TTestTable : public TComponent {
  public:
   explicit TTestTable(TComponent* owner) : TComponent(owner) { ++gLive; }
@@ -41,27 +47,19 @@ class TTestTable : public TComponent {
     FActive = v;
     gEvents.push_back("open " + Name() + (FMaster != nullptr ? " master=" + FMaster->Name() : ""));
   }
-  int32_t Count() const { return FCount; }
-  void SetCount(int32_t v) { FCount = v; }
-  const std::string& Caption() const { return FCaption; }
-  void SetCaption(const std::string& v) { FCaption = v; }
-  Currency Limit() const { return FLimit; }
-  void SetLimit(Currency v) { FLimit = v; }
-  double Ratio() const { return FRatio; }
-  void SetRatio(double v) { FRatio = v; }
-  TMode Mode() const { return FMode; }
-  void SetMode(TMode v) { FMode = v; }
-  TSet<TOption> Options() const { return FOptions; }
-  void SetOptions(TSet<TOption> v) { FOptions = v; }
   TTestTable* Master() const { return FMaster; }
   void SetMaster(TTestTable* v) {
     FMaster = v;
     if (v != nullptr) v->FreeNotification(this);
   }
-  std::string Data() const { return FData; }
-  void SetData(const std::string& v) { FData = v; }
-  bool FailOpen() const { return FFailOpen; }
-  void SetFailOpen(bool v) { FFailOpen = v; }
+  PLAIN_PROPERTY(int32_t, Count, 0)
+  PLAIN_PROPERTY(std::string, Caption, "")
+  PLAIN_PROPERTY(Currency, Limit, 0)
+  PLAIN_PROPERTY(double, Ratio, 0)
+  PLAIN_PROPERTY(TMode, Mode, mdFast)
+  PLAIN_PROPERTY(TSet<TOption>, Options, {})
+  PLAIN_PROPERTY(std::string, Data, "")
+  PLAIN_PROPERTY(bool, FailOpen, false)
   std::vector<TComponent*> Fields;
 
   void Notification(TComponent* c, TOperation op) override {
@@ -81,15 +79,8 @@ class TTestTable : public TComponent {
   }
 
  private:
-  bool FActive = false, FStreamedActive = false, FFailOpen = false;
-  int32_t FCount = 0;
-  std::string FCaption;
-  double FRatio = 0;
-  Currency FLimit = 0;
-  TMode FMode = mdFast;
-  TSet<TOption> FOptions;
+  bool FActive = false, FStreamedActive = false;
   TTestTable* FMaster = nullptr;
-  std::string FData;
 };
 
 // A child that joins its parent table only after its own properties were read.
@@ -98,8 +89,7 @@ class TTestField : public TComponent {
   using TComponent::TComponent;
   static const TClassInfo& StaticClass();
   const TClassInfo& ClassType() const override { return StaticClass(); }
-  const std::string& FieldName() const { return FFieldName; }
-  void SetFieldName(const std::string& v) { FFieldName = v; }
+  PLAIN_PROPERTY(std::string, FieldName, "")
   bool HasParent() const override { return true; }
   TComponent* GetParentComponent() const override { return FTable; }
   void SetParentComponent(TComponent* parent) override { FPendingParent = dynamic_cast<TTestTable*>(parent); }
@@ -122,7 +112,6 @@ class TTestField : public TComponent {
   }
 
  private:
-  std::string FFieldName;
   TTestTable* FTable = nullptr;
   TTestTable* FPendingParent = nullptr;
 };
@@ -180,14 +169,8 @@ class TColumn : public TCollectionItem {
     return info;
   }
   const TClassInfo& ClassType() const override { return StaticClass(); }
-  const std::string& Title() const { return FTitle; }
-  void SetTitle(const std::string& v) { FTitle = v; }
-  TTestTable* Source() const { return FSource; }
-  void SetSource(TTestTable* v) { FSource = v; }
-
- private:
-  std::string FTitle;
-  TTestTable* FSource = nullptr;
+  PLAIN_PROPERTY(std::string, Title, "")
+  PLAIN_PROPERTY(TTestTable*, Source, nullptr)
 };
 
 class TColumns : public TCollection {
@@ -326,36 +309,36 @@ std::string ErrorOf(const std::string& text) {
   return "no error";
 }
 
+// A form whose root holds one object (default: table T) with the given line in its body, on line 3.
+std::string InObject(const std::string& line, const std::string& object = "T: TTestTable") {
+  return "object R: TTestRoot\n object " + object + "\n  " + line + "\n end\nend\n";
+}
+
 }  // namespace
 
 TEST_F(TReaderTest, MalformedFormsNameTheLineAndCreateNothing) {
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n  object T: TNoSuchClass\n  end\nend\n"), "Line 2: class TNoSuchClass not found");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Colour = 1\n end\nend\n"),
-            "Line 3: class TTestTable has no property 'Colour'");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Count = 'x'\n end\nend\n"),
-            "Line 3: invalid value for property Count");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Count = 99999999999\n end\nend\n"),
-            "Line 3: error reading property Count: Value 99999999999 out of range");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Mode = mdWarp\n end\nend\n"),
-            "Line 3: 'mdWarp' is not a valid value for property Mode");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Options = [opA, opZ]\n end\nend\n"),
-            "Line 3: 'opZ' is not a member of property Options");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Master = Nobody\n end\nend\n"),
-            "Line 3: reference to unknown component 'Nobody'");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Count = 1\n"),
-            "Line 2: object 'T' is not terminated by 'end'");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Caption = 'abc\n end\nend\n"),
-            "Line 3: unterminated string");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Count 1\n end\nend\n"),
-            "Line 3: '=' expected but a number found");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\nend\nend\n"), "Line 3: unexpected text after the final 'end'");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n end\n object t: TTestTable\n end\nend\n"),
-            "Line 4: A component named t already exists");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  object F: TTestField\n   FieldName = 'A'\n  end\n"
-                    "  object G: TTestField\n   FieldName = 'A'\n  end\n end\nend\n"),
-            "Line 6: error reading TTestField G: duplicate field A");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object T: TTestTable\n  Data = {0F1}\n end\nend\n"),
-            "Line 3: odd number of hex digits in binary value");
+  const std::pair<std::string, const char*> cases[] = {
+      {"object R: TTestRoot\n  object T: TNoSuchClass\n  end\nend\n", "Line 2: class TNoSuchClass not found"},
+      {InObject("Colour = 1"), "Line 3: class TTestTable has no property 'Colour'"},
+      {InObject("Count = 'x'"), "Line 3: invalid value for property Count"},
+      {InObject("Count = 99999999999"), "Line 3: error reading property Count: Value 99999999999 out of range"},
+      {InObject("Mode = mdWarp"), "Line 3: 'mdWarp' is not a valid value for property Mode"},
+      {InObject("Options = [opA, opZ]"), "Line 3: 'opZ' is not a member of property Options"},
+      {InObject("Master = Nobody"), "Line 3: reference to unknown component 'Nobody'"},
+      {"object R: TTestRoot\n object T: TTestTable\n  Count = 1\n", "Line 2: object 'T' is not terminated by 'end'"},
+      {InObject("Caption = 'abc"), "Line 3: unterminated string"},
+      {InObject("Count 1"), "Line 3: '=' expected but a number found"},
+      {"object R: TTestRoot\nend\nend\n", "Line 3: unexpected text after the final 'end'"},
+      {"object R: TTestRoot\n object T: TTestTable\n end\n object t: TTestTable\n end\nend\n",
+       "Line 4: A component named t already exists"},
+      {"object R: TTestRoot\n object T: TTestTable\n  object F: TTestField\n   FieldName = 'A'\n  end\n"
+       "  object G: TTestField\n   FieldName = 'A'\n  end\n end\nend\n",
+       "Line 6: error reading TTestField G: duplicate field A"},
+      {InObject("Data = {0F1}"), "Line 3: odd number of hex digits in binary value"},
+      {InObject("Lines = (1)", "G: TTestGrid"), "Line 3: string expected in list of property Lines"},
+      {InObject("Columns = <item Width = 3 end>", "G: TTestGrid"), "Line 3: class TColumn has no property 'Width'"},
+      {InObject("Columns = 'x'", "G: TTestGrid"), "Line 3: invalid value for property Columns"}};
+  for (const auto& [text, message] : cases) EXPECT_EQ(ErrorOf(text), message) << text;
   EXPECT_EQ(gLive, 0);
 }
 
@@ -404,12 +387,6 @@ end
   auto* col = static_cast<TColumn*>(grid->Columns()->Items(0));
   EXPECT_EQ(col->Title(), "No");
   EXPECT_EQ(col->Source(), root->FindComponent("T"));
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object G: TTestGrid\n  Lines = (1)\n end\nend\n"),
-            "Line 3: string expected in list of property Lines");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object G: TTestGrid\n  Columns = <item Width = 3 end>\n end\nend\n"),
-            "Line 3: class TColumn has no property 'Width'");
-  EXPECT_EQ(ErrorOf("object R: TTestRoot\n object G: TTestGrid\n  Columns = 'x'\n end\nend\n"),
-            "Line 3: invalid value for property Columns");
 }
 
 TEST_F(TReaderTest, WriterOutputReadsBackToTheSameText) {

@@ -7,30 +7,20 @@
 
 using namespace fw;
 
-TEST(Variant, FreshVariantIsUnassignedAndConvertsToZeroValues) {
+TEST(Variant, ConstructorsPickTheFrameworkTypeCodesAndAFreshOneIsUnassigned) {
   Variant v;
   EXPECT_EQ(VarType(v), varEmpty);
-  EXPECT_TRUE(VarIsEmpty(v));
-  EXPECT_TRUE(VarIsClear(v));
+  EXPECT_TRUE(VarIsEmpty(v) && VarIsClear(v));
   EXPECT_FALSE(VarIsNull(v));
   EXPECT_EQ(v.AsInteger(), 0);
   EXPECT_EQ(v.AsString(), "");
   EXPECT_FALSE(v.AsBoolean());
-}
-
-TEST(Variant, ConstructorsPickTheFrameworkTypeCodes) {
-  EXPECT_EQ(VarType(Variant(int16_t{1})), varSmallint);
-  EXPECT_EQ(VarType(Variant(7)), varInteger);
-  EXPECT_EQ(VarType(Variant(uint8_t{7})), varByte);
-  EXPECT_EQ(VarType(Variant(7.5f)), varSingle);
-  EXPECT_EQ(VarType(Variant(7.5)), varDouble);
-  EXPECT_EQ(VarType(Variant(int64_t{7})), varInt64);
-  EXPECT_EQ(VarType(Variant(true)), varBoolean);
-  EXPECT_EQ(VarType(Variant("x")), varString);
-  EXPECT_EQ(VarType(Variant::FromCurrency(15000)), varCurrency);
-  EXPECT_EQ(VarType(Variant::FromDateTime(36526.0)), varDate);
-  EXPECT_EQ(VarType(Variant::FromOleStr("w")), varOleStr);
-  EXPECT_EQ(VarType(Null()), varNull);
+  const std::pair<Variant, int> kinds[] = {
+      {Variant(int16_t{1}), varSmallint},         {Variant(7), varInteger},     {Variant(uint8_t{7}), varByte},
+      {Variant(7.5f), varSingle},                 {Variant(7.5), varDouble},    {Variant(int64_t{7}), varInt64},
+      {Variant(true), varBoolean},                {Variant("x"), varString},    {Variant::FromCurrency(15000), varCurrency},
+      {Variant::FromDateTime(36526.0), varDate},  {Variant::FromOleStr("w"), varOleStr}, {Null(), varNull}};
+  for (const auto& [value, type] : kinds) EXPECT_EQ(VarType(value), type);
 }
 
 TEST(Variant, NullRaisesOnEveryConversion) {
@@ -44,36 +34,30 @@ TEST(Variant, NullRaisesOnEveryConversion) {
   EXPECT_EQ(VarToStr(n), "");
 }
 
-TEST(Variant, TextToNumberParsesOrRaises) {
-  EXPECT_EQ(Variant("42").AsInteger(), 42);
+// Text and doubles become integers rounding half to even, within the target's range.
+TEST(Variant, NumbersFromTextAndDoublesRoundHalfToEvenAndCheckTheRange) {
+  const std::pair<Variant, int32_t> integers[] = {{Variant("42"), 42}, {Variant("2.5"), 2},  {Variant("3.5"), 4},
+                                                  {Variant(2.5), 2},    {Variant(-2.5), -2}};
+  for (const auto& [value, integer] : integers) EXPECT_EQ(value.AsInteger(), integer) << VarToStr(value);
   EXPECT_DOUBLE_EQ(Variant("2.5").AsDouble(), 2.5);
-  EXPECT_EQ(Variant("2.5").AsInteger(), 2);  // half to even
-  EXPECT_EQ(Variant("3.5").AsInteger(), 4);
   EXPECT_EQ(Variant("12.3456").AsCurrency(), 123456);
   EXPECT_THROW(Variant("abc").AsInteger(), EVariantError);
   EXPECT_THROW(Variant("1,5").AsDouble(), EVariantError);
   EXPECT_THROW(Variant("").AsDouble(), EVariantError);
+  EXPECT_EQ(Variant(3.5).AsInt64(), 4);
+  EXPECT_THROW(Variant(3e9).AsInteger(), EVariantError);
+  EXPECT_EQ(Variant(3e9).AsInt64(), 3000000000);
+  EXPECT_THROW(Variant(1e300).AsInt64(), EVariantError);
+  EXPECT_THROW(Variant(int64_t{1} << 40).AsInteger(), EVariantError);
 }
 
 TEST(Variant, BooleanConversionsFollowTheFramework) {
   EXPECT_EQ(Variant(true).AsInteger(), -1);
   EXPECT_EQ(Variant(false).AsInteger(), 0);
   EXPECT_EQ(Variant(true).AsString(), "True");
-  EXPECT_TRUE(Variant("tRUE").AsBoolean());
+  for (const Variant& yes : {Variant("tRUE"), Variant("2"), Variant(0.5)}) EXPECT_TRUE(yes.AsBoolean()) << VarToStr(yes);
   EXPECT_FALSE(Variant("False").AsBoolean());
-  EXPECT_TRUE(Variant("2").AsBoolean());
-  EXPECT_TRUE(Variant(0.5).AsBoolean());
   EXPECT_THROW(Variant("yes").AsBoolean(), EVariantError);
-}
-
-TEST(Variant, DoubleToIntegerRoundsHalfToEvenAndChecksRange) {
-  EXPECT_EQ(Variant(2.5).AsInteger(), 2);
-  EXPECT_EQ(Variant(-2.5).AsInteger(), -2);
-  EXPECT_EQ(Variant(3.5).AsInt64(), 4);
-  EXPECT_THROW(Variant(3e9).AsInteger(), EVariantError);
-  EXPECT_EQ(Variant(3e9).AsInt64(), 3000000000);
-  EXPECT_THROW(Variant(1e300).AsInt64(), EVariantError);
-  EXPECT_THROW(Variant(int64_t{1} << 40).AsInteger(), EVariantError);
 }
 
 TEST(Variant, CurrencyKeepsFourDecimalsExactly) {
@@ -96,7 +80,7 @@ TEST(Variant, DateConvertsToDoubleAndText) {
   EXPECT_THROW(Variant(true).AsDateTime(), EVariantError);
 }
 
-TEST(Variant, ArraysOfVariantsHaveZeroBasedBounds) {
+TEST(Variant, ArraysHaveZeroBasedBoundsAndByteArraysCarryBinaryValues) {
   const Variant a = VarArrayOf({1, "two", Null()});
   EXPECT_TRUE(VarIsArray(a));
   EXPECT_EQ(VarType(a), varArray | varVariant);
@@ -108,9 +92,7 @@ TEST(Variant, ArraysOfVariantsHaveZeroBasedBounds) {
   EXPECT_THROW(a.AsInteger(), EVariantError);
   EXPECT_THROW(VarArrayHighBound(a, 2), EVariantError);
   EXPECT_THROW(VarArrayLowBound(Variant(1), 1), EVariantError);
-}
 
-TEST(Variant, ByteArraysCarryBinaryValues) {
   const char raw[] = {'\0', '\xff', 'A'};
   Variant b = VarByteArrayOf(raw, 3);
   EXPECT_EQ(VarType(b), varArray | varByte);
@@ -122,21 +104,17 @@ TEST(Variant, ByteArraysCarryBinaryValues) {
   EXPECT_THROW(Variant("x").Bytes(), EVariantError);
 }
 
-TEST(Variant, VarAsTypeChecksTargetRanges) {
+TEST(Variant, VarAsTypeChecksTargetRangesAndSameValueComparesByValue) {
   EXPECT_EQ(VarType(VarAsType(Variant("12"), varSmallint)), varSmallint);
   EXPECT_THROW(VarAsType(Variant(70000), varSmallint), EVariantError);
   EXPECT_THROW(VarAsType(Variant(-1), varByte), EVariantError);
   EXPECT_EQ(VarAsType(Variant(1.5), varString).AsString(), "1.5");
   EXPECT_EQ(VarAsType(Variant(2), varCurrency).AsCurrency(), 20000);
   EXPECT_TRUE(VarIsNull(VarAsType(Variant(1), varNull)));
-}
 
-TEST(Variant, SameValueComparesByValue) {
-  EXPECT_TRUE(VarSameValue(Variant(1), Variant(1.0)));
-  EXPECT_TRUE(VarSameValue(Variant(2), Variant::FromCurrency(20000)));
-  EXPECT_FALSE(VarSameValue(Variant("a"), Variant("A")));
-  EXPECT_TRUE(VarSameValue(Null(), Null()));
-  EXPECT_FALSE(VarSameValue(Null(), Variant()));
-  EXPECT_FALSE(VarSameValue(Variant(1), Variant("x")));
-  EXPECT_TRUE(VarSameValue(VarArrayOf({1, "a"}), VarArrayOf({1, "a"})));
+  const std::tuple<Variant, Variant, bool> pairs[] = {
+      {Variant(1), Variant(1.0), true},  {Variant(2), Variant::FromCurrency(20000), true},
+      {Variant("a"), Variant("A"), false}, {Null(), Null(), true},  {Null(), Variant(), false},
+      {Variant(1), Variant("x"), false}, {VarArrayOf({1, "a"}), VarArrayOf({1, "a"}), true}};
+  for (const auto& [a, b, same] : pairs) EXPECT_EQ(VarSameValue(a, b), same) << VarToStr(a) << " / " << VarToStr(b);
 }
