@@ -37,26 +37,42 @@ class TCTTable;
 /// code.
 class TCTBatchCopy : public fw::TComponent {
  public:
+  /// An idle copy in mode cmCopy with no source or destination, owned by `AOwner`.
   explicit TCTBatchCopy(fw::TComponent* AOwner);
   ~TCTBatchCopy() override;
+  /// The class's streaming information: its published properties in their order.
   static const fw::TClassInfo& StaticClass();
   const fw::TClassInfo& ClassType() const override { return StaticClass(); }
 
   // --- Properties: each setter raises 1128 "Batch process already runs" while Busy ------------
   /// True while Execute runs.
   bool Busy() const { return FBusy; }
+  ///@{
+  /// What Execute does with the records (see TCTCopyMode); cmCopy by default.
   TCTCopyMode CopyMode() const { return FCopyMode; }
   void SetCopyMode(TCTCopyMode Value);
+  ///@}
+  ///@{
   /// The table written; not owned. Cleared when that component is destroyed.
   TCTTable* Destination() const { return FDestination; }
   void SetDestination(TCTTable* Value);
+  ///@}
+  ///@{
   /// The dataset read; not owned. Cleared when that component is destroyed.
   fw::TDataSet* Source() const { return FSource; }
   void SetSource(fw::TDataSet* Value);
+  ///@}
+  ///@{
+  /// Told of each stage of Execute and of the records as they go (see DoProgress).
   const TCTProgressEvent& OnProgress() const { return FOnProgress; }
   void SetOnProgress(const TCTProgressEvent& Value);
+  ///@}
+  ///@{
+  /// Asked about each field value that fails to copy; its Continue decides whether the copy
+  /// goes on (see DoCopyError).
   const TCTCopyErrorEvent& OnCopyError() const { return FOnCopyError; }
   void SetOnCopyError(const TCTCopyErrorEvent& Value);
+  ///@}
 
   // --- Outcome of the last Execute ------------------------------------------------------------
   /// Records whose change of the destination (added, rewritten or deleted) is committed, or
@@ -90,6 +106,7 @@ class TCTBatchCopy : public fw::TComponent {
   /// Copies the value of `SrcField` into `TrgField` (see the class comment); a failure goes to
   /// OnCopyError with both fields, and is raised again when Continue stays true.
   virtual void CopyField(fw::TField* SrcField, fw::TField* TrgField);
+  /// Calls OnProgress, when set, with this component, the stage, the record number and the text.
   void DoProgress(TCTProgressStage Stage, int32_t RecNo, const std::string& Msg);
   /// Asks OnCopyError about `E`; returns Continue (true without a handler).
   bool DoCopyError(fw::TField* SrcField, fw::TField* TrgField, const std::exception& E);

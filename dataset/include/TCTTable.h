@@ -49,15 +49,20 @@ using TCTIndexRecordEvent =
 /// TCTTable.restructure.cpp and TCTTable.rebuild.cpp (files and layout), TCTTable.locks.cpp.
 class TCTTable : public Ctdb::TCTCustomDataSet {
  public:
+  /// A closed table with no connection, owned by `AOwner` (may be null).
   explicit TCTTable(fw::TComponent* AOwner);
   ~TCTTable() override;
+  /// The class's streaming information: its published properties in their order.
   static const fw::TClassInfo& StaticClass();
   const fw::TClassInfo& ClassType() const override { return StaticClass(); }
 
   // --- Published properties (inactive table required for the storage ones) ----------------
+  ///@{
   /// Table (file) name; "" by default. Raises EDatabaseError while open.
   const std::string& TableName() const { return FTableName; }
   void SetTableName(const std::string& Value);
+  ///@}
+  ///@{
   /// Where the table lives. Raises EDatabaseError while open. While the component is read from a
   /// form the text is only kept, and applied in Loaded (after TableName was read). Without
   /// IsSuperFile one text gives both the directory and the table: a text that ends in "/" or
@@ -67,65 +72,91 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// whose member TableName names.
   const std::string& Database() const { return FDatabase; }
   void SetDatabase(const std::string& Value);
+  ///@}
+  ///@{
   /// Opens with 8 (read only) added to the open mode; record field writes are then ignored
   /// silently, while key, range, calculated and filter values are written as usual.
   bool ReadOnly() const { return FReadOnly; }
   void SetReadOnly(bool Value);
+  ///@}
+  ///@{
   /// Opens without the shared flag. An exclusive table takes no record locks when editing.
   bool Exclusive() const { return FExclusive; }
   void SetExclusive(bool Value);
+  ///@}
+  ///@{
   /// Makes both ends of a user range and the GotoNearest comparison exclusive. Default false.
   bool KeyExclusive() const { return FKeyExclusive; }
   void SetKeyExclusive(bool Value) { FKeyExclusive = Value; }
+  ///@}
+  ///@{
   /// Database names a superfile (a file) rather than a directory: the table is the member
   /// TableName of it, opened, created and deleted as "host!member". A TableName that already has
   /// the "host!member" form is used as it is. Raises while open.
   bool IsSuperFile() const { return FIsSuperFile; }
   void SetIsSuperFile(bool Value);
+  ///@}
+  ///@{
   /// The current index's name. Setting it on an open table switches the cursor to that index
   /// (an unknown name leaves the cursor's order alone and makes the name empty); on a closed
   /// table it only records the name, looked up at open ("" selects the primary index; a name
   /// the table does not have opens it in the order it has, with the name empty).
   std::string IndexName() const { return FIndexDesc.Name; }
   void SetIndexName(const std::string& Value);
+  ///@}
+  ///@{
   /// The ";"-separated key fields of the current index (of a closed table: what was set).
   /// Setting it selects the index whose key fields are these (or start with them), on a closed
   /// table when it opens; EDatabaseError when no index matches. "" returns to the primary index.
   std::string IndexFieldNames() const;
   void SetIndexFieldNames(const std::string& Value);
+  ///@}
+  /// The handler asked whether a record gets a key in an index made with the index-record hook.
   const TCTIndexRecordEvent& OnIndexRecord() const { return FOnIndexRecord; }
   /// Stores the handler and, outside loading and design, installs (or with an empty handler
   /// removes) DoIndexKey as the connection's index-key hook, shared by every table on it.
   void SetOnIndexRecord(const TCTIndexRecordEvent& Value);
+  ///@{
   /// The master's data source; while its dataset is active, an open table shows only the
   /// records whose MasterFields match the master's current record (TCTTable.master.cpp). A
   /// source whose master chain leads back to this table raises EDatabaseError; nothing changes.
   fw::TDataSource* MasterSource() const;
   void SetMasterSource(fw::TDataSource* Value);
+  ///@}
+  ///@{
   /// ";"-separated entries, each "Name" (same field in master and detail) or "Master=Detail".
   /// While loading the text is kept and applied in Loaded. On an open table every detail field
   /// must be a field of the current index, else fw::Exception "Field : <name> not in the current
   /// index" (nothing changes); a master field the master lacks raises EDatabaseError.
   const std::string& MasterFields() const;
   void SetMasterFields(const std::string& Value);
+  ///@}
   /// The master source, so that IsLinkedTo follows master chains.
   fw::TDataSource* DataSource() const override;
+  ///@{
   /// Told about each record or field that fails while Rebuild copies the records (Sender is this
   /// table); its Continue decides as for TCTBatchCopy::OnCopyError. Unassigned: the first error
   /// ends Rebuild and leaves the table as it was.
   const TCTCopyErrorEvent& OnRebuildError() const { return FOnRebuildError; }
   void SetOnRebuildError(const TCTCopyErrorEvent& Value) { FOnRebuildError = Value; }
+  ///@}
+  ///@{
   /// Told how Rebuild's copy of the records goes, as TCTBatchCopy::OnProgress (Sender is this
   /// table), for a progress display.
   const TCTProgressEvent& OnRebuildProgress() const { return FOnRebuildProgress; }
   void SetOnRebuildProgress(const TCTProgressEvent& Value) { FOnRebuildProgress = Value; }
+  ///@}
 
   // --- State ------------------------------------------------------------------------------
+  /// How the table was last opened (see Ctdb::TOpenFlag).
   Ctdb::TOpenFlag OpenFlag() const { return FOpenFlag; }
+  /// Whether the record being inserted goes at the end (Append) or at the cursor (Insert).
   Ctdb::TInsertType InsertType() const { return FInsertType; }
+  /// Which range is in force or being entered: none, a user range's start or end, the master's.
   TRangeFlag RangeFlag() const { return FRangeFlag; }
   /// The open table's cursor; null while closed.
   Ctdb::TCTCursorDesc* Cursor() const { return FCursor.get(); }
+  /// The table's index definitions (read from the open table by UpdateIndexDefs; owned).
   TCTIndexDefs* IndexDefs() const { return FIndexDefs.get(); }
   /// Names of the fields ever assigned in dsSetKey state; never emptied (its count is the number
   /// of key fields a user range compares).
@@ -167,14 +198,17 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// SetKey, the values assigned to the index fields by position, GotoKey. More values than key
   /// fields raise 1125.
   bool FindKey(const std::vector<fw::Variant>& KeyValues);
+  /// SetKey, the values assigned to the index fields by position, GotoNearest(Greater).
   bool FindNearest(const std::vector<fw::Variant>& KeyValues, bool Greater = true);
 
   // --- Ranges ------------------------------------------------------------------------------
+  ///@{
   /// Enter dsSetKey on an emptied start / end buffer (the Edit forms do not keep old values).
   void SetRangeStart();
   void SetRangeEnd();
   void EditRangeStart();
   void EditRangeEnd();
+  ///@}
   /// Applies the range buffers to the cursor and moves to the first record; after SetKey (flag
   /// rfNone) it removes the range instead and does not move.
   void ApplyRange();
@@ -274,17 +308,21 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// anything: the locks stay until the table closes. Closing the table does this too.
   void FreeLocks();
   /// The handles Lock handed out and Unlock has not freed, in the order taken.
+  ///@{
   int LockCount() const { return static_cast<int>(FLocks.size()); }
   int32_t* Locks(int Index) const { return FLocks.at(static_cast<size_t>(Index)).get(); }
+  ///@}
 
   // --- Filtering (TCTTable.filter.cpp; the Filter language: UnitFilterParser.h) ------------
   /// Each writer stores the value, then (controls disabled) closes and opens the table, even for
   /// an unchanged value or while Filtered is false: a closed table opens (after loading, when
   /// loading). Raises what Open raises. Assigning OnFilterRecord, even an empty handler, also
   /// sets Filtered to true through SetFiltered.
+  ///@{
   void SetFilterText(const std::string& Value) override;
   void SetFiltered(bool Value) override;
   void SetOnFilterRecord(const fw::TFilterRecordEvent& Value) override;
+  ///@}
   /// Filter with each "FIELD" replaced by the value read in the current state's buffer (text
   /// kinds in single quotes, others as their text or "*NULL*" when empty) and NULL by "*NULL*",
   /// tokens joined without separators. An unknown field raises the framework's error.
@@ -298,13 +336,20 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
                           const fw::Variant& Value);
   /// Frees every condition, the last first.
   void ClearFilter();
+  /// The conditions AddFilterCondition appended, in order.
   const std::vector<std::unique_ptr<TCTFilter>>& FilterConditions() const { return FFilterConditions; }
 
   // --- Framework overrides callable by applications ----------------------------------------
+  /// The framework's Post; a post the storage refuses raises its error and leaves the table in
+  /// dsEdit or dsInsert with the values, to be corrected or cancelled.
   void Post() override;
+  /// The framework's Cancel; also frees the record lock Edit took.
   void Cancel() override;
+  ///@{
+  /// Bookmarks are record positions; the table remembers those it handed out (FreeBookmarks).
   fw::TBookmark GetBookmark() override;
   void FreeBookmark(fw::TBookmark& Bookmark) override;
+  ///@}
   /// Forgets every bookmark handed out.
   void FreeBookmarks();
   /// Positions near record `Value` by the key's percentile, then corrects by counting.
@@ -316,14 +361,15 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   std::unique_ptr<fw::TStream> CreateBlobStream(fw::TField* Field, fw::TBlobStreamMode Mode) override;
 
  protected:
-  // --- Descendants must implement -----------------------------------------------------------
+  // --- The framework's record-buffer protocol over the table's cursor -------------------------
+  ///@{
+  /// The framework's record-buffer protocol (see fw::TDataSet), carried out on the table's
+  /// cursor through the connection.
   fw::TGetResult GetRecord(fw::TRecordBuffer Buffer, fw::TGetMode GetMode, bool DoCheck) override;
   void InternalOpen() override;
   void InternalClose() override;
   void InternalInitFieldDefs() override;
   bool IsCursorOpen() const override { return FCursor != nullptr; }
-
-  // --- Descendants may override ------------------------------------------------------------
   fw::TRecordBuffer AllocRecordBuffer() override;
   void FreeRecordBuffer(fw::TRecordBuffer& Buffer) override;
   void InternalInitRecord(fw::TRecordBuffer Buffer) override;
@@ -354,6 +400,7 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void Loaded() override;
   void DoAfterOpen() override;
   void DoOnNewRecord() override;
+  ///@}
 
   /// The buffer field reads and writes go to in the current state (see the .cpp); null when none.
   TCTRecordBuffer* GetActiveRecBuf() const;
@@ -375,10 +422,12 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void DoIndexKey(Ctdb::CTIdxDesc* IndexDesc, const void* RecPtr, int32_t RecLen, bool& Accept);
   /// Whether a fetched record passes the filter (OnFilterRecord in dsFilter state).
   virtual bool RecordFilter(TCTRecordBuffer* Buffer);
+  ///@{
   /// After the base: lookup fields that show this table's records are brought up to date
   /// (TCTTable.lookup.cpp).
   void DoAfterPost() override;
   void DoAfterDelete() override;
+  ///@}
   /// Refills the master field list from MasterFields.
   void SetUpMasterFields();
   /// The master's record changed: restrict to its key (range flag rfMasterDetail) and go to the

@@ -50,47 +50,94 @@ class TCTConnection : public fw::TComponent {
   CTDbIntf::TLoadAlignment Alignment() const { return FAlignment; }  ///< laByte.
   /// Library variant; raises ECtreeException (ErrorCode 0) while active.
   virtual void SetLoadAlignment(CTDbIntf::TLoadAlignment value);
-  bool NullKeys() const { return FNullKeys; }  ///< False: keys made only of EmptyChar are not stored.
+  ///@{
+  /// NullKeys, default false: keys made only of EmptyChar are not stored.
+  bool NullKeys() const { return FNullKeys; }
   void SetNullKeys(bool value) { FNullKeys = value; }
-  int16_t MaxBuffers() const { return FMaxBuffers; }  ///< 100; may change while active.
+  ///@}
+  ///@{
+  /// MaxBuffers, default 100: index and data buffers of the session; may change while active.
+  int16_t MaxBuffers() const { return FMaxBuffers; }
   void SetMaxBuffers(int16_t value) { FMaxBuffers = value; }
-  int16_t MaxFiles() const { return FMaxFiles; }  ///< 50; raises fw::Exception while active.
+  ///@}
+  ///@{
+  /// MaxFiles, default 50: files the session opens at most; the setter raises fw::Exception
+  /// while active.
+  int16_t MaxFiles() const { return FMaxFiles; }
   void SetMaxFiles(int16_t value);
-  int16_t MaxSectors() const { return FMaxSectors; }  ///< 16; raises fw::Exception while active.
+  ///@}
+  ///@{
+  /// MaxSectors, default 16: node sectors; the setter raises fw::Exception while active.
+  int16_t MaxSectors() const { return FMaxSectors; }
   void SetMaxSectors(int16_t value);
+  ///@}
+  ///@{
+  /// UserName, default empty: the user the session starts for (with a server).
   const std::string& UserName() const { return FUserName; }
   void SetUserName(const std::string& value) { FUserName = value; }
+  ///@}
+  ///@{
+  /// Password, default empty: given to the server when the session starts, and to the engine
+  /// when a file protected by a password is opened.
   const std::string& Password() const { return FPassword; }
   void SetPassword(const std::string& value) { FPassword = value; }
-  const std::string& ServerName() const { return FServerName; }  ///< Empty: embedded engine.
+  ///@}
+  ///@{
+  /// ServerName, default empty: the embedded engine.
+  const std::string& ServerName() const { return FServerName; }
   void SetServerName(const std::string& value) { FServerName = value; }
+  ///@}
+  ///@{
+  /// DataDir, default empty: kept and streamed for applications; the connection itself does not
+  /// read it (tables take their folder from their own Database).
   const std::string& DataDir() const { return FDataDir; }
   void SetDataDir(const std::string& value) { FDataDir = value; }
+  ///@}
+  ///@{
+  /// TempDir, default empty: kept and streamed for applications; the connection itself does not
+  /// read it.
   const std::string& TempDir() const { return FTempDir; }
   void SetTempDir(const std::string& value) { FTempDir = value; }
-  char EmptyChar() const { return FEmptyChar; }  ///< #0: pads text; all-EmptyChar fields are blank.
+  ///@}
+  ///@{
+  /// EmptyChar, default #0: pads text; fields made only of it are blank.
+  char EmptyChar() const { return FEmptyChar; }
   void SetEmptyChar(char value) { FEmptyChar = value; }
-  int32_t MaxIndexKey() const { return FMaxIndexKey; }  ///< 32: key width of blob fields.
+  ///@}
+  ///@{
+  /// MaxIndexKey, default 32: the key width of blob fields.
+  int32_t MaxIndexKey() const { return FMaxIndexKey; }
   void SetMaxIndexKey(int32_t value) { FMaxIndexKey = value; }
+  ///@}
+  ///@{
+  /// DataExt, default empty: the extension of data files, kept without everything up to and
+  /// including its first "." (".dat" and "x.dat" both give "dat").
   const std::string& DataExt() const { return FDataExt; }
-  /// Stores the extension without everything up to and including its first "." (".dat" and
-  /// "x.dat" both give "dat").
   virtual void SetDataExt(const std::string& value);
+  ///@}
+  ///@{
+  /// IndexExt, default empty: the extension of index files, by the rule of DataExt.
   const std::string& IndexExt() const { return FIndexExt; }
-  /// Same rule as SetDataExt.
   virtual void SetIndexExt(const std::string& value);
+  ///@}
+  ///@{
+  /// SuperFileExt, default empty: the extension of superfiles; the setter deletes only the first
+  /// "." itself (".dsf" gives "dsf", "x.dsf" gives "xdsf").
   const std::string& SuperFileExt() const { return FSuperFileExt; }
-  /// Deletes only the first "." itself (".dsf" gives "dsf", "x.dsf" gives "xdsf").
   void SetSuperFileExt(const std::string& value);
+  ///@}
 
+  /// An inactive connection with the defaults above, owned by `owner` (may be null).
   explicit TCTConnection(fw::TComponent* owner);
   /// Deactivates (closing every dataset) before the component goes.
   ~TCTConnection() override;
 
+  /// The class's streaming information: its published properties in their order.
   static const fw::TClassInfo& StaticClass();
   const fw::TClassInfo& ClassType() const override { return StaticClass(); }
 
   // ---- datasets open on this connection (not owned)
+  /// The number of datasets registered with AddDataSet.
   int DataSetCount() const { return static_cast<int>(FDataSets.size()); }
   /// Dataset `index` (0-based, in registration order); std::out_of_range outside the list.
   fw::TDataSet* DataSets(int index) const { return FDataSets.at(static_cast<size_t>(index)); }
@@ -364,6 +411,7 @@ class TCTConnection : public fw::TComponent {
   /// for the 1-byte form, 65535 for the 2-byte form).
   int32_t PutBlob(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, int32_t position,
                   int32_t count, const void* src);
+  /// The stream's size in bytes into `size`; 1127 for a field that is not a blob.
   int32_t GetBlobSize(TCTCursorDesc* cursor, int32_t fieldNo, TCTCustomRecordBuffer* buffer, int32_t& size);
   /// Sets the stream's size (growth is zero bytes); 1112, changing nothing, beyond what the
   /// field's length prefix counts.
