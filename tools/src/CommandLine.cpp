@@ -42,12 +42,11 @@ struct Parsed {
   bool Progress = false, NoProgress = false;
 };
 
-// The subcommand closest to a mistyped one (at most two edits away), for "did you mean".
-std::string Nearest(const std::string& typed, const std::vector<CLI::App*>& commands) {
+// The name closest to a mistyped one (at most two edits away), for "did you mean".
+std::string Nearest(const std::string& typed, const std::vector<std::string>& names) {
   std::string best;
   std::size_t bestDistance = 3;
-  for (const CLI::App* command : commands) {
-    const std::string& name = command->get_name();
+  for (const std::string& name : names) {
     std::vector<std::size_t> row(name.size() + 1);
     for (std::size_t j = 0; j <= name.size(); ++j) row[j] = j;
     for (std::size_t i = 1; i <= typed.size(); ++i) {
@@ -302,15 +301,27 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
       return kExitOk;
     }
     console.Err << "ctt: " << e.what() << '\n';
-    // A mistyped command is the first word after the options; name the command it resembles.
+    // Name the option a mistyped one resembles, among those of the command given.
+    std::vector<std::string> options;
+    for (const CLI::App* scope : {&app, app.get_subcommands().empty() ? &app : app.get_subcommands().front()})
+      for (const CLI::Option* option : scope->get_options())
+        for (const std::string& name : option->get_lnames()) options.push_back("--" + name);
+    for (std::size_t i = 1; i < args.size(); ++i) {
+      const std::string typed = args[i].substr(0, args[i].find('='));
+      if (!typed.starts_with("--") || std::find(options.begin(), options.end(), typed) != options.end()) continue;
+      if (const std::string near = Nearest(typed, options); !near.empty())
+        console.Err << "Did you mean '" << near << "' for '" << typed << "'?\n";
+    }
+    // A mistyped command: the first word that resembles one.
     if (app.get_subcommands().empty()) {
       std::vector<std::string> commands;
       for (const CLI::App* command : app.get_subcommands({})) commands.push_back(command->get_name());
       for (std::size_t i = 1; i < args.size(); ++i) {
         if (args[i].empty() || args[i][0] == '-') continue;
-        if (const std::string near = Nearest(args[i], app.get_subcommands({})); !near.empty())
+        if (const std::string near = Nearest(args[i], commands); !near.empty()) {
           console.Err << "Did you mean '" << near << "'?\n";
-        break;
+          break;
+        }
       }
       std::string list;
       for (const std::string& command : commands) list += (list.empty() ? "" : ", ") + command;

@@ -37,6 +37,12 @@ TEST_F(CommandLineTest, HelpAndUsageErrors) {
   EXPECT_NE(out.str().find("--skip-rows"), std::string::npos);
   EXPECT_EQ(Run({}), kExitUsage);
   EXPECT_EQ(Run({"frobnicate", "t"}), kExitUsage);
+  EXPECT_EQ(Run({"-d", "tmp", "lsit", "t"}), kExitUsage);
+  EXPECT_NE(err.str().find("Did you mean 'list'?\nCommands: create, import,"), std::string::npos) << err.str();
+  EXPECT_EQ(Run({"list", "t", "--limt", "3"}), kExitUsage);
+  EXPECT_NE(err.str().find("Did you mean '--limit' for '--limt'?"), std::string::npos) << err.str();
+  EXPECT_EQ(Run({"--version"}), kExitOk);
+  EXPECT_EQ(out.str().rfind("ctt ", 0), 0u);
   EXPECT_EQ(Run({"list"}), kExitUsage);
   EXPECT_NE(err.str().find("Run 'ctt --help'"), std::string::npos);
   EXPECT_EQ(Run({"list", "t", "--limit", "many"}), kExitUsage);
