@@ -82,8 +82,8 @@ TEST_F(EngineDamage, BothRecordLayoutsReadBackTheSameRecords) {
     ASSERT_EQ(api.NXTREC(2, &c), 0);
     EXPECT_EQ(c.id, 7);
     EXPECT_STREQ(c.city, "Brindlemoor");
-    EXPECT_EQ(c.balance, 4.0);
-    EXPECT_EQ(c.date, 0);
+    EXPECT_EQ(double{c.balance}, 4.0);
+    EXPECT_EQ(int32_t{c.date}, 0);
     ASSERT_EQ(api.DELRFIL(0), 0);
   }
 }

@@ -26,7 +26,7 @@ TEST_F(EngineIndexes, ConditionDecidesWhichRecordsHaveKeysOnEveryWrite) {
   Customer c{};
   ASSERT_EQ(api.FRSREC(dat + 2, &c), 0);
   EXPECT_STREQ(c.city, "Paris");
-  EXPECT_GT(c.balance, 100);
+  EXPECT_GT(double{c.balance}, 100);
 
   ASSERT_EQ(Add(dat, 31, "new", "Rome", 500), 0);    // in
   ASSERT_EQ(Add(dat, 32, "poor", "Rome", 5), 0);     // out
@@ -146,7 +146,7 @@ TEST_F(EngineIndexes, CompactionReclaimsDeletedSpaceAndKeepsRecords) {
   EXPECT_EQ(api.DATENT(0), 300);
   EXPECT_EQ(api.IDXENT(2), 300);
   ASSERT_EQ(Find(1, 2990, c), 0);
-  EXPECT_EQ(c.balance, 29900);
+  EXPECT_EQ(double{c.balance}, 29900);
   EXPECT_EQ(Add(0, 5000, "later", "Oslo"), 0);
 }
 

@@ -91,7 +91,7 @@ TEST_F(EngineLocks, LockSetWritesBecomeVisibleTogetherAtFree) {
   EXPECT_EQ(api.DATENT(a), 2);
   EXPECT_EQ(api.IDXENT(a + 2), 2);
   ASSERT_EQ(Find(a + 1, 1, c), 0);
-  EXPECT_EQ(c.balance, 5);
+  EXPECT_EQ(double{c.balance}, 5);
 }
 
 TEST_F(EngineLocks, TransactionAbortLeavesNoTraceAndSavePointsRollBackPart) {

@@ -186,9 +186,9 @@ TEST_F(Engine, SerialSegmentNumbersRecords) {
   const COUNT dat = CreateOneIndex(f);
   Customer c = MakeCustomer(1, "a", "b");
   ASSERT_EQ(api.ADDREC(dat, &c), 0);
-  EXPECT_EQ(c.date, 1);
+  EXPECT_EQ(int32_t{c.date}, 1);
   ASSERT_EQ(api.ADDREC(dat, &c), 0);
-  EXPECT_EQ(c.date, 2);
+  EXPECT_EQ(int32_t{c.date}, 2);
   EXPECT_EQ(api.SERIALNUM(dat), 2);
   EXPECT_EQ(api.IDXENT(dat + 1), 2);
 }
