@@ -18,5 +18,8 @@ cmake --build "$build" -j "$(nproc)"
 # _exit skip the leak check (LeakSanitizer runs at exit), so forking tests are not affected.
 export ASAN_OPTIONS="detect_leaks=1:halt_on_error=1:abort_on_error=1:strict_string_checks=1:detect_stack_use_after_return=0"
 export UBSAN_OPTIONS="halt_on_error=1:print_stacktrace=1"
+# The sanitizer runtime intercepts dlopen and calls the loader itself, so the program's RUNPATH
+# no longer applies to the engine libraries: name their folder.
+export LD_LIBRARY_PATH="$build/lib${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
 cd "$build"
 ctest --output-on-failure -j "$(nproc)" --timeout 1200 "$@"
