@@ -22,4 +22,6 @@ export UBSAN_OPTIONS="halt_on_error=1:print_stacktrace=1"
 # no longer applies to the engine libraries: name their folder.
 export LD_LIBRARY_PATH="$build/lib${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
 cd "$build"
-ctest --output-on-failure -j "$(nproc)" --timeout 1200 "$@"
+# The installed-package test builds a program without the sanitizer against the instrumented
+# libraries, which cannot link: it is left out here.
+ctest --output-on-failure -j "$(nproc)" --timeout 1200 -E '^package\.' "$@"

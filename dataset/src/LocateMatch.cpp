@@ -182,7 +182,8 @@ bool LocateMatch::DecodesRecords() const {
 bool LocateMatch::TextMatches(const LocateCondition& Condition, std::string_view Value) const {
   const std::string& key = Condition.Text;
   const auto sameBytes = [&](size_t n) {
-    if (!FCaseInsensitive) return std::memcmp(Value.data(), key.data(), n) == 0;
+    // An empty value may have no bytes at all behind it.
+    if (!FCaseInsensitive) return n == 0 || std::memcmp(Value.data(), key.data(), n) == 0;
     for (size_t i = 0; i < n; ++i)
       if (FUpper[static_cast<uint8_t>(Value[i])] != FUpper[static_cast<uint8_t>(key[i])]) return false;
     return true;

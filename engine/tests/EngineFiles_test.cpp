@@ -44,8 +44,8 @@ TEST_F(EngineFiles, SetReopensWithItsDefinitionAndRecords) {
   ASSERT_EQ(api.GETDODA(5, dsize, d.data(), SCHEMA_DODA), dsize);
   DATOBJ* fields = reinterpret_cast<DATOBJ*>(d.data());
   EXPECT_STREQ(fields[1].fsymb, "name");
-  EXPECT_EQ(fields[1].ftype, CT_FSTRING);
-  EXPECT_EQ(fields[1].flen, 30u);
+  EXPECT_EQ(+fields[1].ftype, CT_FSTRING);  // + reads the packed members by value
+  EXPECT_EQ(+fields[1].flen, 30u);
   EXPECT_GT(api.GETDODA(5, 0, nullptr, SCHEMA_MAP), 0);
 }
 

@@ -62,9 +62,9 @@ TEST_F(EngineAltSeq, SequenceGivenAtCreationOrdersAltSegmentsOnly) {
   std::vector<char> image(need);
   ASSERT_EQ(api.GETIFIL(n.ifil.tfilno, need, image.data()), need);
   const IFIL* back = reinterpret_cast<const IFIL*>(image.data());
-  ASSERT_NE(back->ix[0].altseq, nullptr);
+  ASSERT_NE(+back->ix[0].altseq, nullptr);  // + reads the packed member by value
   EXPECT_EQ(std::vector<COUNT>(back->ix[0].altseq, back->ix[0].altseq + 256), rev);
-  EXPECT_EQ(back->ix[1].altseq, nullptr);
+  EXPECT_EQ(+back->ix[1].altseq, nullptr);
   // Keys built by the caller go through the same weights.
   char target[8] = {'a', 'b'}, rec[9] = {};
   ASSERT_EQ(api.EQLREC(n.ifil.tfilno + 1, api.TFRMKEY(n.ifil.tfilno + 1, target), rec), 0);
