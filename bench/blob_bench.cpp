@@ -7,20 +7,15 @@
 // that of the LMDB case before them (CPU time is steadier than wall time on a shared machine).
 #include <benchmark/benchmark.h>
 #include <lmdb.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <cstring>
-#include <ctime>
-#include <filesystem>
+#include <cstdlib>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
-#include "CTTables.h"
-#include "Ctdb.h"
+#include "BenchClock.h"
+#include "BenchProgram.h"
 #include "TBlobField.h"
+#include "Workspace.h"
 
 namespace {
 
@@ -28,18 +23,10 @@ constexpr size_t kMemoSize = 2048;
 constexpr size_t kBlobSize = size_t{1} << 20;
 int gMemoRecords = 100000;
 int gBlobRecords = 200;
-std::string gDir;
-fw::TComponent* gOwner = nullptr;
-Ctdb::TCTConnection* gConn = nullptr;
+bench::Workspace gWork;
 MDB_env* gEnv = nullptr;
 double gLmdbSeconds =
     0;  // CPU time of the last LMDB case, the measure of the dataset case after it
-
-double CpuSeconds() {
-  timespec now{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
 
 // The content of record `id`: printable for memos, every byte value for blobs.
 std::string Content(int32_t id, size_t size, bool text) {
@@ -52,11 +39,7 @@ std::string Content(int32_t id, size_t size, bool text) {
 }
 
 CTTables::TCTTable* CreateTable(const char* name, fw::TFieldType type) {
-  auto* table = new CTTables::TCTTable(gOwner);
-  table->SetConnection(gConn);
-  table->SetDatabase(gDir);
-  table->SetTableName(name);
-  table->SetExclusive(true);
+  CTTables::TCTTable* table = gWork.Table(name, true);
   table->FieldDefs()->Add("ID", fw::ftInteger, 0, true);
   table->FieldDefs()->Add("DATA", type, 0, false);
   // Flag4: the engine keeps the keys.
@@ -80,7 +63,7 @@ MDB_dbi OpenDatabase(const char* name) {
 
 void LmdbPut(benchmark::State& state, const char* name, int records, size_t size, bool text) {
   const MDB_dbi dbi = OpenDatabase(name);
-  const double start = CpuSeconds();
+  const double start = bench::CpuSeconds();
   for (auto _ : state) {
     MDB_txn* txn = nullptr;
     if (mdb_txn_begin(gEnv, nullptr, 0, &txn) != 0) state.SkipWithError("txn");
@@ -92,13 +75,13 @@ void LmdbPut(benchmark::State& state, const char* name, int records, size_t size
     }
     if (mdb_txn_commit(txn) != 0) state.SkipWithError("commit");
   }
-  gLmdbSeconds = CpuSeconds() - start;
+  gLmdbSeconds = bench::CpuSeconds() - start;
   state.SetBytesProcessed(static_cast<int64_t>(records) * static_cast<int64_t>(size));
 }
 
 void LmdbGet(benchmark::State& state, const char* name, int records, size_t size) {
   const MDB_dbi dbi = OpenDatabase(name);
-  const double start = CpuSeconds();
+  const double start = bench::CpuSeconds();
   int64_t bytes = 0;
   for (auto _ : state) {
     MDB_txn* txn = nullptr;
@@ -113,7 +96,7 @@ void LmdbGet(benchmark::State& state, const char* name, int records, size_t size
     }
     mdb_txn_abort(txn);
   }
-  gLmdbSeconds = CpuSeconds() - start;
+  gLmdbSeconds = bench::CpuSeconds() - start;
   if (bytes != static_cast<int64_t>(records) * static_cast<int64_t>(size))
     state.SkipWithError("short read");
   state.SetBytesProcessed(bytes);
@@ -121,7 +104,7 @@ void LmdbGet(benchmark::State& state, const char* name, int records, size_t size
 
 void Report(benchmark::State& state, double start, int64_t bytes) {
   state.SetBytesProcessed(bytes);
-  if (gLmdbSeconds > 0) state.counters["x_lmdb"] = (CpuSeconds() - start) / gLmdbSeconds;
+  if (gLmdbSeconds > 0) state.counters["x_lmdb"] = (bench::CpuSeconds() - start) / gLmdbSeconds;
 }
 
 // ---- memo: 2 KB per record, all in one transaction ----------------------------------------
@@ -135,16 +118,16 @@ void Lmdb_MemoPut(benchmark::State& state) {
 void Dataset_MemoPost(benchmark::State& state) {
   fw::TField* id = gMemos->FieldByName("ID");
   fw::TField* memo = gMemos->FieldByName("DATA");
-  const double start = CpuSeconds();
+  const double start = bench::CpuSeconds();
   for (auto _ : state) {
-    gConn->StartTransaction();
+    gWork.conn->StartTransaction();
     for (int32_t i = 1; i <= gMemoRecords; ++i) {
       gMemos->Append();
       id->SetAsInteger(i);
       memo->SetAsString(Content(i, kMemoSize, true));
       gMemos->Post();
     }
-    gConn->Commit();
+    gWork.conn->Commit();
   }
   Report(state, start, static_cast<int64_t>(gMemoRecords) * static_cast<int64_t>(kMemoSize));
 }
@@ -153,7 +136,7 @@ void Lmdb_MemoGet(benchmark::State& state) { LmdbGet(state, "memos", gMemoRecord
 
 void Dataset_MemoScan(benchmark::State& state) {
   fw::TField* memo = gMemos->FieldByName("DATA");
-  const double start = CpuSeconds();
+  const double start = bench::CpuSeconds();
   int64_t bytes = 0;
   for (auto _ : state)
     for (gMemos->First(); !gMemos->Eof(); gMemos->Next())
@@ -174,9 +157,9 @@ void Lmdb_BlobPut(benchmark::State& state) {
 void Dataset_BlobWrite(benchmark::State& state) {
   fw::TField* id = gBlobs->FieldByName("ID");
   fw::TField* blob = gBlobs->FieldByName("DATA");
-  const double start = CpuSeconds();
+  const double start = bench::CpuSeconds();
   for (auto _ : state) {
-    gConn->StartTransaction();
+    gWork.conn->StartTransaction();
     for (int32_t i = 1; i <= gBlobRecords; ++i) {
       const std::string content = Content(i, kBlobSize, false);
       gBlobs->Append();
@@ -187,7 +170,7 @@ void Dataset_BlobWrite(benchmark::State& state) {
       stream.reset();
       gBlobs->Post();
     }
-    gConn->Commit();
+    gWork.conn->Commit();
   }
   Report(state, start, static_cast<int64_t>(gBlobRecords) * static_cast<int64_t>(kBlobSize));
 }
@@ -196,7 +179,7 @@ void Lmdb_BlobGet(benchmark::State& state) { LmdbGet(state, "blobs", gBlobRecord
 
 void Dataset_BlobRead(benchmark::State& state) {
   fw::TField* blob = gBlobs->FieldByName("DATA");
-  const double start = CpuSeconds();
+  const double start = bench::CpuSeconds();
   int64_t bytes = 0;
   std::string content(kBlobSize, '\0');
   for (auto _ : state) {
@@ -225,40 +208,21 @@ BENCHMARK(Lmdb_BlobGet)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(Dataset_BlobRead)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
-  std::vector<char*> args;
-  for (int i = 0; i < argc; ++i) {
-    if (std::strncmp(argv[i], "--memo-records=", 15) == 0)
-      gMemoRecords = std::max(1, std::atoi(argv[i] + 15));
-    else if (std::strncmp(argv[i], "--blob-records=", 15) == 0)
-      gBlobRecords = std::max(1, std::atoi(argv[i] + 15));
-    else
-      args.push_back(argv[i]);
-  }
-  int count = static_cast<int>(args.size());
-  benchmark::Initialize(&count, args.data());
-
-  gDir = (std::filesystem::temp_directory_path() / ("blob_bench_" + std::to_string(::getpid())))
-             .string();
-  std::filesystem::create_directories(gDir);
-  int status = 0;
-  try {
+  bench::BenchProgram program("blob_bench", argc, argv,
+                             bench::Flags()
+                                 .Int("--memo-records=", gMemoRecords, 1)
+                                 .Int("--blob-records=", gBlobRecords, 1));
+  const int status = program.Run([&] {
     if (mdb_env_create(&gEnv) != 0 || mdb_env_set_maxdbs(gEnv, 4) != 0 ||
         mdb_env_set_mapsize(gEnv, size_t{16} << 30) != 0 ||
-        mdb_env_open(gEnv, (gDir + "/plain.mdb").c_str(), MDB_NOSUBDIR | MDB_NOSYNC, 0644) != 0)
+        mdb_env_open(gEnv, (program.Dir() + "/plain.mdb").c_str(), MDB_NOSUBDIR | MDB_NOSYNC, 0644) != 0)
       throw std::runtime_error("cannot open the LMDB environment");
-    gOwner = new fw::TComponent(nullptr);
-    gConn = new Ctdb::TCTConnection(gOwner);
-    gConn->SetActive(true);
+    gWork.Open(program.Dir());
     gMemos = CreateTable("memos", fw::ftMemo);
     gBlobs = CreateTable("blobs", fw::ftBlob);
     benchmark::RunSpecifiedBenchmarks();
-    gOwner->Free();
-  } catch (const std::exception& e) {
-    std::fprintf(stderr, "blob_bench: %s\n", e.what());
-    status = 1;
-  }
+    gWork.Free();
+  });
   if (gEnv != nullptr) mdb_env_close(gEnv);
-  benchmark::Shutdown();
-  std::filesystem::remove_all(gDir);
   return status;
 }

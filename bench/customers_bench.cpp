@@ -10,27 +10,25 @@
 // flushed to the disk (the engine's files are opened without WRITETHRU/TRNLOG; SQLite runs in
 // WAL mode with synchronous=NORMAL).
 #include <sqlite3.h>
-#include <time.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <functional>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "CTTables.h"
-#include "CtRecords.h"
 #include "CtSession.h"
-#include "Ctdb.h"
-#include "TField.h"
 #include "ctisam.h"
 
-#include "CustomerRecord.h"
+#include "BenchClock.h"
+#include "BenchFlags.h"
+#include "CustomersTable.h"
+#include "ScratchDir.h"
+#include "Workspace.h"
 
 namespace {
 
@@ -52,19 +50,9 @@ std::vector<int32_t> gDeletes;  // ids deleted (distinct from gUpdates and gSmal
 std::vector<int32_t> gSmall;    // ids updated one transaction each
 std::string gDir;
 
-std::string NameOf(int32_t id, int version = 0) {
-  char text[32];
-  std::snprintf(text, sizeof text, "name%07d", (id * 7919 + version * 104729) % 1000003);
-  return text;
-}
-Customer Make(int32_t id) {
-  Customer c{};
-  c.id = id;
-  std::snprintf(c.name, sizeof c.name, "%s", NameOf(id).c_str());
-  std::snprintf(c.city, sizeof c.city, "%s", CityOf(id).c_str());
-  c.balance = id * 0.25;
-  return c;
-}
+// The name of customer `id` after `version` updates (0: as loaded).
+std::string NameOf(int32_t id, int version = 0) { return bench::ScrambledName(id, version * 104729); }
+Customer Make(int32_t id) { return bench::MakeCustomer(id, NameOf(id)); }
 // A checksum over every field, so that the systems can be compared and no read is dropped.
 double Sum(int32_t id, size_t nameLength, size_t cityLength, double balance) {
   return id + static_cast<double>(nameLength * 3 + cityLength) + balance;
@@ -77,15 +65,6 @@ const char* const kStepNames[kSteps] = {
     "(1) add N, one transaction", "    first half", "    second half", "(2) scan in id order",
     "(3) scan in city,name order", "(4) random seeks by id", "(5) 50 cities as ranges",
     "(6) updates moving a key, 1 tx", "(7) deletes, one transaction", "(8) updates, 1 tx each"};
-
-double CpuNow() {
-  timespec t{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-  return static_cast<double>(t.tv_sec) + t.tv_nsec * 1e-9;
-}
-double WallNow() {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
 
 struct Measure {
   double wall = 0, cpu = 0;
@@ -104,11 +83,11 @@ struct System {
 
 // Runs one step and records its time; `work` returns the checksum of what it read.
 void Run(System& s, Step step, int64_t items, const std::function<double()>& work) {
-  const double w0 = WallNow(), c0 = CpuNow();
+  const double w0 = bench::WallSeconds(), c0 = bench::CpuSeconds();
   const double check = work();
   Measure& m = s.steps[step];
-  m.wall = WallNow() - w0;
-  m.cpu = CpuNow() - c0;
+  m.wall = bench::WallSeconds() - w0;
+  m.cpu = bench::CpuSeconds() - c0;
   m.items = items;
   m.check = check;
   m.done = true;
@@ -119,10 +98,10 @@ void RunLoad(System& s, const std::function<void(int32_t)>& add, const std::func
              const std::function<void()>& commit) {
   const size_t half = gOrder.size() / 2;
   double w[3] = {}, c[3] = {};
-  w[0] = WallNow(), c[0] = CpuNow();
+  w[0] = bench::WallSeconds(), c[0] = bench::CpuSeconds();
   begin();
   for (size_t i = 0; i < gOrder.size(); ++i) {
-    if (i == half) w[1] = WallNow(), c[1] = CpuNow();
+    if (i == half) w[1] = bench::WallSeconds(), c[1] = bench::CpuSeconds();
     add(gOrder[i]);
     if (gLoadBatch > 0 && (i + 1) % static_cast<size_t>(gLoadBatch) == 0 && i + 1 < gOrder.size()) {
       commit();
@@ -130,7 +109,7 @@ void RunLoad(System& s, const std::function<void(int32_t)>& add, const std::func
     }
   }
   commit();
-  w[2] = WallNow(), c[2] = CpuNow();
+  w[2] = bench::WallSeconds(), c[2] = bench::CpuSeconds();
   auto set = [&](Step step, int from, int to, int64_t items) {
     s.steps[step] = Measure{w[to] - w[from], c[to] - c[from], items, 0, true};
   };
@@ -150,51 +129,14 @@ uintmax_t FileBytes(const std::string& stem) {
   return total;
 }
 
-// ---- the table through the connection (shared by the engine and TCTTable runs) ------------
-
-Ctdb::CTFldDesc Field(uint16_t no, const char* name, int16_t type, int16_t subType, int16_t length) {
-  Ctdb::CTFldDesc desc;
-  desc.FieldNo = no;
-  desc.Name = name;
-  desc.FieldType = type;
-  desc.SubType = subType;
-  desc.Units1 = length;
-  desc.Length = length;
-  return desc;
-}
-
-// customers: ID (unique index ById), NAME, CITY, BALANCE; index ByCity on CITY+NAME.
-void CreateCustomers(Ctdb::TCTConnection& conn, const char* name) {
-  Ctdb::CTTblDesc desc;
-  desc.Name = name;
-  desc.TableType = "CTree";
-  desc.Fields = {Field(1, "ID", Ctdb::fldINT32, 0, 4), Field(2, "NAME", Ctdb::fldZSTRING, Ctdb::fldstFSTRING, 30),
-                 Field(3, "CITY", Ctdb::fldZSTRING, Ctdb::fldstFSTRING, 20),
-                 Field(4, "BALANCE", Ctdb::fldFLOAT, 0, 8)};
-  Ctdb::CTIdxDesc byId;
-  byId.Name = "ById";
-  byId.Unique = byId.Primary = byId.Maintained = Ctdb::kWordTrue;
-  byId.KeyFields[0] = 1;
-  byId.FieldsInKey = 1;
-  Ctdb::CTIdxDesc byCity = byId;
-  byCity.Name = "ByCity";
-  byCity.Unique = byCity.Primary = Ctdb::kWordFalse;
-  byCity.KeyFields[0] = 3;
-  byCity.KeyFields[1] = 2;
-  byCity.FieldsInKey = 2;
-  desc.Indexes = {byId, byCity};
-  CTDbIntf::CtError(conn.CreateTable(gDir, true, desc));
-}
-
 // ---- the engine calls alone ------------------------------------------------------------------
 
 void RunEngine(System& s, Ctdb::TCTConnection& conn) {
   const CTDbIntf::TLoadAlignment a = conn.Alignment();
-  CreateCustomers(conn, "enginecust");
-  std::unique_ptr<Ctdb::TCTCursorDesc> cursor;
-  CTDbIntf::CtError(conn.OpenCursor(cursor, "enginecust", gDir, 0));
-  const int16_t dat = cursor->DataFileNo, byId = static_cast<int16_t>(dat + 1), byCity = static_cast<int16_t>(dat + 2);
-  if (cursor->FixedRecLength != static_cast<int32_t>(sizeof(Customer)))
+  bench::CreateCustomersTable(conn, gDir, "enginecust", bench::CityIndex::kCityName);
+  bench::EngineCustomers table(conn, gDir, "enginecust");
+  const int16_t dat = table.dat, byId = table.byId, byCity = table.byCity;
+  if (table.cursor->FixedRecLength != static_cast<int32_t>(sizeof(Customer)))
     throw std::runtime_error("the table's records are not laid out as Customer");
   auto fail = [&](const char* what) {
     throw std::runtime_error(std::string(what) + " failed: " + std::to_string(CTDbIntf::GetCtIsamErr(a)));
@@ -279,19 +221,16 @@ void RunEngine(System& s, Ctdb::TCTConnection& conn) {
     return 0.0;
   });
   if (CTDbIntf::NbrOfRecords(a, dat) != gRecords - kDeletes) throw std::runtime_error("wrong record count at the end");
-  CTDbIntf::CtError(conn.CloseCursor(cursor));
+  table.Close();
   s.fileBytes = FileBytes("enginecust");
 }
 
 // ---- TCTTable --------------------------------------------------------------------------------
 
-void RunTable(System& s, fw::TComponent* owner, Ctdb::TCTConnection& conn) {
-  CreateCustomers(conn, "tablecust");
-  auto* table = new CTTables::TCTTable(owner);
-  table->SetConnection(&conn);
-  table->SetDatabase(gDir);
-  table->SetTableName("tablecust");
-  table->SetExclusive(true);
+void RunTable(System& s, const bench::Workspace& work) {
+  Ctdb::TCTConnection& conn = *work.conn;
+  bench::CreateCustomersTable(conn, gDir, "tablecust", bench::CityIndex::kCityName);
+  CTTables::TCTTable* table = work.Table("tablecust", true);
   table->Open();
   fw::TField* id = table->FieldByName("ID");
   fw::TField* name = table->FieldByName("NAME");
@@ -563,32 +502,26 @@ std::vector<int32_t> Draw(std::mt19937& random, size_t count, std::vector<int32_
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::string dir;
-  for (int i = 1; i < argc; ++i) {
-    if (std::strncmp(argv[i], "--records=", 10) == 0) {
-      gRecords = std::atoi(argv[i] + 10);
-    } else if (std::strncmp(argv[i], "--load-batch=", 13) == 0) {
-      gLoadBatch = std::atoi(argv[i] + 13);
-    } else if (std::strncmp(argv[i], "--dir=", 6) == 0) {
-      dir = argv[i] + 6;
-    } else {
-      std::fprintf(stderr, "usage: %s [--records=N] [--load-batch=N] [--dir=PATH]\n", argv[0]);
-      return 2;
-    }
+  std::string given;
+  const std::vector<char*> rest = bench::Flags()
+                                      .Int("--records=", gRecords)
+                                      .Int("--load-batch=", gLoadBatch)
+                                      .Text("--dir=", given)
+                                      .Parse(argc, argv);
+  if (rest.size() > 1) {
+    std::fprintf(stderr, "usage: %s [--records=N] [--load-batch=N] [--dir=PATH]\n", argv[0]);
+    return 2;
   }
   const int least = kUpdates + kDeletes + kSmallTransactions;
   if (gRecords < least) {
     std::fprintf(stderr, "customers_bench: --records must be at least %d\n", least);
     return 2;
   }
-  const bool ownDir = dir.empty();
-  gDir = ownDir ? (std::filesystem::temp_directory_path() / ("customers_bench_" + std::to_string(::getpid()))).string()
-                : dir;
-  std::filesystem::create_directories(gDir);
+  const bench::ScratchDir dir("customers_bench", given);
+  gDir = dir.Path();
 
   std::mt19937 random(42);
-  for (int32_t id = 1; id <= gRecords; ++id) gOrder.push_back(id);
-  std::shuffle(gOrder.begin(), gOrder.end(), random);
+  gOrder = bench::ShuffledIds(1, gRecords, random);
   std::uniform_int_distribution<int32_t> pick(1, gRecords);
   for (int i = 0; i < kSeeks; ++i) gSeeks.push_back(pick(random));
   std::vector<int32_t> taken;
@@ -598,13 +531,12 @@ int main(int argc, char** argv) {
 
   System systems[3] = {System("engine"), System("TCTTable"), System("SQLite")};
   int status = 0;
-  auto* owner = new fw::TComponent(nullptr);
+  bench::Workspace work;
   try {
-    auto* conn = new Ctdb::TCTConnection(owner);
-    conn->SetActive(true);
+    work.Open(gDir);
     const std::pair<int, std::function<void()>> runs[] = {
-        {0, [&] { RunEngine(systems[0], *conn); }},
-        {1, [&] { RunTable(systems[1], owner, *conn); }},
+        {0, [&] { RunEngine(systems[0], *work.conn); }},
+        {1, [&] { RunTable(systems[1], work); }},
         {2, [&] { RunSqlite(systems[2]); }},
     };
     for (const auto& [index, run] : runs) {
@@ -620,8 +552,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "customers_bench: %s\n", e.what());
     status = 1;
   }
-  owner->Free();
+  work.Free();
   Print(systems);
-  if (ownDir) std::filesystem::remove_all(gDir);
   return status;
 }

@@ -3,22 +3,16 @@
 // build: <build>/bench/dataset_bench [--records=N]. Each case runs once over the whole table and
 // reports items_per_second; the "Engine" cases are the floor under the dataset layer.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <random>
-#include <string>
 #include <vector>
 
-#include "CTTables.h"
-#include "CtRecords.h"
-#include "Ctdb.h"
-#include "TField.h"
-
-#include "CustomerRecord.h"
+#include "BenchProgram.h"
+#include "CustomersTable.h"
+#include "Workspace.h"
 
 namespace {
 
@@ -30,91 +24,20 @@ constexpr int kLookups = 20000;
 int gRecords = 1000000;
 std::vector<int32_t> gOrder;   // ids in insertion order (a permutation)
 std::vector<int32_t> gProbes;  // ids looked up and rewritten
-std::string gDir;
-fw::TComponent* gOwner = nullptr;
-Ctdb::TCTConnection* gConn = nullptr;
+bench::Workspace gWork;
 CTTables::TCTTable* gTable = nullptr;  // "customers", written through the dataset
 CTDbIntf::TLoadAlignment gAlign = CTDbIntf::laByte;
 
-std::string NameOf(int32_t id) {
-  char text[32];
-  std::snprintf(text, sizeof text, "name%07d", (id * 7919) % 1000003);
-  return text;
-}
-Customer Make(int32_t id) {
-  Customer c{};
-  c.id = id;
-  std::snprintf(c.name, sizeof c.name, "%s", NameOf(id).c_str());
-  std::snprintf(c.city, sizeof c.city, "%s", CityOf(id).c_str());
-  c.balance = id * 0.25;
-  return c;
-}
+Customer Make(int32_t id) { return bench::MakeCustomer(id, bench::ScrambledName(id)); }
 
-Ctdb::CTFldDesc Field(uint16_t no, const char* name, int16_t type, int16_t subType, int16_t length) {
-  Ctdb::CTFldDesc desc;
-  desc.FieldNo = no;
-  desc.Name = name;
-  desc.FieldType = type;
-  desc.SubType = subType;
-  desc.Units1 = length;
-  desc.Length = length;
-  return desc;
-}
+// The engine alone on the dataset's own table: its file is open exclusively, so no other cursor
+// can open it.
+int16_t DatasetFile() { return static_cast<int16_t>(gTable->Cursor()->DataFileNo); }
 
-void CreateCustomers(const char* name) {
-  Ctdb::CTTblDesc desc;
-  desc.Name = name;
-  desc.TableType = "CTree";
-  desc.Fields = {Field(1, "ID", Ctdb::fldINT32, 0, 4), Field(2, "NAME", Ctdb::fldZSTRING, Ctdb::fldstFSTRING, 30),
-                 Field(3, "CITY", Ctdb::fldZSTRING, Ctdb::fldstFSTRING, 20),
-                 Field(4, "BALANCE", Ctdb::fldFLOAT, 0, 8)};
-  Ctdb::CTIdxDesc byId;
-  byId.Name = "ById";
-  byId.Unique = byId.Primary = byId.Maintained = Ctdb::kWordTrue;
-  byId.KeyFields[0] = 1;
-  byId.FieldsInKey = 1;
-  Ctdb::CTIdxDesc byCity = byId;
-  byCity.Name = "ByCity";
-  byCity.Primary = Ctdb::kWordFalse;
-  byCity.KeyFields[0] = 3;
-  byCity.KeyFields[1] = 1;
-  byCity.FieldsInKey = 2;
-  desc.Indexes = {byId, byCity};
-  CTDbIntf::CtError(gConn->CreateTable(gDir, true, desc));
-}
-
-// The engine alone: the data file and key numbers of a table opened by the connection (a new
-// exclusive cursor, or the dataset's own table: its file is open exclusively).
-struct EngineTable {
-  std::unique_ptr<Ctdb::TCTCursorDesc> cursor;
-  int16_t dat = -1;
-  int16_t byId = -1;
-  int16_t byCity = -1;
-  explicit EngineTable(const char* name) {
-    if (std::strcmp(name, "customers") == 0) {
-      dat = gTable->Cursor()->DataFileNo;
-    } else {
-      CTDbIntf::CtError(gConn->OpenCursor(cursor, name, gDir, 0));
-      dat = cursor->DataFileNo;
-    }
-    byId = static_cast<int16_t>(dat + 1);
-    byCity = static_cast<int16_t>(dat + 2);
-  }
-  ~EngineTable() {
-    if (cursor != nullptr) static_cast<void>(gConn->CloseCursor(cursor));
-  }
-};
-
-// Reads every field as an application would, so the compiler cannot drop the reads.
-double ReadFields(fw::TField* const* fields) {
-  return fields[0]->AsInteger() + static_cast<double>(fields[1]->AsString().size() + fields[2]->AsString().size()) +
-         fields[3]->AsFloat();
-}
+// The engine cases' bench::ReadFields: every field of the record image read.
 double ReadRecord(const Customer& c) {
   return c.id + static_cast<double>(strnlen(c.name, sizeof c.name) + strnlen(c.city, sizeof c.city)) + c.balance;
 }
-
-void Report(benchmark::State& state, int64_t items) { state.SetItemsProcessed(items); }
 
 // ---- the dataset layer -------------------------------------------------------------------
 
@@ -123,30 +46,29 @@ void Dataset_AppendPost(benchmark::State& state) {
     for (int32_t id : gOrder) {
       gTable->Append();
       gTable->FieldByName("ID")->SetAsInteger(id);
-      gTable->FieldByName("NAME")->SetAsString(NameOf(id));
+      gTable->FieldByName("NAME")->SetAsString(bench::ScrambledName(id));
       gTable->FieldByName("CITY")->SetAsString(CityOf(id));
       gTable->FieldByName("BALANCE")->SetAsFloat(id * 0.25);
       gTable->Post();
     }
   }
-  Report(state, gRecords);
+  state.SetItemsProcessed(gRecords);
 }
 
 void DatasetScan(benchmark::State& state, const char* index) {
   gTable->SetIndexName(index);
-  fw::TField* fields[] = {gTable->FieldByName("ID"), gTable->FieldByName("NAME"), gTable->FieldByName("CITY"),
-                          gTable->FieldByName("BALANCE")};
+  const auto fields = bench::CustomerFields(*gTable);
   int64_t rows = 0;
   for (auto _ : state) {
     double sum = 0;
     for (gTable->First(); !gTable->Eof(); gTable->Next()) {
-      sum += ReadFields(fields);
+      sum += bench::ReadFields(fields);
       ++rows;
     }
     benchmark::DoNotOptimize(sum);
   }
   if (rows != gRecords) state.SkipWithError("scan did not see every record");
-  Report(state, rows);
+  state.SetItemsProcessed(rows);
 }
 void Dataset_ScanById(benchmark::State& state) { DatasetScan(state, "ById"); }
 void Dataset_ScanByCity(benchmark::State& state) { DatasetScan(state, "ByCity"); }
@@ -157,13 +79,12 @@ void Dataset_FindKey(benchmark::State& state) {
   for (auto _ : state)
     for (int32_t id : gProbes) found += gTable->FindKey({fw::Variant(id)}) ? 1 : 0;
   if (found != kLookups) state.SkipWithError("a key was not found");
-  Report(state, kLookups);
+  state.SetItemsProcessed(kLookups);
 }
 
 void Dataset_RangeWalk(benchmark::State& state) {
   gTable->SetIndexName("ByCity");
-  fw::TField* fields[] = {gTable->FieldByName("ID"), gTable->FieldByName("NAME"), gTable->FieldByName("CITY"),
-                          gTable->FieldByName("BALANCE")};
+  const auto fields = bench::CustomerFields(*gTable);
   int64_t rows = 0;
   for (auto _ : state) {
     double sum = 0;
@@ -173,7 +94,7 @@ void Dataset_RangeWalk(benchmark::State& state) {
       const fw::Variant name(CityOf(city));
       gTable->SetRange({name, fw::Variant(int32_t{0})}, {name, fw::Variant(int32_t{2147483647})});
       for (; !gTable->Eof(); gTable->Next()) {
-        sum += ReadFields(fields);
+        sum += bench::ReadFields(fields);
         ++rows;
       }
     }
@@ -181,7 +102,7 @@ void Dataset_RangeWalk(benchmark::State& state) {
     benchmark::DoNotOptimize(sum);
   }
   if (rows != gRecords) state.SkipWithError("the ranges did not cover every record");
-  Report(state, rows);
+  state.SetItemsProcessed(rows);
 }
 
 void Dataset_EditPost(benchmark::State& state) {
@@ -194,25 +115,25 @@ void Dataset_EditPost(benchmark::State& state) {
       gTable->Post();
     }
   }
-  Report(state, kLookups);
+  state.SetItemsProcessed(kLookups);
 }
 
 // ---- the engine calls alone ----------------------------------------------------------------
 
 void Engine_AddRecord(benchmark::State& state) {
-  CreateCustomers("enginecust");
-  EngineTable t("enginecust");
+  bench::CreateCustomersTable(*gWork.conn, gWork.dir, "enginecust", bench::CityIndex::kCityId);
+  bench::EngineCustomers t(*gWork.conn, gWork.dir, "enginecust");
   for (auto _ : state) {
     for (int32_t id : gOrder) {
       Customer c = Make(id);
       if (CTDbIntf::AddRecord(gAlign, t.dat, &c) != 0) state.SkipWithError("ADDREC failed");
     }
   }
-  Report(state, gRecords);
+  state.SetItemsProcessed(gRecords);
 }
 
 void EngineScan(benchmark::State& state, bool byCity) {
-  EngineTable t("customers");
+  bench::EngineCustomers t(DatasetFile());
   const int16_t key = byCity ? t.byCity : t.byId;
   int64_t rows = 0;
   for (auto _ : state) {
@@ -224,13 +145,13 @@ void EngineScan(benchmark::State& state, bool byCity) {
     }
     benchmark::DoNotOptimize(sum);
   }
-  Report(state, rows);
+  state.SetItemsProcessed(rows);
 }
 void Engine_ScanById(benchmark::State& state) { EngineScan(state, false); }
 void Engine_ScanByCity(benchmark::State& state) { EngineScan(state, true); }
 
 void Engine_Find(benchmark::State& state) {
-  EngineTable t("customers");
+  bench::EngineCustomers t(DatasetFile());
   int found = 0;
   for (auto _ : state) {
     for (int32_t id : gProbes) {
@@ -241,11 +162,11 @@ void Engine_Find(benchmark::State& state) {
     }
   }
   if (found != kLookups) state.SkipWithError("a key was not found");
-  Report(state, kLookups);
+  state.SetItemsProcessed(kLookups);
 }
 
 void Engine_RangeWalk(benchmark::State& state) {
-  EngineTable t("customers");
+  bench::EngineCustomers t(DatasetFile());
   int64_t rows = 0;
   for (auto _ : state) {
     double sum = 0;
@@ -263,11 +184,11 @@ void Engine_RangeWalk(benchmark::State& state) {
     benchmark::DoNotOptimize(sum);
   }
   if (rows != gRecords) state.SkipWithError("the ranges did not cover every record");
-  Report(state, rows);
+  state.SetItemsProcessed(rows);
 }
 
 void Engine_FindRewrite(benchmark::State& state) {
-  EngineTable t("customers");
+  bench::EngineCustomers t(DatasetFile());
   for (auto _ : state) {
     for (int32_t id : gProbes) {
       Customer probe = Make(id), c{};
@@ -278,7 +199,7 @@ void Engine_FindRewrite(benchmark::State& state) {
       if (CTDbIntf::ReWriteRecord(gAlign, t.dat, &c) != 0) state.SkipWithError("RWTREC failed");
     }
   }
-  Report(state, kLookups);
+  state.SetItemsProcessed(kLookups);
 }
 
 }  // namespace
@@ -297,21 +218,9 @@ BENCHMARK(Dataset_EditPost)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(Engine_FindRewrite)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
-  std::vector<char*> args;
-  for (int i = 0; i < argc; ++i) {
-    if (std::strncmp(argv[i], "--records=", 10) == 0)
-      gRecords = std::max(kLookups, std::atoi(argv[i] + 10));
-    else
-      args.push_back(argv[i]);
-  }
-  int count = static_cast<int>(args.size());
-  benchmark::Initialize(&count, args.data());
-
-  gDir = (std::filesystem::temp_directory_path() / ("dataset_bench_" + std::to_string(::getpid()))).string();
-  std::filesystem::create_directories(gDir);
+  bench::BenchProgram program("dataset_bench", argc, argv, bench::Flags().Int("--records=", gRecords, kLookups));
   std::mt19937 random(42);
-  for (int32_t id = 1; id <= gRecords; ++id) gOrder.push_back(id);
-  std::shuffle(gOrder.begin(), gOrder.end(), random);
+  gOrder = bench::ShuffledIds(1, gRecords, random);
   for (int i = 0; i < kLookups; ++i) gProbes.push_back(gOrder[static_cast<size_t>(random() % gRecords)]);
   std::sort(gProbes.begin(), gProbes.end());
   gProbes.erase(std::unique(gProbes.begin(), gProbes.end()), gProbes.end());
@@ -319,26 +228,13 @@ int main(int argc, char** argv) {
     if (!std::binary_search(gProbes.begin(), gProbes.end(), id)) gProbes.push_back(id);
   std::shuffle(gProbes.begin(), gProbes.end(), random);
 
-  int status = 0;
-  try {
-    gOwner = new fw::TComponent(nullptr);
-    gConn = new Ctdb::TCTConnection(gOwner);
-    gConn->SetActive(true);
-    gAlign = gConn->Alignment();
-    CreateCustomers("customers");
-    gTable = new CTTables::TCTTable(gOwner);
-    gTable->SetConnection(gConn);
-    gTable->SetDatabase(gDir);
-    gTable->SetTableName("customers");
-    gTable->SetExclusive(true);
+  return program.Run([&] {
+    gWork.Open(program.Dir());
+    gAlign = gWork.conn->Alignment();
+    bench::CreateCustomersTable(*gWork.conn, gWork.dir, "customers", bench::CityIndex::kCityId);
+    gTable = gWork.Table("customers", true);
     gTable->Open();
     benchmark::RunSpecifiedBenchmarks();
-    gOwner->Free();
-  } catch (const std::exception& e) {
-    std::fprintf(stderr, "dataset_bench: %s\n", e.what());
-    status = 1;
-  }
-  benchmark::Shutdown();
-  std::filesystem::remove_all(gDir);
-  return status;
+    gWork.Free();
+  });
 }

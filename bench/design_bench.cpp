@@ -4,16 +4,15 @@
 // list drops down: the editor's GetValues, then sorting. Run from a Release build:
 // <build>/bench/design_bench [--files=N] [--members=M].
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
+#include "BenchProgram.h"
 #include "CTTables.h"
 #include "CTreeReg.h"
 #include "Ctdb.h"
@@ -118,31 +117,13 @@ BENCHMARK(TableNames_Directory)->Unit(benchmark::kMillisecond);
 BENCHMARK(TableNames_SuperFile)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
-  std::vector<char*> args;
-  for (int i = 0; i < argc; ++i) {
-    if (std::strncmp(argv[i], "--files=", 8) == 0)
-      gFiles = std::max(1, std::atoi(argv[i] + 8));
-    else if (std::strncmp(argv[i], "--members=", 10) == 0)
-      gMembers = std::max(1, std::atoi(argv[i] + 10));
-    else
-      args.push_back(argv[i]);
-  }
-  int count = static_cast<int>(args.size());
-  benchmark::Initialize(&count, args.data());
-  gDir = (std::filesystem::temp_directory_path() / ("design_bench_" + std::to_string(::getpid())))
-             .string();
-  std::filesystem::create_directories(gDir);
-  int status = 0;
-  try {
+  bench::BenchProgram program("design_bench", argc, argv,
+                             bench::Flags().Int("--files=", gFiles, 1).Int("--members=", gMembers, 1));
+  gDir = program.Dir();
+  return program.Run([] {
     CTreeReg::Register();
     MakeFiles();
     MakeSuperFile();
     benchmark::RunSpecifiedBenchmarks();
-  } catch (const std::exception& e) {
-    std::fprintf(stderr, "design_bench: %s\n", e.what());
-    status = 1;
-  }
-  benchmark::Shutdown();
-  std::filesystem::remove_all(gDir);
-  return status;
+  });
 }

@@ -2,38 +2,26 @@
 // operations, on 1,000,000 customer records with two indexes (id unique; city+name with
 // duplicates). Run from a Release build: <build>/bench/engine_bench [--records=N]
 #include <benchmark/benchmark.h>
-#include <dlfcn.h>
 #include <lmdb.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <random>
-#include <string>
 #include <vector>
 
-#include "ctisam.h"
+#include "BenchProgram.h"
+#include "CustomerRecord.h"
+#include "EngineLibrary.h"
 
 namespace {
 
-#pragma pack(push, 1)
-struct Customer {
-  int32_t id;
-  char name[30];
-  char city[20];
-  double balance;
-  int32_t date;
-};
-#pragma pack(pop)
-
-constexpr int kCities = 50;
+using Customer = bench::EngineCustomer;
+using bench::kCities;
 constexpr int kLookups = 20000;
 int gRecords = 1000000;
 std::vector<int32_t> gOrder;    // ids in insertion order (a permutation)
 std::vector<int32_t> gProbes;   // ids looked up and rewritten
-std::string gDir;
 
 Customer Make(int32_t id, int cityShift = 0) {
   Customer c{};
@@ -46,13 +34,7 @@ Customer Make(int32_t id, int cityShift = 0) {
 }
 
 // ---- the engine, loaded as the package loads it ----
-struct Engine {
-#define FN(n) decltype(&::n) n = reinterpret_cast<decltype(&::n)>(dlsym(h, #n));
-  void* h = dlopen(CT_LIBRARY_DIR "/libctstd32b.so", RTLD_NOW | RTLD_LOCAL);
-  FN(INTISAMX) FN(CREIFIL) FN(ADDREC) FN(RWTREC) FN(FRSREC) FN(NXTREC) FN(FRSKEY) FN(NXTKEY)
-  FN(SETCURI) FN(RRDREC) FN(EQLREC) FN(RNGENT) FN(frmkey) FN(CLISAM) FN(LKISAM) FN(TMPIIDXX)
-  FN(PRMIIDX) FN(IDXENT) FN(CLRFIL) FN(OPNRFIL) FN(TRANBEG) FN(TRANEND) FN(DELREC)
-#undef FN
+struct Engine : bench::EngineLibrary {
   COUNT dat = -1;
 } * gEngine;
 
@@ -73,25 +55,17 @@ void Key2(const Customer& c, uint32_t pos, uint8_t* k) {
   for (int i = 0; i < 4; ++i) k[50 + i] = static_cast<uint8_t>(pos >> (24 - 8 * i));
 }
 
+// Creates the files in the working directory.
 void Setup() {
-  char tmpl[] = "/tmp/ctbench-XXXXXX";
-  gDir = mkdtemp(tmpl);
-  std::filesystem::current_path(gDir);
   std::mt19937 rng(42);
-  gOrder.resize(gRecords);
-  for (int i = 0; i < gRecords; ++i) gOrder[i] = i;
-  std::shuffle(gOrder.begin(), gOrder.end(), rng);
+  gOrder = bench::ShuffledIds(0, gRecords, rng);
   for (int i = 0; i < kLookups; ++i) gProbes.push_back(static_cast<int32_t>(rng() % gRecords));
 
   gEngine = new Engine();
-  if (!gEngine->h || gEngine->INTISAMX(10, 32, 4, 10, 0, nullptr, nullptr, nullptr) != 0) std::abort();
-  static ISEG s1[1] = {{0, 4, SGNSEG}};
-  static ISEG s2[2] = {{34, 20, REGSEG}, {4, 30, REGSEG}};
-  static IIDX ix[2] = {{4, 0, 0, 0, 0, 1, s1, nullptr, nullptr, nullptr, nullptr},
-                       {54, 0, 1, 0, 0, 2, s2, nullptr, nullptr, nullptr, nullptr}};
-  static IFIL f = {(pTEXT) "bench", -1, sizeof(Customer), 0, EXCLUSIVE, 2, 0, EXCLUSIVE, ix, nullptr, nullptr, -1};
-  if (gEngine->CREIFIL(&f) != 0) std::abort();
-  gEngine->dat = f.tfilno;
+  if (!gEngine->Start()) std::abort();
+  static bench::EngineCustomersFile file((pTEXT) "bench", EXCLUSIVE);
+  if (gEngine->CREIFIL(&file.file) != 0) std::abort();
+  gEngine->dat = file.file.tfilno;
 
   mdb_env_create(&gPlain.env);
   mdb_env_set_maxdbs(gPlain.env, 4);
@@ -440,21 +414,13 @@ void Register() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::vector<char*> args;
-  for (int i = 0; i < argc; ++i) {
-    if (std::strncmp(argv[i], "--records=", 10) == 0)
-      gRecords = std::atoi(argv[i] + 10);
-    else
-      args.push_back(argv[i]);
-  }
-  int n = static_cast<int>(args.size());
-  benchmark::Initialize(&n, args.data());
-  Setup();
-  Register();
-  benchmark::RunSpecifiedBenchmarks();
-  gEngine->CLISAM();
-  mdb_env_close(gPlain.env);
-  std::filesystem::current_path("/");
-  std::filesystem::remove_all(gDir);
-  return 0;
+  bench::BenchProgram program("engine_bench", argc, argv, bench::Flags().Int("--records=", gRecords));
+  program.Scratch().Enter();
+  return program.Run([] {
+    Setup();
+    Register();
+    benchmark::RunSpecifiedBenchmarks();
+    gEngine->CLISAM();
+    mdb_env_close(gPlain.env);
+  });
 }

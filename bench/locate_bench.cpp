@@ -4,39 +4,28 @@
 // by the record-by-record reading a range forces. Run from a Release build:
 // <build>/bench/locate_bench [--records=N]
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
 #include <random>
-#include <string>
 #include <vector>
 
-#include "CTTables.h"
-#include "Ctdb.h"
-#include "TField.h"
-
+#include "BenchProgram.h"
 #include "CustomersTable.h"
+#include "Workspace.h"
 
 namespace {
 
 constexpr int kSearches = 20000;
 int gRecords = 1000000;
 std::vector<int32_t> gProbes;  // ids searched, in random order
-std::string gDir;
-Ctdb::TCTConnection* gConn = nullptr;
+bench::Workspace gWork;
 CTTables::TCTTable* gTable = nullptr;
-
-void Report(benchmark::State& state, int64_t items) { state.SetItemsProcessed(items); }
 
 void Dataset_FindKey(benchmark::State& state) {
   int found = 0;
   for (auto _ : state)
     for (int32_t id : gProbes) found += gTable->FindKey({fw::Variant(id)}) ? 1 : 0;
   if (found != kSearches * static_cast<int>(state.iterations())) state.SkipWithError("a key was not found");
-  Report(state, kSearches * state.iterations());
+  state.SetItemsProcessed(kSearches * state.iterations());
 }
 
 void Dataset_LocateIndexed(benchmark::State& state) {
@@ -44,7 +33,7 @@ void Dataset_LocateIndexed(benchmark::State& state) {
   for (auto _ : state)
     for (int32_t id : gProbes) found += gTable->Locate("ID", fw::Variant(id), {}) ? 1 : 0;
   if (found != kSearches * static_cast<int>(state.iterations())) state.SkipWithError("a record was not found");
-  Report(state, kSearches * state.iterations());
+  state.SetItemsProcessed(kSearches * state.iterations());
 }
 
 void Dataset_Lookup(benchmark::State& state) {
@@ -52,7 +41,7 @@ void Dataset_Lookup(benchmark::State& state) {
   for (auto _ : state)
     for (int32_t id : gProbes) found += gTable->Lookup("ID", fw::Variant(id), "NAME").IsNull() ? 0 : 1;
   if (found != kSearches * static_cast<int>(state.iterations())) state.SkipWithError("a record was not found");
-  Report(state, kSearches * state.iterations());
+  state.SetItemsProcessed(kSearches * state.iterations());
 }
 
 // NAME is covered by no index: the table is read in its order (ID) up to the record searched,
@@ -64,7 +53,7 @@ void LocateUnindexed(benchmark::State& state, bool inRange) {
     if (!gTable->Locate("NAME", fw::Variant(bench::CustomerName(target)), {}) || gTable->FieldByName("ID")->AsInteger() != target)
       state.SkipWithError("the record was not found");
   if (inRange) gTable->CancelRange();
-  Report(state, static_cast<int64_t>(target) * state.iterations());
+  state.SetItemsProcessed(static_cast<int64_t>(target) * state.iterations());
 }
 void Dataset_LocateScan(benchmark::State& state) { LocateUnindexed(state, false); }
 void Dataset_LocateScanInRange(benchmark::State& state) { LocateUnindexed(state, true); }
@@ -78,41 +67,15 @@ BENCHMARK(Dataset_LocateScan)->Iterations(3)->Unit(benchmark::kMillisecond);
 BENCHMARK(Dataset_LocateScanInRange)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
-  std::vector<char*> args;
-  for (int i = 0; i < argc; ++i) {
-    if (std::strncmp(argv[i], "--records=", 10) == 0)
-      gRecords = std::max(kSearches, std::atoi(argv[i] + 10));
-    else
-      args.push_back(argv[i]);
-  }
-  int count = static_cast<int>(args.size());
-  benchmark::Initialize(&count, args.data());
-
-  gDir = (std::filesystem::temp_directory_path() / ("locate_bench_" + std::to_string(::getpid()))).string();
-  std::filesystem::create_directories(gDir);
+  bench::BenchProgram program("locate_bench", argc, argv, bench::Flags().Int("--records=", gRecords, kSearches));
   std::mt19937 random(42);
   for (int i = 0; i < kSearches; ++i) gProbes.push_back(static_cast<int32_t>(random() % gRecords) + 1);
-
-  int status = 0;
-  fw::TComponent* owner = nullptr;
-  try {
-    owner = new fw::TComponent(nullptr);
-    gConn = new Ctdb::TCTConnection(owner);
-    gConn->SetActive(true);
-    bench::CreateCustomers(*gConn, gDir, gRecords);
-    gTable = new CTTables::TCTTable(owner);
-    gTable->SetConnection(gConn);
-    gTable->SetDatabase(gDir);
-    gTable->SetTableName("customers");
-    gTable->SetExclusive(true);
+  return program.Run([&] {
+    gWork.Open(program.Dir());
+    bench::CreateCustomers(*gWork.conn, gWork.dir, gRecords);
+    gTable = gWork.Table("customers", true);
     gTable->Open();
     benchmark::RunSpecifiedBenchmarks();
-    owner->Free();
-  } catch (const std::exception& e) {
-    std::fprintf(stderr, "locate_bench: %s\n", e.what());
-    status = 1;
-  }
-  benchmark::Shutdown();
-  std::filesystem::remove_all(gDir);
-  return status;
+    gWork.Free();
+  });
 }

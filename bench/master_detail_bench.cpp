@@ -4,20 +4,15 @@
 // <build>/bench/master_detail_bench [--scale=N]. The tables are filled in transactions of
 // kBatch records, because one very large transaction is slow in the engine.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <algorithm>
-#include <cstring>
-#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "CTTables.h"
-#include "Ctdb.h"
+#include "BenchProgram.h"
 #include "TDataSource.h"
 #include "TField.h"
+#include "Workspace.h"
 
 namespace {
 
@@ -25,26 +20,17 @@ constexpr int kCustomers = 3000;
 constexpr int kOrders = 12000;
 constexpr int kBatch = 5000;
 int gScale = 100;
-std::string gDir;
-fw::TComponent* gOwner = nullptr;
-Ctdb::TCTConnection* gConn = nullptr;
+bench::Workspace gWork;
 
-CTTables::TCTTable* NewTable(const char* name) {
-  auto* table = new CTTables::TCTTable(gOwner);
-  table->SetConnection(gConn);
-  table->SetDatabase(gDir);
-  table->SetTableName(name);
-  table->SetExclusive(true);
-  return table;
-}
+CTTables::TCTTable* NewTable(const char* name) { return gWork.Table(name, true); }
 
 void Fill(CTTables::TCTTable* table, int count, const std::function<std::vector<fw::Variant>(int32_t)>& row) {
   table->CreateTable();
   table->Open();
   for (int32_t i = 1; i <= count;) {
-    gConn->StartTransaction();
+    gWork.conn->StartTransaction();
     for (int n = 0; n < kBatch && i <= count; ++n, ++i) table->AppendRecord(row(i));
-    gConn->Commit();
+    gWork.conn->Commit();
   }
   table->Close();
 }
@@ -83,7 +69,7 @@ void Report(benchmark::State& state, int64_t customers, int64_t details) {
 void MasterDetail_Walk(benchmark::State& state) {
   CTTables::TCTTable* cust = NewTable("customers");
   CTTables::TCTTable* ords = NewTable("orders");
-  auto* source = new fw::TDataSource(gOwner);
+  auto* source = new fw::TDataSource(gWork.owner);
   source->SetDataSet(cust);
   ords->SetIndexName("ByCustomer");
   ords->SetMasterSource(source);
@@ -134,30 +120,11 @@ BENCHMARK(MasterDetail_Walk)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(PlainRange_Walk)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
-  std::vector<char*> args;
-  for (int i = 0; i < argc; ++i) {
-    if (std::strncmp(argv[i], "--scale=", 8) == 0)
-      gScale = std::max(1, std::atoi(argv[i] + 8));
-    else
-      args.push_back(argv[i]);
-  }
-  int count = static_cast<int>(args.size());
-  benchmark::Initialize(&count, args.data());
-  gDir = (std::filesystem::temp_directory_path() / ("master_detail_bench_" + std::to_string(::getpid()))).string();
-  std::filesystem::create_directories(gDir);
-  int status = 0;
-  try {
-    gOwner = new fw::TComponent(nullptr);
-    gConn = new Ctdb::TCTConnection(gOwner);
-    gConn->SetActive(true);
+  bench::BenchProgram program("master_detail_bench", argc, argv, bench::Flags().Int("--scale=", gScale, 1));
+  return program.Run([&] {
+    gWork.Open(program.Dir());
     CreateTables();
     benchmark::RunSpecifiedBenchmarks();
-    gOwner->Free();
-  } catch (const std::exception& e) {
-    std::fprintf(stderr, "master_detail_bench: %s\n", e.what());
-    status = 1;
-  }
-  benchmark::Shutdown();
-  std::filesystem::remove_all(gDir);
-  return status;
+    gWork.Free();
+  });
 }
