@@ -102,6 +102,7 @@ void MakeSuperFile() {
   for (int i = 0; i < gMembers; ++i) {
     fw::TComponentPtr<CTTables::TCTTable> table(new CTTables::TCTTable(nullptr));
     table->SetConnection(&conn);
+    table->SetIsSuperFile(true);
     table->SetDatabase(gDir + "/books.sup");
     std::snprintf(name, sizeof name, "m%04d.dat", i);
     table->SetTableName(name);
