@@ -40,6 +40,13 @@ void TCTTable::Rebuild(const fw::TFieldDefs& NewFieldDefs, const TCTIndexDefs& N
   DisableControls();
   std::unique_ptr<TCTTable> rebuilt;
   bool created = false;  // the new files exist and are Rebuild's to remove on failure
+  // Gives the table back its sharing and its open or closed state.
+  const auto restore = [&] {
+    rebuilt.reset();
+    FExclusive = wasExclusive;
+    Close();
+    if (wasActive) Open();
+  };
   try {
     // Held exclusively from the first record read to the exchange of the files: a change another
     // program made meanwhile would go with the old files.
@@ -80,21 +87,15 @@ void TCTTable::Rebuild(const fw::TFieldDefs& NewFieldDefs, const TCTIndexDefs& N
     // The table's own files were not touched: only the new ones go. The error that stopped the
     // rebuild is the one raised, also when they cannot be removed.
     if (created) static_cast<void>(rebuilt->DeleteTableFiles());
-    rebuilt.reset();
-    FExclusive = wasExclusive;
     try {
-      Close();
-      if (wasActive) Open();
+      restore();
     } catch (...) {
     }
     EnableControls();
     throw;
   }
-  rebuilt.reset();
-  FExclusive = wasExclusive;
   try {
-    Close();
-    if (wasActive) Open();
+    restore();
   } catch (...) {
     EnableControls();
     throw;

@@ -125,15 +125,7 @@ TEST_F(Editing, AReadOnlyTableIsSearchedRangedAndCalculated) {
   FillPeople();
   TCTTable* table = NewTable(false);
   table->SetReadOnly(true);
-  table->FieldDefs()->Update();
-  for (int i = 0; i < table->FieldDefs()->Count(); ++i) table->FieldDefs()->Items(i)->CreateField(table);
-  auto* doubled = new fw::TFloatField(table);
-  doubled->SetFieldName("DOUBLED");
-  doubled->SetFieldKind(fw::fkCalculated);
-  doubled->SetDataSet(table);
-  table->OnCalcFields = [](fw::TDataSet* ds) {
-    ds->FieldByName("DOUBLED")->SetAsFloat(ds->FieldByName("AMOUNT")->AsFloat() * 2);
-  };
+  fw::TField* doubled = AddDoubledAmount(*table);
   table->Open();
   EXPECT_EQ(doubled->AsFloat(), 20);
   table->SetIndexName("ByCity");

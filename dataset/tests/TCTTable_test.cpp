@@ -282,15 +282,7 @@ TEST_F(Table, RecNoFollowsTheIndexAndSetRecNoPositions) {
 TEST_F(Table, CalculatedFieldsComeFromTheRecordStore) {
   FillPeople();
   TCTTable* table = NewTable();
-  table->FieldDefs()->Update();
-  for (int i = 0; i < table->FieldDefs()->Count(); ++i) table->FieldDefs()->Items(i)->CreateField(table);
-  auto* doubled = new fw::TFloatField(table);
-  doubled->SetFieldName("DOUBLED");
-  doubled->SetFieldKind(fw::fkCalculated);
-  doubled->SetDataSet(table);
-  table->OnCalcFields = [](fw::TDataSet* ds) {
-    ds->FieldByName("DOUBLED")->SetAsFloat(ds->FieldByName("AMOUNT")->AsFloat() * 2);
-  };
+  fw::TField* doubled = AddDoubledAmount(*table);
   table->Open();
   std::vector<double> values;
   while (!table->Eof()) {

@@ -7,6 +7,7 @@
 
 #include "CtRecords.h"
 #include "TField.h"
+#include "TFloatField.h"
 
 namespace CTTables::testing {
 
@@ -111,6 +112,19 @@ std::vector<int32_t> TableTest::IdsToEnd(TCTTable& table) {
     table.Next();
   }
   return ids;
+}
+
+fw::TField* TableTest::AddDoubledAmount(TCTTable& table) {
+  table.FieldDefs()->Update();
+  for (int i = 0; i < table.FieldDefs()->Count(); ++i) table.FieldDefs()->Items(i)->CreateField(&table);
+  auto* doubled = new fw::TFloatField(&table);
+  doubled->SetFieldName("DOUBLED");
+  doubled->SetFieldKind(fw::fkCalculated);
+  doubled->SetDataSet(&table);
+  table.OnCalcFields = [](fw::TDataSet* ds) {
+    ds->FieldByName("DOUBLED")->SetAsFloat(ds->FieldByName("AMOUNT")->AsFloat() * 2);
+  };
+  return doubled;
 }
 
 }  // namespace CTTables::testing

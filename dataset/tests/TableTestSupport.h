@@ -52,6 +52,9 @@ class TableTest : public ::testing::Test {
   TCTTable* NewTable(bool exclusive = true);
   /// The ID values from the current record to the end, advancing the table.
   static std::vector<int32_t> IdsToEnd(TCTTable& table);
+  /// Gives the closed `table` persistent fields for its stored ones and a calculated field
+  /// "DOUBLED" holding AMOUNT * 2; returns that field.
+  static fw::TField* AddDoubledAmount(TCTTable& table);
 
   std::filesystem::path Dir;
   std::filesystem::path OldDir;
