@@ -47,6 +47,13 @@ size_t FirstFreeEntry(const Bytes& b) {
   return node + 8 + Get<uint16_t>(b, node + 6) + 8;  // past the count
 }
 
+// Sets the record length in every copy of the engine's file header (magic "CTLMDB\1\0", the
+// length at 16) the file holds.
+void SetRecordLength(Bytes& b, uint32_t reclen) {
+  const Bytes magic("CTLMDB\1\0", 8);
+  for (size_t at = b.find(magic); at != Bytes::npos; at = b.find(magic, at + 1)) Set(b, at + 16, reclen);
+}
+
 struct Damage {
   const char* name;
   std::function<void(Bytes&)> apply;
@@ -69,6 +76,8 @@ const Damage kDamages[] = {
      [](Bytes& b) { Set(b, NewerMeta(b) + 144, Get<uint64_t>(b, NewerMeta(b) + 144) ^ 1); }},
     {"newer meta page ends before the older",
      [](Bytes& b) { Set(b, NewerMeta(b) + 136, Get<uint64_t>(b, OlderMeta(b) + 136) - 1); }},
+    {"header's record length 0", [](Bytes& b) { SetRecordLength(b, 0); }},
+    {"header's record length 2^31", [](Bytes& b) { SetRecordLength(b, 0x80000000u); }},
     {"page in use zeroed", [](Bytes& b) { std::fill_n(b.begin() + MainRoot(b), kPage, '\0'); }},
     {"page in use marked as changed in memory", [](Bytes& b) { b[MainRoot(b) + 10] |= 0x10; }},
     {"page in use names another page", [](Bytes& b) { b[MainRoot(b)] ^= 1; }},
