@@ -20,6 +20,9 @@ constexpr size_t kNode = 8;
 constexpr uint16_t kBranch = 0x01, kLeaf = 0x02, kOverflow = 0x04, kMeta = 0x08;
 constexpr uint16_t kBigData = 0x01, kSubData = 0x02;
 constexpr uint16_t kDupSort = 0x04;
+// The flags of a database record that change how LMDB compares and stores keys: reverse keys,
+// duplicates, integer keys, fixed, integer and reverse duplicates.
+constexpr uint16_t kKeyFlags = 0x7e, kIntegerKey = 0x08;
 constexpr uint32_t kMagic = 0xBEEFC0DE, kDataVersion = 1;
 constexpr uint64_t kNoPage = ~uint64_t{0};
 constexpr size_t kMetaMagic = 16, kMetaVersion = 20, kFreeDb = 40, kMainDb = 88, kLastPage = 136, kTxnId = 144;
@@ -157,7 +160,9 @@ bool MetaPagesAgree(const uint8_t* head, size_t psize) {
   if (even % 2 != 0 || odd % 2 != 1 || (even != odd + 1 && odd != even + 1)) return false;
   const uint8_t* newer = head + (even > odd ? 0 : psize);
   const uint8_t* older = head + (even > odd ? psize : 0);
-  return Get<uint64_t>(newer + kLastPage) >= Get<uint64_t>(older + kLastPage);
+  return Get<uint64_t>(newer + kLastPage) >= Get<uint64_t>(older + kLastPage) &&
+         (Get<uint16_t>(newer + kFreeDb + kDbFlags) & kKeyFlags) == kIntegerKey &&
+         (Get<uint16_t>(newer + kMainDb + kDbFlags) & kKeyFlags) == 0;
 }
 
 bool PagesSound(const uint8_t* map, size_t size) {

@@ -12,7 +12,9 @@ namespace cte {
 // transaction number's parity with the number after the other page's, so the numbers differ by
 // exactly one, the even one in page 0 (both are 0 in a file never committed), and the newer
 // page's last page is not below the older's (a file never shrinks). A number damaged otherwise
-// would make LMDB read an older commit as the current one, or write over pages in use.
+// would make LMDB read an older commit as the current one, or write over pages in use. The
+// newer page's free list must have integer keys and its main database plain ones (LMDB would take
+// other flags as they are: a duplicate flag fails an assertion in its first cursor).
 bool MetaPagesAgree(const uint8_t* head, size_t psize);
 
 // Walks the whole file (size bytes at map) from its current meta page without trusting any of

@@ -78,6 +78,8 @@ const Damage kDamages[] = {
      [](Bytes& b) { Set(b, NewerMeta(b) + 136, Get<uint64_t>(b, OlderMeta(b) + 136) - 1); }},
     {"header's record length 0", [](Bytes& b) { SetRecordLength(b, 0); }},
     {"header's record length 2^31", [](Bytes& b) { SetRecordLength(b, 0x80000000u); }},
+    {"main database flagged as holding duplicates", [](Bytes& b) { b[NewerMeta(b) + 88 + 4] |= 0x04; }},
+    {"free list flagged as holding duplicates", [](Bytes& b) { b[NewerMeta(b) + 40 + 4] |= 0x04; }},
     {"page in use zeroed", [](Bytes& b) { std::fill_n(b.begin() + MainRoot(b), kPage, '\0'); }},
     {"page in use marked as changed in memory", [](Bytes& b) { b[MainRoot(b) + 10] |= 0x10; }},
     {"page in use names another page", [](Bytes& b) { b[MainRoot(b)] ^= 1; }},
