@@ -137,8 +137,7 @@ void Replace(const Entry& e, const uint8_t* value, size_t size) {
     std::abort();
   MDB_val k{e.klen, const_cast<void*>(e.key)}, v{size, const_cast<uint8_t*>(value)};
   int rc = size ? mdb_put(txn, dbi, &k, &v, 0) : mdb_del(txn, dbi, &k, nullptr);
-  // A key longer than LMDB allows for a value stored in the key's place is refused by LMDB
-  // itself: nothing to damage then.
+  // A change LMDB refuses (removing an entry that is not there) leaves the table as it was.
   if (rc == 0) rc = mdb_txn_commit(txn);
   else mdb_txn_abort(txn);
   mdb_env_close(env);

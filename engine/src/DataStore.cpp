@@ -175,6 +175,13 @@ void DataStore::Load(MDB_txn* txn) {
   hasIfil_ = GetMeta(txn, meta_, "ifil", raw);
   if (hasIfil_) {
     def_ = ParseFileDef(raw);
+    // Every definition was valid when it was stored: one that is not is damage, whose keys would
+    // be built past their buffers.
+    try {
+      Validate(def_);
+    } catch (const Fail&) {
+      Throw(CT_EDAMAGED);
+    }
   } else {
     def_ = FileDef{};
     def_.reclen = static_cast<int16_t>(hdr_.reclen);

@@ -54,6 +54,18 @@ void SetRecordLength(Bytes& b, uint32_t reclen) {
   for (size_t at = b.find(magic); at != Bytes::npos; at = b.find(magic, at + 1)) Set(b, at + 16, reclen);
 }
 
+// Makes the first segment of index by_id 200 bytes long (its key has 4) in every copy of the
+// definition image the file holds (FORMAT.md: the index's name, file names, segment count, then
+// offset and length).
+void LengthenFirstSegment(Bytes& b) {
+  const char image[] = "\5\0\0\0by_id\0\0\0\0\x0d\0\0\0customers.idx\1\0\0\0";
+  const Bytes seen(image, sizeof image - 1);
+  size_t copies = 0;
+  for (size_t at = b.find(seen); at != Bytes::npos; at = b.find(seen, at + 1), ++copies)
+    Set<uint16_t>(b, at + seen.size() + 2, 200);
+  EXPECT_GT(copies, 0u);
+}
+
 struct Damage {
   const char* name;
   std::function<void(Bytes&)> apply;
@@ -80,6 +92,7 @@ const Damage kDamages[] = {
     {"header's record length 2^31", [](Bytes& b) { SetRecordLength(b, 0x80000000u); }},
     {"main database flagged as holding duplicates", [](Bytes& b) { b[NewerMeta(b) + 88 + 4] |= 0x04; }},
     {"free list flagged as holding duplicates", [](Bytes& b) { b[NewerMeta(b) + 40 + 4] |= 0x04; }},
+    {"definition's segment longer than its key", LengthenFirstSegment},
     {"page in use zeroed", [](Bytes& b) { std::fill_n(b.begin() + MainRoot(b), kPage, '\0'); }},
     {"page in use marked as changed in memory", [](Bytes& b) { b[MainRoot(b) + 10] |= 0x10; }},
     {"page in use names another page", [](Bytes& b) { b[MainRoot(b)] ^= 1; }},
