@@ -47,7 +47,7 @@ std::map<FileId, std::weak_ptr<Env>>& Registry() {
 // agree is read again before it counts as damage.
 bool MetasAgree(MDB_env* env, size_t psize) {
   mdb_filehandle_t fd;
-  if (mdb_env_get_fd(env, &fd) != 0) return false;
+  if (!PageSizeSound(psize) || mdb_env_get_fd(env, &fd) != 0) return false;
   std::vector<uint8_t> head(2 * psize);
   for (int attempt = 0; attempt < 3; ++attempt) {
     const ssize_t n = ::pread(fd, head.data(), head.size(), 0);

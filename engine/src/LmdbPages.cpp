@@ -9,6 +9,7 @@
 #include "LmdbPages.h"
 
 #include <cstring>
+#include <initializer_list>
 #include <vector>
 
 namespace cte {
@@ -154,7 +155,11 @@ class Walker {
 
 }  // namespace
 
+bool PageSizeSound(size_t psize) { return psize >= 512 && psize <= 65536 && (psize & (psize - 1)) == 0; }
+
 bool MetaPagesAgree(const uint8_t* head, size_t psize) {
+  for (const uint8_t* meta : {head, head + psize})
+    if (Get<uint32_t>(meta + kFreeDb + kDbPad) != psize) return false;
   const uint64_t even = Get<uint64_t>(head + kTxnId), odd = Get<uint64_t>(head + psize + kTxnId);
   if (even == 0 && odd == 0) return true;
   if (even % 2 != 0 || odd % 2 != 1 || (even != odd + 1 && odd != even + 1)) return false;
@@ -168,7 +173,7 @@ bool MetaPagesAgree(const uint8_t* head, size_t psize) {
 bool PagesSound(const uint8_t* map, size_t size) {
   if (size < kHeader + kLastPage) return false;
   const size_t psize = Get<uint32_t>(map + kFreeDb + kDbPad);
-  if (psize < 512 || psize > 65536 || (psize & (psize - 1)) || size < 2 * psize) return false;
+  if (!PageSizeSound(psize) || size < 2 * psize) return false;
   for (size_t m = 0; m < 2; ++m) {
     const uint8_t* page = map + m * psize;
     if (!(Get<uint16_t>(page + 10) & kMeta) || Get<uint32_t>(page + kMetaMagic) != kMagic ||

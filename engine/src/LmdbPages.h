@@ -7,8 +7,12 @@
 
 namespace cte {
 
-// True when the two meta pages at the start of an LMDB file of page size psize (given in
-// bytes, at least 2 * psize) are a pair LMDB writes: every commit writes the meta page of its
+// True for a page size LMDB writes: a power of two from 512 to 65536. LMDB takes the size a
+// file's first meta page gives without checking it.
+bool PageSizeSound(size_t psize);
+
+// True when the two meta pages at the start of an LMDB file of sound page size psize (head
+// holds 2 * psize bytes) both give that page size and are a pair LMDB writes: every commit writes the meta page of its
 // transaction number's parity with the number after the other page's, so the numbers differ by
 // exactly one, the even one in page 0 (both are 0 in a file never committed), and the newer
 // page's last page is not below the older's (a file never shrinks). A number damaged otherwise

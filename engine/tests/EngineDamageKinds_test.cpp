@@ -90,6 +90,7 @@ const Damage kDamages[] = {
      [](Bytes& b) { Set(b, NewerMeta(b) + 136, Get<uint64_t>(b, OlderMeta(b) + 136) - 1); }},
     {"header's record length 0", [](Bytes& b) { SetRecordLength(b, 0); }},
     {"header's record length 2^31", [](Bytes& b) { SetRecordLength(b, 0x80000000u); }},
+    {"newer meta page gives a page size of 3", [](Bytes& b) { Set<uint32_t>(b, NewerMeta(b) + 40, 3); }},
     {"main database flagged as holding duplicates", [](Bytes& b) { b[NewerMeta(b) + 88 + 4] |= 0x04; }},
     {"free list flagged as holding duplicates", [](Bytes& b) { b[NewerMeta(b) + 40 + 4] |= 0x04; }},
     {"definition's segment longer than its key", LengthenFirstSegment},
