@@ -41,8 +41,9 @@ std::map<FileId, std::weak_ptr<Env>>& Registry() {
   return registry;
 }
 
-// LMDB reads the commit its meta page with the higher transaction number names: the two numbers
-// must be a pair LMDB writes, or a damaged one would make it read an older commit without a word.
+// LMDB reads the commit its meta page with the higher transaction number names, with the page
+// size the page gives: both pages must give one sound size, and their numbers must be a pair LMDB
+// writes, or a damaged one would make it read an older commit without a word.
 // A commit of another process may land between the reads of the two pages: a pair that does not
 // agree is read again before it counts as damage.
 bool MetasAgree(MDB_env* env, size_t psize) {
