@@ -16,7 +16,7 @@ command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 cmake -S "$root/fuzz" -B "$build" -DCMAKE_CXX_COMPILER=clang++ "${launcher[@]}" >/dev/null
 cmake --build "$build" -j "$(nproc)" >/dev/null
 # target:layer whose fuzz folder holds its seed corpus.
-for entry in form_parser:framework parameter_file:engine filter_parser:dataset csv_reader:tools; do
+for entry in form_parser:framework parameter_file:engine engine_open:engine filter_parser:dataset csv_reader:tools; do
   target=${entry%%:*} layer=${entry#*:}
   scratch=$(mktemp -d)
   trap 'rm -rf "$scratch"' EXIT

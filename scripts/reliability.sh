@@ -7,4 +7,4 @@ build=${BUILD_DIR:-$root/build}
 "$root/scripts/build.sh"
 cd "$build"
 CT_CRASH_CYCLES=${CT_CRASH_CYCLES:-1000} ctest --output-on-failure -V -L reliability --timeout 7200 "$@" |
-  grep -E "crash loop:|contention:|tests passed|Failed|FAILED" || true
+  grep -E "crash loop:|contention:|damage:|tests passed|Failed|FAILED" || true

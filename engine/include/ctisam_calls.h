@@ -129,7 +129,8 @@ CTISAM_API COUNT DELFIL(COUNT filno);
  * (1..nomemb: CT_EBADARG otherwise; DCRAT_ERR when defined already) of such a file open
  * EXCLUSIVE and unmapped (FUSE_ERR when mapped). Keys live in the data file: setimap gives the
  * members their segments and fills them. CT_EKEYLEN for a key length out of 1..CT_MAXKEYLEN;
- * permmask, group and password are ignored (index files hold no records). */
+ * a non-empty password must be given again to open the file on its own (OPNFILX); permmask and
+ * group are ignored. */
 CTISAM_API COUNT CREIDX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup,
                         COUNT nomemb, UCOUNT xtdsiz, COUNT filmod);
 CTISAM_API COUNT CREIDXX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup,

@@ -63,6 +63,9 @@ FileHeader ReadHeader(MDB_txn* txn, MDB_dbi meta, uint8_t kind) {
   if (h.pack != LibraryPack()) Throw(CT_EALIGN);
   // An index file where a data file is wanted: OPNFIL opens it on its own instead.
   if (h.kind != kind) Throw(h.kind == kKindIndex ? CT_ENOTDAT : CT_EDAMAGED);
+  // A data file's record length was given as 16 bits at its creation: any other is damage, which
+  // would have every read fill (and allocate) that much.
+  if (kind == kKindData && (h.reclen == 0 || h.reclen > 0xFFFF)) Throw(CT_EDAMAGED);
   return h;
 }
 
@@ -172,6 +175,13 @@ void DataStore::Load(MDB_txn* txn) {
   hasIfil_ = GetMeta(txn, meta_, "ifil", raw);
   if (hasIfil_) {
     def_ = ParseFileDef(raw);
+    // Every definition was valid when it was stored: one that is not is damage, whose keys would
+    // be built past their buffers.
+    try {
+      Validate(def_);
+    } catch (const Fail&) {
+      Throw(CT_EDAMAGED);
+    }
   } else {
     def_ = FileDef{};
     def_.reclen = static_cast<int16_t>(hdr_.reclen);
@@ -302,7 +312,7 @@ void DataStore::WriteCounters(MDB_txn* txn, const Counters& c) {
 }
 
 std::shared_ptr<Env> IndexFile::Create(const std::string& path, const std::string& dataName,
-                                       const std::vector<IndexDef>& members) {
+                                       const std::vector<IndexDef>& members, uint64_t password) {
   const Place place = Locate(path);
   if (!place.IsMember()) ClaimName(path);
   try {
@@ -312,6 +322,7 @@ std::shared_ptr<Env> IndexFile::Create(const std::string& path, const std::strin
     if (place.IsMember()) prefix = MemberPrefix(CreateMember(*env, w.Get(), place.member));
     MDB_dbi meta = env->Dbi(w.Get(), prefix + "meta", true);
     FileHeader h = MakeHeader(kKindIndex, 0, 0, nullptr);
+    h.password = password;
     PutMeta(w.Get(), meta, "hdr", std::string(reinterpret_cast<const char*>(&h), sizeof h));
     FileDef def;
     def.name = dataName;
@@ -348,20 +359,42 @@ void IndexFile::PutDefinition(Env& env, const std::string& path, const FileDef& 
   w.Commit(true);
 }
 
-std::shared_ptr<Env> IndexFile::Open(const std::string& path) {
+namespace {
+
+// The prefix of the index file's databases: empty, or its member's inside a superfile host.
+std::string IndexPrefix(Env& env, const std::string& path) {
+  const Place place = Locate(path);
+  if (!place.IsMember()) return std::string();
+  const uint32_t id = FindMember(env, place.member);
+  if (!id) Throw(FNOP_ERR);
+  return MemberPrefix(id);
+}
+
+}  // namespace
+
+std::shared_ptr<Env> IndexFile::Open(const std::string& path, const char* password) {
   const Place place = Locate(path);
   std::shared_ptr<Env> env = place.IsMember() ? OpenHost(place.host, false) : Env::Acquire(path, false);
-  std::string prefix;
-  if (place.IsMember()) {
-    uint32_t id = FindMember(*env, place.member);
-    if (!id) Throw(FNOP_ERR);
-    prefix = MemberPrefix(id);
-  }
+  const std::string prefix = IndexPrefix(*env, path);
+  FileHeader h;
   WithShortRead(*env, [&](MDB_txn* txn) {
     MDB_dbi meta = env->Dbi(txn, prefix + "meta", false);
-    ReadHeader(txn, meta, kKindIndex);
+    h = ReadHeader(txn, meta, kKindIndex);
   });
+  if (h.password != 0 && PasswordHash(password) != h.password) Throw(BPWD_ERR);
   return env;
+}
+
+void IndexFile::PutPassword(const std::string& path, uint64_t password) {
+  const Place place = Locate(path);
+  std::shared_ptr<Env> env = place.IsMember() ? OpenHost(place.host, false) : Env::Acquire(path, false);
+  const std::string prefix = IndexPrefix(*env, path);
+  WriteTxn w(*env);
+  MDB_dbi meta = env->Dbi(w.Get(), prefix + "meta", false);
+  FileHeader h = ReadHeader(w.Get(), meta, kKindIndex);
+  h.password = password;
+  PutMeta(w.Get(), meta, "hdr", std::string(reinterpret_cast<const char*>(&h), sizeof h));
+  w.Commit(true);
 }
 
 }  // namespace cte

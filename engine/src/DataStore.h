@@ -121,10 +121,13 @@ class DataStore {
 // themselves live in the data file, so that a record and its keys commit together).
 class IndexFile {
  public:
+  // password: the hash (PasswordHash) its header keeps, the data file's for a set's index file.
   static std::shared_ptr<Env> Create(const std::string& path, const std::string& dataName,
-                                     const std::vector<IndexDef>& members);
-  // Opens and checks the header (CT_EDAMAGED, CT_EALIGN).
-  static std::shared_ptr<Env> Open(const std::string& path);
+                                     const std::vector<IndexDef>& members, uint64_t password);
+  // Opens and checks the header (CT_EDAMAGED, CT_EALIGN) and the password (BPWD_ERR).
+  static std::shared_ptr<Env> Open(const std::string& path, const char* password);
+  // Replaces the password hash its header keeps (one durable write).
+  static void PutPassword(const std::string& path, uint64_t password);
   // The definition image the index file at path holds (its members; name: the data file's).
   static FileDef Definition(Env& env, const std::string& path);
   // Replaces that definition (one durable write).

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "LmdbPages.h"
 #include "LockTable.h"
 #include "SetJournal.h"
 #include "ctisam.h"
@@ -38,6 +39,22 @@ int writerTimeoutMs = 5000;
 std::map<FileId, std::weak_ptr<Env>>& Registry() {
   static std::map<FileId, std::weak_ptr<Env>> registry;
   return registry;
+}
+
+// LMDB reads the commit its meta page with the higher transaction number names, with the page
+// size the page gives: both pages must give one sound size, and their numbers must be a pair LMDB
+// writes, or a damaged one would make it read an older commit without a word.
+// A commit of another process may land between the reads of the two pages: a pair that does not
+// agree is read again before it counts as damage.
+bool MetasAgree(MDB_env* env, size_t psize) {
+  mdb_filehandle_t fd;
+  if (!PageSizeSound(psize) || mdb_env_get_fd(env, &fd) != 0) return false;
+  std::vector<uint8_t> head(2 * psize);
+  for (int attempt = 0; attempt < 3; ++attempt) {
+    const ssize_t n = ::pread(fd, head.data(), head.size(), 0);
+    if (n == static_cast<ssize_t>(head.size()) && MetaPagesAgree(head.data(), psize)) return true;
+  }
+  return false;
 }
 
 std::string FolderOf(const std::string& path) {
@@ -119,6 +136,7 @@ std::shared_ptr<Env> Env::Acquire(const std::string& path, bool create) {
   mdb_env_stat(raw, &est);
   if (!create && static_cast<long long>(info.me_last_pgno + 1) * est.ms_psize > FileSize(path))
     Throw(CT_EDAMAGED);
+  if (!create && !MetasAgree(raw, est.ms_psize)) Throw(CT_EDAMAGED);
   // Reader slots left by processes that died are released, so they do not pin old pages.
   int dead = 0;
   mdb_reader_check(raw, &dead);

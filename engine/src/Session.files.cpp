@@ -101,7 +101,7 @@ void Session::OpenFile(int filno, const char* name, int filmod, const char* pass
     h->store = DataStore::Open(name, password);
   } catch (const Fail& e) {
     if (e.code != CT_ENOTDAT || Locate(name).IsMember()) throw;
-    OpenIndexAlone(no, std::move(h), name, filmod);
+    OpenIndexAlone(no, std::move(h), name, filmod, password);
     return;
   }
   RefuseReadOnly(*h->store, filmod);
@@ -195,7 +195,7 @@ int Session::CreateIfil(FileDef& def, const char* dataext, const char* idxext, c
       std::vector<IndexDef> members;
       for (const IndexDef& ix : def.idx)
         if (ix.file == f) members.push_back(ix);
-      IndexFile::Create(dir + f, BaseOf(path), members);
+      IndexFile::Create(dir + f, BaseOf(path), members, PasswordHash(password));
       made.push_back(dir + f);
     }
     OpenIfil(no, path, def.dfilmod, password);
@@ -230,7 +230,7 @@ int Session::OpenIfil(int filno, const std::string& path, int filmod, const char
     // be rebuilt (RBLIFIL).
     try {
       std::shared_ptr<FileLock> lock = LockPath(dir + f, exclusive);
-      idxFiles[f] = {IndexFile::Open(dir + f), lock};
+      idxFiles[f] = {IndexFile::Open(dir + f, password), lock};
     } catch (const Fail& e) {
       if (e.code == CT_EDAMAGED) Throw(FCRP_ERR);
       throw;

@@ -202,7 +202,8 @@ class Session {
   // bytes (keydup 1: duplicates) and room for nomemb members (CREMEM), and leaves it open on its
   // own as keyno (FNUM_ERR when negative) in mode filmod. Its indexes get their segments
   // and keys when setimap maps it onto a data file.
-  int CreateIndexFile(int keyno, const char* name, int keylen, int keytyp, int keydup, int nomemb, int filmod);
+  int CreateIndexFile(int keyno, const char* name, int keylen, int keytyp, int keydup, int nomemb, int filmod,
+                      const char* password);
   // CREMEM: defines member membno (1..nomemb) of the index file keyno made by CREIDX (open on its
   // own, EXCLUSIVE). DCRAT_ERR when that member is defined already.
   void CreateMember(int keyno, int keylen, int keytyp, int keydup, int membno);
@@ -268,7 +269,7 @@ class Session {
   void Release(int filno);
   void DropContexts(int datno);
   // Session.mapping.cpp. Opens index file name alone as file number no.
-  void OpenIndexAlone(int16_t no, std::unique_ptr<Handle> h, const char* name, int filmod);
+  void OpenIndexAlone(int16_t no, std::unique_ptr<Handle> h, const char* name, int filmod, const char* password);
   // Removes indexes (ordinals of h's definition) with their keys; their handles close and the
   // later indexes move down.
   void DropIndexes(Handle& h, std::vector<size_t> ordinals);

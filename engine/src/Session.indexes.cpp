@@ -148,7 +148,7 @@ int Session::AddIndexes(int datno, int firstKeyno, FileDef added, const char* id
       std::vector<IndexDef> members;
       for (const IndexDef& ix : added.idx)
         if (ix.file == f) members.push_back(ix);
-      envs[f] = IndexFile::Create(dir + f, BaseOf(h.path), members);
+      envs[f] = IndexFile::Create(dir + f, BaseOf(h.path), members, s.header().password);
       made.push_back(dir + f);
     }
     WriteDefinition(h, [&](MDB_txn* txn) {
@@ -235,7 +235,7 @@ void Session::Rebuild(const FileDef& given, const char* dataext, const char* idx
         if (PathExists(dir + f)) throw;
       }
       RemovePath(dir + f);
-      IndexFile::Create(dir + f, BaseOf(path), members);
+      IndexFile::Create(dir + f, BaseOf(path), members, s->header().password);
     }
     Env& env = s->env();
     WriteTxn w(env);

@@ -24,9 +24,10 @@ std::string NameBeside(const std::string& dataPath, const std::string& indexPath
 
 }  // namespace
 
-void Session::OpenIndexAlone(int16_t no, std::unique_ptr<Handle> h, const char* name, int filmod) {
+void Session::OpenIndexAlone(int16_t no, std::unique_ptr<Handle> h, const char* name, int filmod,
+                             const char* password) {
   h->isIndex = true;
-  h->idxEnv = IndexFile::Open(name);
+  h->idxEnv = IndexFile::Open(name, password);
   h->name = h->path = name;
   h->mode = filmod;
   h->self = no;
@@ -49,7 +50,7 @@ IndexDef MemberOf(int keylen, int keytyp, int keydup) {
 }  // namespace
 
 int Session::CreateIndexFile(int keyno, const char* name, int keylen, int keytyp, int keydup, int nomemb,
-                             int filmod) {
+                             int filmod, const char* password) {
   if (!name || !*name) Throw(CT_EBADARG);
   if (nomemb < 0 || nomemb >= CT_MAXSEG * 4) Throw(CT_EBADARG);
   if (filmod & ~(SHARED | READFIL | WRITETHRU | TRNLOG | CHECKLOCK)) Throw(FMOD_ERR);
@@ -58,10 +59,10 @@ int Session::CreateIndexFile(int keyno, const char* name, int keylen, int keytyp
   if (keyno < 0) Throw(FNUM_ERR);
   const int16_t no = Claim(keyno, 1);
   if (PathExists(name)) Throw(DCRAT_ERR);
-  IndexFile::Create(name, std::string(), members);
+  IndexFile::Create(name, std::string(), members, PasswordHash(password));
   auto h = std::make_unique<Handle>();
   h->lock = LockPath(name, !(filmod & SHARED));
-  OpenIndexAlone(no, std::move(h), name, filmod);
+  OpenIndexAlone(no, std::move(h), name, filmod, password);
   return no;
 }
 

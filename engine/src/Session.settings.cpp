@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cstring>
+#include <set>
 
 #include "Session.h"
 
@@ -84,6 +85,10 @@ void Session::Security(int datno, const void* buf, long bufsiz, int mode) {
       Write(h, [&](MDB_txn* txn) { s.PutHeader(txn, hdr); });
       s.CacheHeader(hdr);
       h.password = word;
+      // The set's index files keep the same password (mapped ones belong to another table).
+      std::set<std::string> files;
+      for (const IndexDef& ix : s.def().idx)
+        if (ix.temp != kMappedIndex && files.insert(ix.file).second) IndexFile::PutPassword(DirOf(h.path) + ix.file, hdr.password);
       return;
     }
     case SEC_PERMMASK: {

@@ -121,8 +121,8 @@ CTISAM_API COUNT OPNFIL(COUNT filno, pTEXT name, COUNT filmod) {
 CTISAM_API COUNT CLSFIL(COUNT filno, COUNT) { return Run([&](Session& s) { s.CloseFile(filno); }); }
 CTISAM_API COUNT DELFIL(COUNT filno) { return Run([&](Session& s) { s.DeleteFile(filno); }); }
 CTISAM_API COUNT CREIDXX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup, COUNT nomemb,
-                         UCOUNT, COUNT filmod, LONG, pTEXT, pTEXT) {
-  return Run([&](Session& s) { s.CreateIndexFile(keyno, name, keylen, keytyp, keydup, nomemb, filmod); });
+                         UCOUNT, COUNT filmod, LONG, pTEXT, pTEXT password) {
+  return Run([&](Session& s) { s.CreateIndexFile(keyno, name, keylen, keytyp, keydup, nomemb, filmod, password); });
 }
 CTISAM_API COUNT CREIDX(COUNT keyno, pTEXT name, COUNT keylen, COUNT keytyp, COUNT keydup, COUNT nomemb,
                         UCOUNT xtdsiz, COUNT filmod) {

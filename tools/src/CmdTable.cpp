@@ -4,6 +4,7 @@
 #include "BatchProgress.h"
 #include "Commands.h"
 #include "ECtreeException.h"
+#include "IsolatedRun.h"
 #include "StringUtils.h"
 #include "TablePrinter.h"
 #include "ToolError.h"
@@ -77,8 +78,11 @@ ExitCode RunDropIndex(TableBackend& backend, const TableRef& table, const std::s
   return kExitOk;
 }
 
+// A page damaged badly enough can end the program that reads it, and opening the table reads
+// some before the walk: the open and the walk run in a child process.
 ExitCode RunCheck(TableBackend& backend, const TableRef& table, Console& console) {
-  backend.Open(table, OpenMode::Exclusive)->Verify();
+  const ErrorReport outcome = RunIsolated([&] { backend.Open(table, OpenMode::Exclusive)->Verify(); });
+  if (outcome.Code != kExitOk) throw ToolError(outcome.Code, outcome.Message);
   console.Out << "table " << table.Display() << ": every page reads back\n";
   CheckWritten(console.Out, "standard output");
   return kExitOk;
