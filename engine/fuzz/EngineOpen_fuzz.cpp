@@ -71,12 +71,14 @@ Customer Make(int id, const char* name, const char* city, double balance) {
   return c;
 }
 
-// The table every input starts from, made once in a folder of its own.
+// The table every input starts from, made once in a folder of its own (removed at exit).
 struct Pristine {
   std::string data, index;
+  fs::path folder;
   Pristine() {
-    char folder[] = "/tmp/ctfuzz-open-XXXXXX";
-    if (!mkdtemp(folder)) std::abort();
+    char name[] = "/tmp/ctfuzz-open-XXXXXX";
+    if (!mkdtemp(name)) std::abort();
+    folder = name;
     fs::current_path(folder);
     ISEG byId[1] = {{0, 4, SGNSEG}};
     ISEG byCity[2] = {{34, 20, REGSEG}, {4, 30, REGSEG}};
@@ -106,6 +108,10 @@ struct Pristine {
     if (CLISAM()) std::abort();
     data = ReadFile(kData);
     index = ReadFile(kIndex);
+  }
+  ~Pristine() {
+    std::error_code ignored;
+    fs::remove_all(folder, ignored);
   }
 };
 
