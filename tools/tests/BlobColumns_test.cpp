@@ -12,6 +12,7 @@
 #include <sstream>
 
 #include "CommandLine.h"
+#include "ToolFolderTest.h"
 
 namespace ctt {
 namespace {
@@ -38,28 +39,9 @@ TEST(Base64, RejectsWhatDoesNotDecode) {
   }
 }
 
-class BlobToolTest : public ::testing::Test {
+class BlobToolTest : public test::ToolFolderTest {
  protected:
-  void SetUp() override {
-    std::random_device random;
-    dir = fs::temp_directory_path() /
-          ("ctt_blob_" + std::to_string(::getpid()) + "_" + std::to_string(random()));
-    fs::create_directories(dir);
-  }
-  void TearDown() override {
-    std::error_code ignored;
-    fs::remove_all(dir, ignored);
-  }
-  int Run(std::vector<std::string> args) {
-    args.insert(args.begin(), {"ctt", "--dir", dir.string()});
-    out.str("");
-    err.str("");
-    return RunTool(args, console, MakeTableBackend);
-  }
-
-  fs::path dir;
-  std::ostringstream out, err;
-  Console console{out, err, false};
+  BlobToolTest() : ToolFolderTest("ctt_blob_") {}
 };
 
 TEST_F(BlobToolTest, MemoAndBlobColumnsRoundTripExactly) {

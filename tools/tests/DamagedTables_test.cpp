@@ -14,6 +14,7 @@
 #include <sstream>
 
 #include "CommandLine.h"
+#include "ToolFolderTest.h"
 
 namespace ctt {
 namespace {
@@ -57,12 +58,10 @@ const Damage kDamages[] = {
     {"leaf pages flagged as changed in memory", false, [](std::string& b) { ForEachPage(b, 2, [](char* p) { p[10] |= 0x10; }); }},
 };
 
-class DamagedTables : public ::testing::Test {
+class DamagedTables : public test::ToolFolderTest {
  protected:
+  DamagedTables() : ToolFolderTest("ctt_damaged_") {}
   void SetUp() override {
-    std::random_device random;
-    dir = fs::temp_directory_path() / ("ctt_damaged_" + std::to_string(::getpid()) + "_" + std::to_string(random()));
-    fs::create_directories(dir);
     const fs::path csv = dir / "people.csv";
     std::ofstream rows(csv);
     rows << "id,name,city\n";
@@ -74,23 +73,6 @@ class DamagedTables : public ::testing::Test {
         << err.str();
     ASSERT_EQ(Run({"import", "people", csv.string()}), kExitOk) << err.str();
   }
-  void TearDown() override {
-    std::error_code ignored;
-    fs::current_path(oldDir, ignored);
-    fs::remove_all(dir, ignored);
-  }
-
-  int Run(std::vector<std::string> args) {
-    args.insert(args.begin(), {"ctt", "--dir", dir.string()});
-    out.str("");
-    err.str("");
-    return RunTool(args, console, MakeTableBackend);
-  }
-
-  fs::path dir;
-  fs::path oldDir = fs::current_path();
-  std::ostringstream out, err;
-  Console console{out, err, false};
 };
 
 TEST_F(DamagedTables, EveryCommandReportsTheDamageAsAStorageError) {

@@ -10,39 +10,26 @@
 #include <sstream>
 
 #include "CommandLine.h"
+#include "ToolFolderTest.h"
 
 namespace ctt {
 namespace {
 
 namespace fs = std::filesystem;
 
-class ProtectedTables : public ::testing::Test {
+class ProtectedTables : public test::ToolFolderTest {
  protected:
+  ProtectedTables() : ToolFolderTest("ctt_protected_") {}
   void SetUp() override {
-    std::random_device random;
-    dir = fs::temp_directory_path() / ("ctt_protected_" + std::to_string(::getpid()) + "_" + std::to_string(random()));
-    fs::create_directories(dir);
     std::ofstream(dir / "rows.csv") << "id,name\n1,Ada Quill\n2,Bo Fenwick\n";
     ASSERT_EQ(Run("--password=Quenby-42", {"create", "people", "-f", "id:integer,name:string:20", "-x", "ById:id:unique"}),
               kExitOk)
         << err.str();
   }
-  void TearDown() override {
-    std::error_code ignored;
-    fs::remove_all(dir, ignored);
-  }
-
   int Run(const std::string& password, std::vector<std::string> args) {
-    args.insert(args.begin(), {"ctt", "--dir", dir.string()});
-    if (!password.empty()) args.insert(args.begin() + 1, password);
-    out.str("");
-    err.str("");
-    return RunTool(args, console, MakeTableBackend);
+    if (!password.empty()) args.insert(args.begin(), password);
+    return ToolFolderTest::Run(std::move(args));
   }
-
-  fs::path dir;
-  std::ostringstream out, err;
-  Console console{out, err, false};
 };
 
 TEST_F(ProtectedTables, EveryCommandNeedsThePassword) {

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "CommandLine.h"
+#include "ToolFolderTest.h"
 #include "CtRecords.h"
 #include "Ctdb.h"
 
@@ -41,12 +42,10 @@ Ctdb::CTIdxDesc Index(const std::string& name, std::vector<int32_t> fields, bool
 
 // A directory holding the table "people" (ID, NAME, CITY; indexes ById and ByCity = CITY;ID),
 // written through the driver, so that reading is tested apart from the table layer's create.
-class TableLayerTest : public ::testing::Test {
+class TableLayerTest : public test::ToolFolderTest {
  protected:
+  TableLayerTest() : ToolFolderTest("ctt_layer_") {}
   void SetUp() override {
-    std::random_device random;
-    dir = fs::temp_directory_path() / ("ctt_layer_" + std::to_string(::getpid()) + "_" + std::to_string(random()));
-    fs::create_directories(dir);
     Ctdb::TCTConnection conn(nullptr);
     conn.SetActive(true);
     Ctdb::CTTblDesc desc;
@@ -72,23 +71,6 @@ class TableLayerTest : public ::testing::Test {
     ASSERT_EQ(conn.CloseCursor(cursor), 0);
     conn.SetActive(false);
   }
-  void TearDown() override {
-    std::error_code ignored;
-    fs::current_path(oldDir, ignored);
-    fs::remove_all(dir, ignored);
-  }
-
-  int Run(std::vector<std::string> args) {
-    args.insert(args.begin(), {"ctt", "--dir", dir.string()});
-    out.str("");
-    err.str("");
-    return RunTool(args, console, MakeTableBackend);
-  }
-
-  fs::path dir;
-  fs::path oldDir = fs::current_path();
-  std::ostringstream out, err;
-  Console console{out, err, false};
 };
 
 TEST_F(TableLayerTest, ListsInIndexOrderWithFindAndRange) {
@@ -167,7 +149,9 @@ TEST_F(TableLayerTest, MissingTablesIndexesAndBadRanges) {
            {"list", "people", "--find", "x"},
            {"list", "people", "--limit", "-1"}}) {
     EXPECT_EQ(Run(args), kExitUsage) << args[3];
-    if (args[2] != "--limit") EXPECT_NE(err.str().find("index ById has the key fields ID (integer)"), std::string::npos) << err.str();
+    if (args[2] != "--limit") {
+      EXPECT_NE(err.str().find("index ById has the key fields ID (integer)"), std::string::npos) << err.str();
+    }
   }
   ASSERT_EQ(Run({"list", "people", "--from", "4", "--to", "2", "-c", "ID"}), kExitOk) << err.str();
   EXPECT_EQ(out.str(), "ID\n--\n(0 records)\n");
