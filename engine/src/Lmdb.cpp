@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 
@@ -24,6 +25,8 @@ constexpr unsigned kMaxDbs = 512;
 // Room a held transaction (lock set, transaction) may fill before it gives CT_EDISKFULL. The
 // map is address space, not disk: the file grows only with the pages written.
 constexpr size_t kHeldRoom = size_t{4} << 30;
+// Held transactions with at least this many writes are followed by Env::Advance.
+constexpr size_t kAdvanceAfter = 1000;
 // Base held transactions open in this process: a file that joins while there are some is
 // logged (Env::Logged).
 size_t heldBases = 0;
@@ -189,6 +192,13 @@ void Env::Hold() {
     Check(mdb_txn_begin(env_, parent, 0, &txn));
   } else {
     Reserve(kHeldRoom);
+    // While the transaction is held it is this process's view of the file, so the read
+    // snapshot is let go: kept, it would stop LMDB from reusing the pages that commits since it
+    // began have freed, and the file would grow by a copy of every page the transaction touches.
+    if (rtxnLive_) {
+      mdb_txn_reset(rtxn_);
+      rtxnLive_ = false;
+    }
     txn = BeginWrite();
     writing_ = false;
     if (heldBases > 0) journal_ = std::make_unique<SetJournal>(path_);
@@ -201,6 +211,7 @@ void Env::Hold() {
 
 void Env::EndBase() {
   --heldBases;
+  heldWrites_ = 0;
   journal_.reset();
   call_.Clear();
   marks_.clear();
@@ -217,8 +228,10 @@ void Env::CommitTop(bool durable) {
   held_.pop_back();
   ++epoch_;
   ++gen_;
+  const size_t writes = heldWrites_;
   if (held_.empty()) EndBase();
   int rc = mdb_txn_commit(txn);
+  if (rc == 0 && held_.empty() && writes >= kAdvanceAfter) Advance();
   if (held_.empty()) Locks().Region().UnlockWriter();
   if (rc != 0) {
     dbis_.clear();
@@ -248,6 +261,7 @@ void Env::AbortTop() {
 std::unique_ptr<SetJournal> Env::TakeJournal() { return std::move(journal_); }
 
 void Env::Note(int rc) {
+  ++heldWrites_;
   // A refused key or argument changes nothing; any other failure may have left pages half done.
   if (held_.empty() || rc == 0 || rc == MDB_NOTFOUND || rc == MDB_KEYEXIST) return;
   if (rc == MDB_BAD_VALSIZE || rc == EINVAL) return;
@@ -348,6 +362,27 @@ int Drop(MDB_txn* txn, MDB_dbi dbi, int del) {
   int rc = mdb_drop(txn, dbi, del);
   env->Note(rc);
   return rc;
+}
+
+// LMDB hands out the pages a commit freed only from the second write transaction after it on
+// (the previous meta page may still be read). A large held transaction frees a copy of every page
+// it touched, so one tiny commit right after it lets the next transaction reuse those pages
+// instead of growing the file: it rewrites the file header unchanged. Called with the writer lock
+// held; a failure only loses the reuse.
+void Env::Advance() {
+  auto meta = std::find_if(dbis_.begin(), dbis_.end(), [](const auto& d) {
+    return d.first.size() >= 4 && d.first.compare(d.first.size() - 4, 4, "meta") == 0;
+  });
+  if (meta == dbis_.end()) return;
+  MDB_txn* txn = nullptr;
+  if (mdb_txn_begin(env_, nullptr, 0, &txn) != 0) return;
+  MDB_val key{3, const_cast<char*>("hdr")}, val{};
+  if (mdb_get(txn, meta->second, &key, &val) == 0) {
+    std::string same(static_cast<const char*>(val.mv_data), val.mv_size);
+    MDB_val copy{same.size(), same.data()};
+    if (mdb_put(txn, meta->second, &key, &copy, 0) == 0 && mdb_txn_commit(txn) == 0) return;
+  }
+  mdb_txn_abort(txn);
 }
 
 void Env::DropSnapshot() {

@@ -110,6 +110,7 @@ class Env {
   // Grows the map so that at least room bytes are free (no transaction may be active).
   void Reserve(size_t room);
   void DropSnapshot();
+  void Advance();
   MDB_env* env_;
   std::string path_;
   std::vector<MDB_txn*> held_;
@@ -126,6 +127,7 @@ class Env {
   std::vector<size_t> marks_;  // where each open call scope begins in call_
   std::unique_ptr<SetJournal> journal_;
   int broken_ = 0;             // the LMDB failure that broke the held transaction
+  size_t heldWrites_ = 0;      // writes done in the held transaction so far
   bool writing_ = false;       // a write transaction outside a set is open
   bool settling_ = false;      // a set journal is being settled from Snapshot
   bool readOnly_ = false;
