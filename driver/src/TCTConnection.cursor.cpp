@@ -583,9 +583,14 @@ int32_t TCTConnection::GetRecordCount(TCTCursorDesc* cursor, int32_t& count) {
       const int32_t error = CTDbIntf::GetCtUErrCod(a);
       if (error != INOT_ERR && error != ICUR_ERR) result = error;
     }
-    // A current record deleted since it was read has no position to go back to.
-    const int32_t restored = Restore(a, cursor, saved);
-    if (result == 0 && restored != INOT_ERR && restored != ICUR_ERR) result = restored;
+    // The range count walks keys of the index; DATENT and IDXENT read only the files' counts and
+    // leave every position as it was, so there is nothing to restore after them (the restore
+    // would read the record twice, on every append of a table).
+    if (cursor->RangeActive || CTDbIntf::CurrentFileOffset(a, cursor->DataFileNo) != saved) {
+      // A current record deleted since it was read has no position to go back to.
+      const int32_t restored = Restore(a, cursor, saved);
+      if (result == 0 && restored != INOT_ERR && restored != ICUR_ERR) result = restored;
+    }
   } catch (const std::bad_alloc&) {
     result = kCtOutOfMemory;
   }
