@@ -348,8 +348,7 @@ void TCTTable::InternalPost() {
     // The new record becomes current (an append started from the end, where the cursor still
     // stands), so that the window is rebuilt around it. A record that falls outside the range
     // cannot become current: the window is then rebuilt where the cursor is.
-    int32_t added = 0;
-    if (conn.GetBookMark(FCursor.get(), added) == 0) static_cast<void>(conn.SetToBookMark(FCursor.get(), added));
+    static_cast<void>(conn.SetToAppended(FCursor.get()));
   }
   FOldRecord.reset();
   FInsertType = Ctdb::isNone;

@@ -287,6 +287,11 @@ class TCTConnection : public fw::TComponent {
   int32_t GetBookMark(TCTCursorDesc* cursor, int32_t& bookmark);
   /// Makes the record at `bookmark` current with the index on it; 101 outside the range.
   int32_t SetToBookMark(TCTCursorDesc* cursor, int32_t bookmark);
+  /// After `AppendRecord`: makes the record it wrote current without reading it back (the engine
+  /// left it current with every index on its key); 101 when it lies outside the range. Goes
+  /// through `SetToBookMark` when the current index may not hold the record (a condition, or
+  /// keys the package maintains).
+  int32_t SetToAppended(TCTCursorDesc* cursor);
   /// The first record whose key value equals the buffer's (first of its duplicates).
   int32_t GotoKey(TCTCursorDesc* cursor, TCTCustomRecordBuffer* buffer);
   /// The first record whose key follows the buffer's (or equals it when `inclusive`).

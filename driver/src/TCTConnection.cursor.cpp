@@ -482,6 +482,32 @@ int32_t TCTConnection::SetToBookMark(TCTCursorDesc* cursor, int32_t bookmark) {
   return 0;
 }
 
+int32_t TCTConnection::SetToAppended(TCTCursorDesc* cursor) {
+  int32_t added = 0;
+  if (const int32_t r = GetBookMark(cursor, added)) return r;
+  if (PhysicalOrder(cursor)) {
+    cursor->Position = cpNone;
+    return 0;
+  }
+  const auto index = std::find_if(cursor->Indexes.begin(), cursor->Indexes.end(),
+                                  [cursor](const CTIdxDesc& i) { return i.IndexId == cursor->KeyNo; });
+  if (index == cursor->Indexes.end() || index->Maintained == 0 || !index->Condition.empty())
+    return SetToBookMark(cursor, added);
+  if (!cursor->RangeActive) {
+    cursor->Position = cpNone;
+    return 0;
+  }
+  const CTDbIntf::TLoadAlignment a = Alignment();
+  try {
+    std::vector<uint8_t> key(static_cast<size_t>(std::max<int32_t>(KeyLength(cursor), CT_MAXKEYLEN)), 0);
+    int32_t length = 0;
+    if (const int32_t r = CTDbIntf::CurrentISAMKey(a, cursor->KeyNo, key.data(), &length)) return r;
+    return IsInRange(cursor, key.data(), length);
+  } catch (const std::bad_alloc&) {
+    return kCtOutOfMemory;
+  }
+}
+
 namespace {
 
 // What a key seek looks for, relative to the buffer's key.

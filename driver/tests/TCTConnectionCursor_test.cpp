@@ -96,6 +96,28 @@ TEST_F(CursorTest, SteppingPastTheRangeLeavesItsLastRecordCurrent) {
   }
 }
 
+// An appended record becomes current without being read back, with the index on it, so that
+// the walk goes on from it; outside the range it does not, and the cursor is marked past it.
+TEST_F(CursorTest, AnAppendedRecordBecomesCurrentUnlessItLiesOutsideTheRange) {
+  UseIndex("ByGroup");
+  ASSERT_EQ(Conn->SetToEnd(Cursor.get()), 0);
+  ASSERT_EQ(Append(10, 20), 0);
+  ASSERT_EQ(Conn->SetToAppended(Cursor.get()), 0);
+  EXPECT_EQ(Cursor->Position, cpNone);
+  EXPECT_EQ(Current(), 10);
+  EXPECT_EQ(Next(), 5);
+  EXPECT_EQ(Prior(), 10);
+  EXPECT_EQ(Prior(), 4);
+
+  SetGroupRange(20, true, 40, true);
+  ASSERT_EQ(Append(11, 30), 0);
+  ASSERT_EQ(Conn->SetToAppended(Cursor.get()), 0);
+  EXPECT_EQ(Next(), 7);
+  ASSERT_EQ(Append(12, 50), 0);
+  EXPECT_EQ(Conn->SetToAppended(Cursor.get()), INOT_ERR);
+  EXPECT_EQ(Cursor->Position, cpEof);
+}
+
 TEST_F(CursorTest, EmptyAndReversedRangesGiveNoRecord) {
   UseIndex("ByGroup");
   int32_t last = 0;
