@@ -283,9 +283,14 @@ void Session::Rename(int filno, const char* newname) {
     moves[ix.file] = to;
     ix.file = to;
   }
+  // Every refusal comes before the definition is written and the file closed.
   if (PathExists(newPath)) Throw(DCRAT_ERR);
-  for (const auto& [from, to] : moves)
-    if ((oldDir != newDir || from != to) && PathExists(newDir + to)) Throw(DCRAT_ERR);
+  CheckRenamePath(oldPath, newPath);
+  for (const auto& [from, to] : moves) {
+    if (oldDir == newDir && from == to) continue;
+    if (PathExists(newDir + to)) Throw(DCRAT_ERR);
+    CheckRenamePath(oldDir + from, newDir + to);
+  }
   bool hasIfil = h.store->HasIfil();
   if (hasIfil) WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
   int mode = h.mode;

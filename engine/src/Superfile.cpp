@@ -162,10 +162,15 @@ bool RemovePath(const std::string& path) {
   return true;
 }
 
+void CheckRenamePath(const std::string& from, const std::string& to) {
+  Place a = Locate(from), b = Locate(to);
+  if ((a.IsMember() || b.IsMember()) && (a.host != b.host || !a.IsMember() || !b.IsMember())) Throw(NSUP_ERR);
+}
+
 void RenamePath(const std::string& from, const std::string& to) {
+  CheckRenamePath(from, to);
   Place a = Locate(from), b = Locate(to);
   if (!a.IsMember() && !b.IsMember()) return RenameFile(from, to);
-  if (a.host != b.host || !a.IsMember() || !b.IsMember()) Throw(NSUP_ERR);
   std::shared_ptr<Env> env = OpenHost(a.host, false);
   if (FindMember(*env, b.member)) Throw(DCRAT_ERR);
   uint32_t id = FindMember(*env, a.member);

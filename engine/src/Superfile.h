@@ -40,6 +40,9 @@ bool RemovePath(const std::string& path);
 // Renames a file, or a member within its host (NSUP_ERR across hosts); DCRAT_ERR when the
 // target exists.
 void RenamePath(const std::string& from, const std::string& to);
+// Throws NSUP_ERR when RenamePath would refuse to move from to `to` (across hosts, or between a
+// member and a file of its own); changes nothing.
+void CheckRenamePath(const std::string& from, const std::string& to);
 // The file lock of a path: a member locks its host shared (the member's own open mode is a
 // record-table lock, see Session::LockMember).
 std::unique_ptr<FileLock> LockPath(const std::string& path, bool exclusive);

@@ -94,4 +94,24 @@ TEST_F(EngineSuperfile, HostsAreMadeAndRecognised) {
   EXPECT_FALSE(std::filesystem::exists("empty.sup"));
 }
 
+// A member renames within its host only: a move to another host or out of it is refused before
+// anything changes, and the member still opens with its index under its old name.
+TEST_F(EngineSuperfile, ARefusedRenameOfAMemberChangesNothing) {
+  def_.ifil.pfilnam = (pTEXT) "store.sup!customers";
+  COUNT cust = CreateCustomers(EXCLUSIVE);
+  ASSERT_GE(cust, 0);
+  ASSERT_EQ(Add(cust, 1, "one", "Oslo"), 0);
+  EXPECT_EQ(api.ctRENFIL(cust, (pTEXT) "other.sup!clients.dat"), NSUP_ERR);
+  EXPECT_EQ(api.ctRENFIL(cust, (pTEXT) "clients.dat"), NSUP_ERR);
+  EXPECT_EQ(api.DATENT(cust), 1);
+  ASSERT_EQ(api.CLRFIL(cust), 0);
+  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "store.sup!customers.dat", SHARED), 0);
+  EXPECT_EQ(api.IDXENT(1), 1);
+  Customer c{};
+  ASSERT_EQ(api.FRSREC(2, &c), 0);
+  EXPECT_EQ(c.id, 1);
+  EXPECT_FALSE(std::filesystem::exists("clients.dat"));
+  EXPECT_FALSE(std::filesystem::exists("other.sup"));
+}
+
 }  // namespace
