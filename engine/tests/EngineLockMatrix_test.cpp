@@ -9,12 +9,24 @@ namespace {
 
 // How the record is held: by LOKREC, by reading it in a lock set, or in a transaction.
 enum Holder { kLokRead, kLokWrite, kSetRead, kSetWrite, kTranRead, kTranWrite };
-// How the contender goes for the same record.
-enum Contender { kTryRead, kTryWrite, kWaitWrite, kSetReadFind, kSetWaitFind, kTranWriteFind, kRewrite };
+// How the contender goes for the same record: LOKREC (read, write, waiting write), reading it in
+// a lock set or a transaction of each lock mode, or rewriting it.
+enum Contender {
+  kTryRead,
+  kTryWrite,
+  kWaitWrite,
+  kSetReadFind,
+  kSetWriteFind,
+  kSetWaitFind,
+  kTranReadFind,
+  kTranWriteFind,
+  kTranWaitFind,
+  kRewrite
+};
 
 bool HolderWrites(Holder h) { return h == kLokWrite || h == kSetWrite || h == kTranWrite; }
-bool ContenderWrites(Contender c) { return c != kTryRead && c != kSetReadFind; }
-bool ContenderWaits(Contender c) { return c == kWaitWrite || c == kSetWaitFind; }
+bool ContenderWrites(Contender c) { return c != kTryRead && c != kSetReadFind && c != kTranReadFind; }
+bool ContenderWaits(Contender c) { return c == kWaitWrite || c == kSetWaitFind || c == kTranWaitFind; }
 
 // What the contender gets: read and read share; any write conflicts (a rewrite conflicts with
 // every lock of another owner); waiting ends in the time-out.
@@ -54,13 +66,16 @@ COUNT Contend(EngineApi& api, COUNT dat, LONG pos, Contender c) {
     case kWaitWrite: return api.LOKREC(dat, ENABLE_BLK, pos);
     case kRewrite: rec.balance += 1; return api.RWTREC(dat, &rec);
     case kSetReadFind:
+    case kSetWriteFind:
     case kSetWaitFind:
-      api.LKISAM(c == kSetReadFind ? READREC : ENABLE_BLK);
+      if ((rc = api.LKISAM(c == kSetReadFind ? READREC : c == kSetWriteFind ? ENABLE : ENABLE_BLK)) != 0) return rc;
       rc = ::Find(api, dat + 1, 1, rec);
       api.LKISAM(FREE);
       return rc;
+    case kTranReadFind:
     case kTranWriteFind:
-      api.TRANBEG(ENABLE);
+    case kTranWaitFind:
+      if (api.TRANBEG(c == kTranReadFind ? READREC : c == kTranWriteFind ? ENABLE : ENABLE_BLK) <= 0) return CT_ETRAN;
       rc = ::Find(api, dat + 1, 1, rec);
       api.TRANABT();
       return rc;
@@ -107,8 +122,8 @@ TEST_P(LockBetweenProcesses, ReadLocksShareAndWriteLocksExclude) {
   EXPECT_EQ(Wait(pid), Expected(holder, contender));
 }
 
-// The contender is a second handle of the same session. It cannot start a set of its own (the
-// set belongs to the session), so only the contenders that need none take part.
+// The contender is a second handle of the same session. The set belongs to the session, so a
+// contender that starts a set or a transaction meets only record locks taken with LOKREC.
 TEST_P(LockBetweenHandles, ReadLocksShareAndWriteLocksExclude) {
   auto [holder, contender] = GetParam();
   ASSERT_EQ(api.OPNRFIL(20, (pTEXT) "customers.dat", SHARED), 0);
@@ -119,11 +134,13 @@ TEST_P(LockBetweenHandles, ReadLocksShareAndWriteLocksExclude) {
 }
 
 const auto kHolders = ::testing::Values(kLokRead, kLokWrite, kSetRead, kSetWrite, kTranRead, kTranWrite);
+const auto kSetContenders =
+    ::testing::Values(kSetReadFind, kSetWriteFind, kSetWaitFind, kTranReadFind, kTranWriteFind, kTranWaitFind);
+const auto kPlainContenders = ::testing::Values(kTryRead, kTryWrite, kWaitWrite, kRewrite);
 
-INSTANTIATE_TEST_SUITE_P(All, LockBetweenProcesses,
-                         ::testing::Combine(kHolders, ::testing::Values(kTryRead, kTryWrite, kWaitWrite, kSetReadFind,
-                                                                        kSetWaitFind, kTranWriteFind, kRewrite)));
-INSTANTIATE_TEST_SUITE_P(All, LockBetweenHandles,
-                         ::testing::Combine(kHolders, ::testing::Values(kTryRead, kTryWrite, kWaitWrite, kRewrite)));
+INSTANTIATE_TEST_SUITE_P(Plain, LockBetweenProcesses, ::testing::Combine(kHolders, kPlainContenders));
+INSTANTIATE_TEST_SUITE_P(Sets, LockBetweenProcesses, ::testing::Combine(kHolders, kSetContenders));
+INSTANTIATE_TEST_SUITE_P(Plain, LockBetweenHandles, ::testing::Combine(kHolders, kPlainContenders));
+INSTANTIATE_TEST_SUITE_P(Sets, LockBetweenHandles, ::testing::Combine(::testing::Values(kLokRead, kLokWrite), kSetContenders));
 
 }  // namespace

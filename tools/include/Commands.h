@@ -37,6 +37,10 @@ struct ImportOptions {
   /// none.
   std::uint64_t BatchSize = 0;
   std::uint64_t SkipRows = 0;        ///< data rows to pass over first (resuming an import)
+  /// A row whose key a unique index of the table already holds is counted as already there
+  /// instead of rejected, so that rerunning an import that was killed adds just what is missing.
+  /// Needs a unique index (UsageError otherwise).
+  bool SkipExisting = false;
   bool StopOnError = false;          ///< the first rejected row rolls back its batch and stops
   ValueSpellings Spellings;          ///< the blank and boolean texts of the CSV
   std::string DateFormat;            ///< the CSV's date order and separator, e.g. "dd.mm.yyyy"

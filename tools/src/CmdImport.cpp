@@ -1,6 +1,7 @@
 // The tool's import subcommand: CSV rows appended in batches, bad rows reported (tools layer).
 #include <signal.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <csignal>
@@ -13,6 +14,7 @@
 #include "BlobColumns.h"
 #include "Commands.h"
 #include "CsvReader.h"
+#include "ECtreeException.h"
 #include "FormatSettings.h"
 #include "ProgressBar.h"
 #include "StringUtils.h"
@@ -88,6 +90,7 @@ class Importer {
   std::uint64_t Skipped = 0;
   std::uint64_t Added = 0;      // added and committed or still in the open batch
   std::uint64_t Rejected = 0;
+  std::uint64_t Present = 0;    // rows whose key was already in the table (SkipExisting)
   std::uint64_t Committed = 0;  // data rows read up to the end of the last committed batch
 
   void Reject(std::int64_t line, const std::string& reason) {
@@ -104,7 +107,7 @@ class Importer {
         ++Added;
         Committed = Read;
       } catch (...) {
-        Reject(line, DescribeException(std::current_exception()).Message);
+        Refused(line, std::current_exception());
       }
       return;
     }
@@ -120,7 +123,7 @@ class Importer {
       FCursor.Append(values, FOptions.Spellings);
       ++FBatchAdded;
     } catch (...) {
-      Reject(line, DescribeException(std::current_exception()).Message);
+      Refused(line, std::current_exception());
     }
   }
 
@@ -157,6 +160,24 @@ class Importer {
   std::int64_t FailedLine = 0;
 
  private:
+  // A row the table refused: already there (a duplicate key with SkipExisting) or rejected.
+  void Refused(std::int64_t line, std::exception_ptr error) {
+    if (FOptions.SkipExisting) {
+      try {
+        std::rethrow_exception(error);
+      } catch (const CTDbIntf::ECtreeException& e) {
+        if (e.ErrorCode == kDuplicateKey) {
+          ++Present;
+          return;
+        }
+      } catch (...) {
+      }
+    }
+    Reject(line, DescribeException(error).Message);
+  }
+
+  static constexpr std::int32_t kDuplicateKey = 2;
+
   void RollBackQuietly() {
     try {
       FCursor.Rollback();
@@ -181,6 +202,7 @@ void PrintSummary(Console& console, const Importer& run, double seconds, const s
   std::ostream& out = console.Out;
   out << "rows read " << run.Read << ", added " << run.Added << ", rejected " << run.Rejected;
   if (run.Skipped > 0) out << ", skipped " << run.Skipped;
+  if (run.Present > 0) out << ", already there " << run.Present;
   out << " into " << table;
   if (seconds > 0 && run.Added > 0) {
     char elapsed[32];
@@ -252,6 +274,10 @@ ExitCode RunImport(TableBackend& backend, const TableRef& table, const ImportOpt
   std::unique_ptr<TableCursor> cursor = backend.Open(table, OpenMode::ReadWrite);
   const TableInfo info = cursor->Info();
   const std::vector<std::size_t> columns = MapHeader(header, info);
+  if (options.SkipExisting &&
+      std::none_of(info.Indexes.begin(), info.Indexes.end(), [](const IndexDefinition& i) { return i.Unique || i.Primary; }))
+    throw UsageError("--skip-existing needs a unique index on " + table.Display() +
+                     ": without one a row already there cannot be told from a new one");
 
   ProgressBar bar(console.Err, console.ErrIsTerminal, total);
   Importer run(*cursor, options, console, bar);

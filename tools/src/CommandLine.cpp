@@ -242,6 +242,8 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
   import->add_option("--skip-rows", p.Import.SkipRows, "Pass over this many data rows first (resuming)")
       ->check(kCount);
   import->add_flag("--stop-on-error", p.Import.StopOnError, "Roll back the batch and stop at the first bad row");
+  import->add_flag("--skip-existing", p.Import.SkipExisting,
+                   "Count rows whose unique key the table holds as already there (resuming after a kill)");
   import->add_option("--separator", p.Separator, "Field separator (default ',')");
   import->add_option("--null", p.Import.Spellings.Null, "A cell with this text leaves its field blank (as an empty one does)");
   import->add_option("--true", p.TrueTexts, "More spellings of true, comma-separated (true, yes, 1 always work)");

@@ -136,6 +136,33 @@ TEST_F(CommandsTest, StopOnErrorRollsBackTheBatchAndTellsWhereToResume) {
   EXPECT_NE(out.str().find("skipped 2"), std::string::npos);
 }
 
+// The rerun after a kill: rows whose unique key is there count as already there, other refusals
+// are still rejections, and a table without a unique index refuses the option.
+TEST_F(CommandsTest, SkipExistingAddsOnlyWhatIsMissing) {
+  ImportOptions options;
+  options.BatchSize = 2;
+  ASSERT_EQ(Import("id\n1\n2\n", options), kExitOk);
+  options.SkipExisting = true;
+  out.str("");
+  EXPECT_EQ(Import("id\n1\n2\n3\nbad\n4\n", options), kExitRejected);
+  EXPECT_EQ(Ids(), (std::vector<std::string>{"1", "2", "3", "4"}));
+  EXPECT_EQ(err.str(), "ctt: import: line 5: 'bad' is not a valid number\n");
+  EXPECT_EQ(out.str().rfind("rows read 5, added 2, rejected 1, already there 2 into customers", 0), 0u) << out.str();
+
+  TableRef plain;
+  plain.Name = "plain";
+  CreateOptions noUnique;
+  noUnique.Fields = ParseFieldDefinitions({"id:integer"});
+  noUnique.Indexes = ParseIndexDefinitions({"byid:id"});
+  ASSERT_EQ(RunCreate(backend, plain, noUnique, console), kExitOk);
+  options.File = WriteFile("plain.csv", "id\n1\n");
+  const ErrorReport refused = Failure([&] { RunImport(backend, plain, options, console); });
+  EXPECT_EQ(refused.Code, kExitUsage);
+  EXPECT_NE(refused.Message.find("--skip-existing needs a unique index on plain"), std::string::npos)
+      << refused.Message;
+  EXPECT_TRUE(store.Tables.at(plain.Display()).Records.empty());
+}
+
 TEST_F(CommandsTest, WithoutTransactionsEachAddedRowStays) {
   store.Transactions = false;
   ImportOptions options;

@@ -1,9 +1,12 @@
 // reliability_worker: one program of the reliability tests, started fresh (its own engine
 // instance, as another program would be) and told what to do by its arguments:
-//   writer DIR SIDEFILE FIRSTID PERTX  adds ids to tables "left" and "right" in transactions of
-//                                      PERTX records each (one transaction over both tables) and,
-//                                      after each Commit returns, appends the ids to SIDEFILE and
-//                                      fsyncs it; runs until killed
+//   writer DIR SIDEFILE FIRSTID PERTX HOW
+//                                      adds ids to tables "left" and "right", PERTX ids at a time,
+//                                      grouped as HOW says: "both" one transaction over both
+//                                      tables, "each" one transaction per table (left, then right),
+//                                      "lockset" one engine lock set over both tables whose records
+//                                      go in with the engine's add call; after the group ends it
+//                                      appends the ids to SIDEFILE and fsyncs it; runs until killed
 //   reader DIR                         reads both tables from start to end until killed
 //   increment DIR COUNT RECORDS TX     adds 1 to COUNT at COUNTERS records picked in turn, each
 //                                      through FindKey, Edit and Post (in a transaction of its own
@@ -17,13 +20,16 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <thread>
 
+#include "CTDbIntf.h"
 #include "CTTables.h"
 #include "Ctdb.h"
 #include "ECtreeException.h"
 #include "TField.h"
+#include "ctisam.h"
 
 namespace {
 
@@ -42,22 +48,62 @@ TCTTable* OpenTable(fw::TComponent* owner, Ctdb::TCTConnection* conn, const std:
   return table;
 }
 
+// The record image of (id, "n<id>", 0) for `table`, laid out by its cursor's field offsets.
+std::vector<uint8_t> RecordImage(TCTTable& table, int32_t id) {
+  Ctdb::TCTCursorDesc* cursor = table.Cursor();
+  Ctdb::TCTCustomRecordBuffer buffer(cursor);
+  buffer.InitRecord();
+  std::vector<uint8_t> image(buffer.RecordPtr(), buffer.RecordPtr() + buffer.RecordSize());
+  const std::string name = "n" + std::to_string(id);
+  for (const auto& field : cursor->Fields) {
+    if (field->Name == "ID") std::memcpy(image.data() + field->Offset, &id, sizeof id);
+    if (field->Name == "NAME") std::memcpy(image.data() + field->Offset, name.data(), name.size());
+  }
+  return image;
+}
+
+// Adds ids next .. next + count - 1 to both tables in one engine lock set: the set's writes to
+// both files become visible together at FREE, or not at all.
+void AddInLockSet(TCTTable& left, TCTTable& right, int32_t next, int count) {
+  const CTDbIntf::TLoadAlignment a = left.Connection()->Alignment();
+  if (const int16_t rc = CTDbIntf::LockISAM(a, ENABLE)) CTDbIntf::CtError(rc);
+  for (int i = 0; i < count; ++i)
+    for (TCTTable* table : {&left, &right}) {
+      std::vector<uint8_t> image = RecordImage(*table, next + i);
+      if (const int16_t rc = CTDbIntf::AddRecord(a, table->Cursor()->DataFileNo, image.data()))
+        CTDbIntf::CtError(rc);
+    }
+  if (const int16_t rc = CTDbIntf::LockISAM(a, FREE)) CTDbIntf::CtError(rc);
+}
+
+void AddInTransaction(Ctdb::TCTConnection& conn, std::initializer_list<TCTTable*> tables, int32_t next, int count) {
+  conn.StartTransaction();
+  for (int i = 0; i < count; ++i)
+    for (TCTTable* table : tables)
+      table->AppendRecord({fw::Variant(next + i), fw::Variant("n" + std::to_string(next + i)), fw::Variant(0)});
+  conn.Commit();
+}
+
 int Writer(Ctdb::TCTConnection& conn, TCTTable& left, TCTTable& right, const std::string& side, int32_t next,
-           int perTransaction) {
+           int perGroup, const std::string& how) {
+  if (how != "both" && how != "each" && how != "lockset") return 2;
   const int fd = ::open(side.c_str(), O_WRONLY | O_APPEND | O_CREAT, 0644);
   if (fd < 0) return 3;
   for (;;) {
-    conn.StartTransaction();
-    for (int i = 0; i < perTransaction; ++i)
-      for (TCTTable* table : {&left, &right})
-        table->AppendRecord({fw::Variant(next + i), fw::Variant("n" + std::to_string(next + i)), fw::Variant(0)});
-    conn.Commit();
-    for (int i = 0; i < perTransaction; ++i) {
+    if (how == "both") {
+      AddInTransaction(conn, {&left, &right}, next, perGroup);
+    } else if (how == "each") {
+      AddInTransaction(conn, {&left}, next, perGroup);
+      AddInTransaction(conn, {&right}, next, perGroup);
+    } else {
+      AddInLockSet(left, right, next, perGroup);
+    }
+    for (int i = 0; i < perGroup; ++i) {
       const int32_t id = next + i;
       if (::write(fd, &id, sizeof id) != static_cast<ssize_t>(sizeof id)) return 3;
     }
     if (::fsync(fd) != 0) return 3;
-    next += perTransaction;
+    next += perGroup;
   }
 }
 
@@ -98,7 +144,8 @@ int Run(int argc, char** argv) {
   conn->SetActive(true);
   TCTTable* left = OpenTable(owner.get(), conn, dir, "left");
   TCTTable* right = OpenTable(owner.get(), conn, dir, "right");
-  if (mode == "writer" && argc == 6) return Writer(*conn, *left, *right, argv[3], std::atoi(argv[4]), std::atoi(argv[5]));
+  if (mode == "writer" && argc == 7)
+    return Writer(*conn, *left, *right, argv[3], std::atoi(argv[4]), std::atoi(argv[5]), argv[6]);
   if (mode == "reader") return Reader(*left, *right);
   if (mode == "increment" && argc == 6) {
     const int count = std::atoi(argv[3]), records = std::atoi(argv[4]);

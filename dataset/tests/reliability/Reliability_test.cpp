@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <random>
 #include <set>
 #include <thread>
@@ -97,24 +98,49 @@ class Reliability : public TableTest {
   }
 };
 
+// How the writer of a cycle groups its ids, in turn over the cycles: one transaction over both
+// tables (of 1 and of 10 ids), one engine lock set over both tables, one transaction per table.
+struct WriterKind {
+  const char* how;
+  int perGroup;
+  bool bothTablesAtOnce;
+};
+constexpr WriterKind kWriters[] = {{"both", 1, true}, {"both", 10, true}, {"lockset", 10, true}, {"each", 10, false}};
+
+// Whether the ids from `first` on are whole groups: first, first + 1, ... with no gap, a
+// multiple of perGroup of them.
+bool WholeGroups(const std::set<int32_t>& ids, int32_t first, int perGroup) {
+  int32_t expected = first;
+  for (auto it = ids.lower_bound(first); it != ids.end(); ++it, ++expected)
+    if (*it != expected) return false;
+  return (expected - first) % perGroup == 0;
+}
+
+std::size_t CountFrom(const std::set<int32_t>& ids, int32_t first) {
+  return static_cast<std::size_t>(std::distance(ids.lower_bound(first), ids.end()));
+}
+
 TEST_F(Reliability, KilledWritersLoseNoCommittedTransactionAndLeaveNoHalfOfOne) {
   MakeTables();
   const char* given = std::getenv("CT_CRASH_CYCLES");
   const int cycles = given != nullptr ? std::max(1, std::atoi(given)) : 100;
   const std::string side = (Dir / "committed").string();
   std::mt19937 random(20261123);
-  int lost = 0, halves = 0, disagreements = 0, unusable = 0, readerFailures = 0;
+  int lost = 0, halves = 0, disagreements = 0, unusable = 0, readerFailures = 0, split = 0;
   int32_t next = 1;
   std::size_t committed = 0;
   for (int cycle = 0; cycle < cycles; ++cycle) {
-    const int perTransaction = cycle % 2 == 0 ? 1 : 10;
-    const pid_t writer = StartWorker({"writer", Dir.string(), side, std::to_string(next), std::to_string(perTransaction)});
+    const WriterKind& kind = kWriters[cycle % std::size(kWriters)];
+    const int32_t first = next;
+    const pid_t writer = StartWorker(
+        {"writer", Dir.string(), side, std::to_string(first), std::to_string(kind.perGroup), kind.how});
     const pid_t reader = StartWorker({"reader", Dir.string()});
     ASSERT_GT(writer, 0);
     ASSERT_GT(reader, 0);
     std::this_thread::sleep_for(std::chrono::milliseconds(std::uniform_int_distribution<int>(20, 120)(random)));
     kill(writer, SIGKILL);
-    Finish(writer);
+    const int writerStatus = Finish(writer);
+    EXPECT_EQ(writerStatus, 100 + SIGKILL) << "cycle " << cycle << " (" << kind.how << "): the writer stopped by itself";
     kill(reader, SIGKILL);
     const int readerStatus = Finish(reader);
     if (readerStatus != 100 + SIGKILL) ++readerFailures;
@@ -131,20 +157,29 @@ TEST_F(Reliability, KilledWritersLoseNoCommittedTransactionAndLeaveNoHalfOfOne) 
       const std::set<int32_t> leftIds = Ids(*left, "ById", disagreements);
       if (Ids(*left, "ByName", disagreements) != leftIds) ++disagreements;
       const std::set<int32_t> rightIds = Ids(*right, "ById", disagreements);
-      if (leftIds != rightIds) ++halves;
+      if (Ids(*right, "ByName", disagreements) != rightIds) ++disagreements;
+      // This cycle's groups are whole in each table; a group over both tables is in both or in
+      // neither, and one transaction per table leaves at most the last group in the left only.
+      if (!WholeGroups(leftIds, first, kind.perGroup) || !WholeGroups(rightIds, first, kind.perGroup)) ++halves;
+      const std::size_t leftNew = CountFrom(leftIds, first), rightNew = CountFrom(rightIds, first);
+      if (kind.bothTablesAtOnce && leftNew != rightNew) ++halves;
+      if (!kind.bothTablesAtOnce && leftNew != rightNew && leftNew != rightNew + kind.perGroup) ++halves;
+      split += leftNew != rightNew ? 1 : 0;
       for (int32_t id : promised) lost += leftIds.count(id) == 0 || rightIds.count(id) == 0 ? 1 : 0;
-      if (!leftIds.empty()) next = *leftIds.rbegin() + 1;
+      if (!leftIds.empty()) next = std::max(next, *leftIds.rbegin() + 1);
       delete left;
       delete right;
     } catch (const std::exception& e) {
-      ADD_FAILURE() << "cycle " << cycle << ": " << e.what();
+      ADD_FAILURE() << "cycle " << cycle << " (" << kind.how << "): " << e.what();
       ++unusable;
       break;
     }
   }
-  std::printf("crash loop: %d cycles, %zu committed records checked, %d lost, %d half transactions, "
-              "%d index disagreements, %d unusable opens, %d reader failures\n",
-              cycles, committed, lost, halves, disagreements, unusable, readerFailures);
+  std::printf("crash loop: %d cycles (transactions over both tables, lock sets over both, one transaction per "
+              "table, in turn), %zu committed records checked, %d lost, %d half transactions or lock sets, "
+              "%d index disagreements, %d unusable opens, %d reader failures, %d kills between two tables' "
+              "transactions\n",
+              cycles, committed, lost, halves, disagreements, unusable, readerFailures, split);
   EXPECT_GT(committed, 0u);
   EXPECT_EQ(lost, 0);
   EXPECT_EQ(halves, 0);
