@@ -8,5 +8,9 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 build=${BUILD_DIR:-$root/build}
 "$root/scripts/build.sh"
 cd "$build"
+# Only the figures and the verdict are shown; the exit status is ctest's.
+set +e
 CT_CRASH_CYCLES=${CT_CRASH_CYCLES:-1000} ctest --output-on-failure -V -L 'reliability|slow' --timeout 7200 "$@" |
-  grep -E "crash loop:|contention:|ctt import kill:|damage:|tests passed|Failed|FAILED" || true
+  grep -E "crash loop:|contention:|ctt import kill:|damage:|tests passed|Failed|FAILED"
+status=${PIPESTATUS[0]}
+exit "$status"
