@@ -82,7 +82,7 @@ TEST_F(Keys, IndexFieldsFollowTheCurrentIndex) {
   table->CheckSetKeyMode();
 }
 
-TEST_F(Keys, FindKeyExactPartialAndTooLong) {
+TEST_F(Keys, FindKeyExactPartialAndTooLongAndFindNearestEitherWay) {
   TCTTable* table = OpenPeople(true, "ByCity");
   EXPECT_FALSE(table->GotoKey());  // no key set yet
   EXPECT_TRUE(table->FindKey({V("Oslo"), V(4)}));
@@ -95,10 +95,9 @@ TEST_F(Keys, FindKeyExactPartialAndTooLong) {
   EXPECT_EQ(ErrorOf([&] { table->FindKey({V("Oslo"), V(4), V(1)}); }), 1125);
   table->Cancel();
   EXPECT_EQ(table->State(), fw::dsBrowse);
-}
 
-TEST_F(Keys, FindNearestHonoursDirectionAndKeyExclusive) {
-  TCTTable* table = OpenPeople();
+  // FindNearest honours its direction and KeyExclusive.
+  table->SetIndexName("ById");
   EXPECT_TRUE(table->FindNearest({V(4)}));
   EXPECT_EQ(Id(table), 4);
   EXPECT_TRUE(table->FindNearest({V(4)}, false));
@@ -112,7 +111,7 @@ TEST_F(Keys, FindNearestHonoursDirectionAndKeyExclusive) {
   EXPECT_FALSE(table->FindNearest({V(1)}, false));
 }
 
-TEST_F(Keys, SetRangeWalksOneCityAndCancelRangeRestoresAll) {
+TEST_F(Keys, SetRangeWalksOneCityCancelRangeRestoresAllAndKeyExclusiveNarrowsBothEnds) {
   TCTTable* table = OpenPeople(true, "ByCity");
   table->SetRange({V("Oslo")}, {V("Oslo")});
   EXPECT_EQ(table->RangeFlag(), Ctdb::rfRangeEnd) << "the table's flag is the driver's";
@@ -124,10 +123,9 @@ TEST_F(Keys, SetRangeWalksOneCityAndCancelRangeRestoresAll) {
   EXPECT_EQ(table->RecordCount(), 10);
   table->First();
   EXPECT_EQ(IdsToEnd(*table).size(), 10u);
-}
 
-TEST_F(Keys, KeyExclusiveMakesBothEndsOfAUserRangeExclusive) {
-  TCTTable* table = OpenPeople();
+  // KeyExclusive makes both ends of a user range exclusive.
+  table->SetIndexName("ById");
   table->SetKeyExclusive(true);
   table->SetRange({V(3)}, {V(7)});
   EXPECT_EQ(IdsToEnd(*table), (Ids{4, 5, 6}));
