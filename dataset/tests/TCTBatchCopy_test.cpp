@@ -27,17 +27,10 @@ const Amounts kStaff = {{1, -1}, {2, -1}, {3, -1}, {4, -1}, {20, -1}};
 
 class BatchCopy : public TableTest {
  protected:
-  // A closed table `name` of the fixture, on its connection.
-  TCTTable* Table(const std::string& name) {
-    TCTTable* table = NewTable(false);
-    table->SetTableName(name);
-    return table;
-  }
-
   // "staff": ID, NAME (20), CITY (16), AMOUNT, indexed by ID (unique, `unique` false: not) and
   // holding persons 1 to 4 and 20 with amount -1.
   TCTTable* MakeStaff(bool unique = true) {
-    TCTTable* staff = Table("staff");
+    TCTTable* staff = TableOn("staff");
     staff->FieldDefs()->Add("ID", fw::ftInteger);
     staff->FieldDefs()->Add("NAME", fw::ftString, 20);
     staff->FieldDefs()->Add("CITY", fw::ftString, 16);
@@ -62,7 +55,7 @@ class BatchCopy : public TableTest {
 
   // ID -> AMOUNT of every record of table `name`, read through a table of its own.
   Amounts AmountsOf(const std::string& name) {
-    TCTTable* table = Table(name);
+    TCTTable* table = TableOn(name);
     table->Open();
     Amounts amounts;
     for (table->First(); !table->Eof(); table->Next()) {
@@ -158,7 +151,7 @@ TEST_F(BatchCopy, ChecksComeFirstAndChangeNothing) {
     refused.push_back(ErrorOf([&] { copy->Execute(); }));
   });
   copy->Execute();
-  EXPECT_EQ(refused, (std::vector<int32_t>{1128, 1128, 1128}));
+  EXPECT_EQ(refused, (Ids{1128, 1128, 1128}));
   EXPECT_EQ(copy->CopyMode(), cmAppendUpdate);
   EXPECT_EQ(copy->RecordsCopied(), 10);
 }
@@ -168,7 +161,7 @@ TEST_F(BatchCopy, AFailingFieldEndsTheBatchOrIsSkippedAsContinueSays) {
   // AMOUNT holds whole numbers only (70.5 of person 7 does not fit), NAME five characters
   // ("Dagmar" of person 8 does not). Made anew for each run.
   auto makeNarrow = [this] {
-    TCTTable* narrow = Table("narrow");
+    TCTTable* narrow = TableOn("narrow");
     narrow->FieldDefs()->Add("ID", fw::ftInteger);
     narrow->FieldDefs()->Add("NAME", fw::ftString, 5);
     narrow->FieldDefs()->Add("AMOUNT", fw::ftInteger);
@@ -211,15 +204,15 @@ TEST_F(BatchCopy, AFailingFieldEndsTheBatchOrIsSkippedAsContinueSays) {
   copy->Execute();
   EXPECT_EQ(copy->RecordsCopied(), 10);
   narrow->Open();
-  ASSERT_TRUE(narrow->FindKey({fw::Variant(int32_t{7})}));
+  ASSERT_TRUE(narrow->FindKey({V(7)}));
   EXPECT_EQ(narrow->FieldByName("AMOUNT")->AsInteger(), 0);  // integers have no null: the new record's 0
-  ASSERT_TRUE(narrow->FindKey({fw::Variant(int32_t{8})}));
+  ASSERT_TRUE(narrow->FindKey({V(8)}));
   EXPECT_TRUE(narrow->FieldByName("NAME")->IsNull());
   EXPECT_EQ(narrow->FieldByName("AMOUNT")->AsInteger(), 80);
 }
 
 TEST_F(BatchCopy, CopiesMemoAndBlobFieldsMatchedByName) {
-  TCTTable* notes = Table("notes");
+  TCTTable* notes = TableOn("notes");
   notes->FieldDefs()->Add("ID", fw::ftInteger);
   notes->FieldDefs()->Add("TEXT", fw::ftMemo);
   notes->FieldDefs()->Add("DATA", fw::ftBlob);
@@ -228,9 +221,9 @@ TEST_F(BatchCopy, CopiesMemoAndBlobFieldsMatchedByName) {
   notes->Open();
   const std::string text(3000, 'm');
   const std::string data("\0\1\2\0\xff", 5);
-  notes->AppendRecord({fw::Variant(int32_t{1}), fw::Variant(text), fw::VarByteArrayOf(data.data(), data.size())});
+  notes->AppendRecord({V(1), fw::Variant(text), fw::VarByteArrayOf(data.data(), data.size())});
   // Fields in another order, one the source lacks (left as a new record has it), ID as a float.
-  TCTTable* archive = Table("archive");
+  TCTTable* archive = TableOn("archive");
   archive->FieldDefs()->Add("DATA", fw::ftBlob);
   archive->FieldDefs()->Add("STAMP", fw::ftInteger);
   archive->FieldDefs()->Add("ID", fw::ftFloat);

@@ -129,7 +129,7 @@ TEST_F(BlobTable, MemoAndBinaryFieldsRoundTripAndSurviveEditsOfOtherFields) {
   EXPECT_EQ(Stored(1, "PHOTO"), Photo());
 }
 
-TEST_F(BlobTable, CancelDiscardsWrittenBlobs) {
+TEST_F(BlobTable, CancelDiscardsWrittenBlobsAndAModifiedOneIsNotReloaded) {
   TCTTable* table = Docs();
   table->Edit();
   Note(*table)->SetAsString("changed");
@@ -146,10 +146,9 @@ TEST_F(BlobTable, CancelDiscardsWrittenBlobs) {
   table->Cancel();
   EXPECT_EQ(table->RecordCount(), 2);
   EXPECT_EQ(Stored(1, "NOTE"), kNoteText);
-}
 
-TEST_F(BlobTable, AModifiedFieldIsNotReloadedAndWriteModeEmptiesAtOnce) {
-  TCTTable* table = Docs();
+  // A modified field is not reloaded, and write mode empties it at once.
+  table->First();
   table->Edit();
   {
     std::unique_ptr<fw::TStream> stream = table->CreateBlobStream(Note(*table), fw::bmWrite);
@@ -188,7 +187,7 @@ TEST_F(BlobTable, SeekIsNotClampedAndTruncateCutsAtThePosition) {
   EXPECT_EQ(Stored(2, "PHOTO"), std::string("abc\0", 4));
 }
 
-TEST_F(BlobTable, OnlyWrittenStreamsSendAFieldChange) {
+TEST_F(BlobTable, OnlyWrittenStreamsSendAFieldChangeAndWritableOnesNeedAnEditableField) {
   TCTTable* table = Docs();
   int changes = 0;
   Note(*table)->OnChange = [&changes](fw::TField*) { ++changes; };
@@ -200,10 +199,9 @@ TEST_F(BlobTable, OnlyWrittenStreamsSendAFieldChange) {
   Note(*table)->SetAsString("x");
   EXPECT_EQ(changes, 1);
   EXPECT_TRUE(table->Modified());
-}
+  table->Cancel();
 
-TEST_F(BlobTable, WritableStreamsNeedAnEditingStateAndAWritableField) {
-  TCTTable* table = Docs();
+  // Writable streams need an editing state and a writable field.
   EXPECT_EQ(ErrorOf([&] { table->CreateBlobStream(Note(*table), fw::bmWrite); }), 1121);
   EXPECT_EQ(ErrorOf([&] { table->CreateBlobStream(Note(*table), fw::bmReadWrite); }), 1121);
   table->Edit();

@@ -1,34 +1,18 @@
 // TCTMasterDataLink and TCTTable's master/detail linking over real engine files.
 #include "Exception.h"
-#include "TClassInfo.h"
 #include "TDataSource.h"
 #include "TField.h"
-#include "TReader.h"
 #include "TWriter.h"
 #include "TableTestSupport.h"
 
 namespace CTTables::testing {
 namespace {
 
-class TLinkForm : public fw::TComponent {
- public:
-  explicit TLinkForm(fw::TComponent* AOwner) : fw::TComponent(AOwner) {}
-  static const fw::TClassInfo& StaticClass() {
-    static const fw::TClassInfo info =
-        fw::TClassBuilder<TLinkForm>("TLinkForm", &fw::TComponent::StaticClass()).Creatable().Build();
-    return info;
-  }
-  const fw::TClassInfo& ClassType() const override { return StaticClass(); }
-};
-
-fw::Variant V(int32_t value) { return fw::Variant(value); }
-fw::Variant V(const char* value) { return fw::Variant(std::string(value)); }
-
 // Customers 1..3 (3 has no orders) and orders 10..14 keyed by CUSTNO;ORDNO.
 class MasterDetail : public TableTest {
  protected:
   void SetUp() override {
-    TCTTable* cust = Table("cust");
+    TCTTable* cust = TableOn("cust");
     cust->FieldDefs()->Add("CUSTNO", fw::ftInteger);
     cust->FieldDefs()->Add("NAME", fw::ftString, 20);
     cust->IndexDefs()->Add("ByNo", "CUSTNO", "", true, false, {fw::ixPrimary, fw::ixUnique});
@@ -36,7 +20,7 @@ class MasterDetail : public TableTest {
     cust->Open();
     for (int32_t i = 1; i <= 3; ++i) cust->AppendRecord({V(i), V(i == 2 ? "1" : "Name")});
     cust->Close();
-    TCTTable* ords = Table("ords");
+    TCTTable* ords = TableOn("ords");
     ords->FieldDefs()->Add("ORDNO", fw::ftInteger);
     ords->FieldDefs()->Add("CUSTNO", fw::ftInteger);
     ords->FieldDefs()->Add("NOTE", fw::ftString, 12);
@@ -47,27 +31,19 @@ class MasterDetail : public TableTest {
     const int32_t owner[] = {2, 1, 2, 1, 2};
     for (int32_t i = 0; i < 5; ++i) ords->AppendRecord({V(10 + i), V(owner[i]), V("x")});
     ords->Close();
-    Master = Table("cust");
+    Master = TableOn("cust");
     Master->Open();
     Source = new fw::TDataSource(Owner.get());
     Source->SetDataSet(Master);
-    Detail = Table("ords");
+    Detail = TableOn("ords");
     Detail->SetIndexName("ByCust");
     Detail->SetMasterSource(Source);
     Detail->SetMasterFields("CUSTNO");
     Detail->Open();
   }
 
-  TCTTable* Table(const char* name) {
-    auto* table = new TCTTable(Owner.get());
-    table->SetConnection(Conn);
-    table->SetDatabase(Dir.string());
-    table->SetTableName(name);
-    return table;
-  }
-
-  std::vector<int32_t> Orders() {
-    std::vector<int32_t> ids;
+  Ids Orders() {
+    Ids ids;
     for (Detail->First(); !Detail->Eof(); Detail->Next()) ids.push_back(Detail->FieldByName("ORDNO")->AsInteger());
     return ids;
   }
@@ -76,8 +52,6 @@ class MasterDetail : public TableTest {
   fw::TDataSource* Source = nullptr;
   TCTTable* Detail = nullptr;
 };
-
-using Ids = std::vector<int32_t>;
 
 TEST_F(MasterDetail, DetailFollowsTheMastersCurrentRecord) {
   EXPECT_EQ(Detail->RangeFlag(), rfMasterDetail);
@@ -126,7 +100,7 @@ TEST_F(MasterDetail, ClosedOrFreedMasterLeavesTheDetailUnrestricted) {
   EXPECT_EQ(Orders(), (Ids{11, 13}));
   delete Master;
   EXPECT_EQ(Orders(), (Ids{11, 13, 10, 12, 14}));
-  Master = Table("cust");
+  Master = TableOn("cust");
   Master->Open();
   Source->SetDataSet(Master);
   EXPECT_EQ(Orders(), (Ids{11, 13}));
@@ -179,14 +153,14 @@ TEST_F(MasterDetail, FieldListsTakeTheirSideOfEachPair) {
 // A BCD master value reaches the detail's key with all its digits, and a memo master value is
 // read through its blob stream into a text key.
 TEST_F(MasterDetail, BcdAndMemoMasterValuesRestrictTheDetail) {
-  TCTTable* accounts = Table("accounts");
+  TCTTable* accounts = TableOn("accounts");
   accounts->FieldDefs()->Add("AMOUNT", fw::ftBCD, 4);
   accounts->FieldDefs()->Add("TAG", fw::ftMemo);
   accounts->CreateTable();
   accounts->Open();
   accounts->AppendRecord({fw::Variant(std::string("123456789012.3456")), V("north")});
   accounts->AppendRecord({fw::Variant(std::string("123456789012.3457")), V("south")});
-  TCTTable* entries = Table("entries");
+  TCTTable* entries = TableOn("entries");
   entries->FieldDefs()->Add("AMOUNT", fw::ftBCD, 4);
   entries->FieldDefs()->Add("TAG", fw::ftString, 10);
   entries->FieldDefs()->Add("NO", fw::ftInteger);
@@ -223,18 +197,13 @@ TEST_F(MasterDetail, BcdAndMemoMasterValuesRestrictTheDetail) {
 }
 
 TEST_F(MasterDetail, FormFilesLoadAndSaveTheLink) {
-  fw::RegisterClass(TLinkForm::StaticClass());
   fw::RegisterClass(fw::TDataSource::StaticClass());
-  const std::string table = "    Connection = Db\n    Database = '" + Dir.string() + "'\n";
-  const std::string form = "object Root: TLinkForm\n"
-                           "  object Db: TCTConnection\n  end\n"
-                           "  object Ords: TCTTable\n" + table +
-                           "    TableName = 'ords'\n    IndexName = 'ByCust'\n"
-                           "    MasterSource = CustSource\n    MasterFields = 'CUSTNO'\n    Active = True\n  end\n"
-                           "  object CustSource: TDataSource\n    DataSet = Cust\n  end\n"
-                           "  object Cust: TCTTable\n" + table + "    TableName = 'cust'\n    Active = True\n  end\n"
-                           "end\n";
-  fw::TComponentPtr<fw::TComponent> root(fw::ReadComponentText(form));
+  const std::string dir = Dir.string();
+  auto root = ReadForm(FormText(
+      TableText("Ords", dir, "    TableName = 'ords'\n    IndexName = 'ByCust'\n    MasterSource = CustSource\n"
+                             "    MasterFields = 'CUSTNO'\n    Active = True\n") +
+      "  object CustSource: TDataSource\n    DataSet = Cust\n  end\n" +
+      TableText("Cust", dir, "    TableName = 'cust'\n    Active = True\n")));
   auto* ords = dynamic_cast<TCTTable*>(root->FindComponent("Ords"));
   ASSERT_NE(ords, nullptr);
   EXPECT_EQ(ords->MasterFields(), "CUSTNO");

@@ -2,10 +2,9 @@
 // number and leaves the table closed; damaged lock files are made afresh and every row reads back.
 #include <lmdb.h>
 
-#include <fstream>
 #include <functional>
-#include <iterator>
 
+#include "DamagedFiles.h"
 #include "TField.h"
 #include "TableTestSupport.h"
 
@@ -14,15 +13,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string Load(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-void Store(const fs::path& path, const std::string& bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
+using ct::testsupport::Load;
+using ct::testsupport::Store;
 
 // Changes one entry of the engine's "meta" database with LMDB directly (FORMAT.md names them).
 void Rewrite(const fs::path& file, const std::string& key, const std::function<void(std::string&)>& change) {
@@ -44,6 +36,7 @@ void Rewrite(const fs::path& file, const std::string& key, const std::function<v
   mdb_env_close(env);
 }
 
+// Damage to the engine's own records and to the index file, beyond the shared data-file damage.
 struct Damage {
   const char* name;
   int32_t error;  // what Open raises
@@ -51,15 +44,6 @@ struct Damage {
 };
 
 const Damage kDamages[] = {
-    {"data file cut in half", 803, [](const fs::path& d, const fs::path&) { fs::resize_file(d, fs::file_size(d) / 2); }},
-    {"data file emptied", 803, [](const fs::path& d, const fs::path&) { fs::resize_file(d, 0); }},
-    {"a text file in its place", 803, [](const fs::path& d, const fs::path&) { Store(d, "ID;NAME\n1;Arvid\n"); }},
-    {"meta page's commit number flipped", 803,
-     [](const fs::path& d, const fs::path&) {
-       std::string bytes = Load(d);
-       bytes[4096 + 144] ^= 1;
-       Store(d, bytes);
-     }},
     {"header's magic changed", 803, [](const fs::path& d, const fs::path&) { Rewrite(d, "hdr", [](std::string& v) { v[0] = 'X'; }); }},
     {"definition image cut", 803, [](const fs::path& d, const fs::path&) { Rewrite(d, "ifil", [](std::string& v) { v.resize(v.size() / 2); }); }},
     {"schema image cut", 803, [](const fs::path& d, const fs::path&) { Rewrite(d, "doda", [](std::string& v) { v.pop_back(); }); }},
@@ -73,7 +57,16 @@ TEST_F(TableDamage, OpenRaisesTheEnginesErrorAndLeavesTheTableClosed) {
   FillPeople();
   const fs::path data = Dir / "people", index = Dir / "people.idx";
   const std::string soundData = Load(data), soundIndex = Load(index);
-  for (const Damage& damage : kDamages) {
+  std::vector<Damage> damages(std::begin(kDamages), std::end(kDamages));
+  for (const auto& kind : ct::testsupport::DataFileDamages()) {
+    if (!kind.FoundAtOpen) continue;
+    damages.push_back({kind.Name, 803, [&kind](const fs::path& d, const fs::path&) {
+                         std::string bytes = Load(d);
+                         kind.Apply(bytes);
+                         Store(d, bytes);
+                       }});
+  }
+  for (const Damage& damage : damages) {
     SCOPED_TRACE(damage.name);
     Store(data, soundData);
     Store(index, soundIndex);
@@ -98,17 +91,17 @@ TEST_F(TableDamage, FieldRunningPastTheRecordIsRefusedWhereverItIsUsed) {
   table->Edit();
   EXPECT_EQ(ErrorOf([&] { table->FieldByName("AMOUNT")->SetAsFloat(3.5); }), 1112);
   table->Cancel();
-  EXPECT_EQ(IdsToEnd(*table), std::vector<int32_t>({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
+  EXPECT_EQ(IdsToEnd(*table), Ids({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
 }
 
 TEST_F(TableDamage, GarbageLockFilesAreMadeAfreshAndEveryRowReadsBack) {
   FillPeople();
-  for (const char* file : {"people-lock", "people-rlock", "people.idx-lock", "people.idx-rlock"}) {
+  for (const std::string& file : ct::testsupport::LockFiles("people")) {
     SCOPED_TRACE(file);
     Store(Dir / file, std::string(5000, '\xa5'));
     TCTTable* table = NewTable(false);
     table->Open();
-    EXPECT_EQ(IdsToEnd(*table), std::vector<int32_t>({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
+    EXPECT_EQ(IdsToEnd(*table), Ids({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
     table->Edit();
     table->FieldByName("CITY")->SetAsString("Narvik");
     table->Post();

@@ -9,16 +9,6 @@ namespace {
 
 using Filtering = TableTest;
 
-std::vector<int32_t> IdsBackwards(TCTTable& table) {
-  std::vector<int32_t> ids;
-  table.Last();
-  while (!table.Bof()) {
-    ids.push_back(table.FieldByName("ID")->AsInteger());
-    table.Prior();
-  }
-  return ids;
-}
-
 // Adds a person through the table; an empty text leaves the field blank.
 void Add(TCTTable& table, int32_t id, const std::string& name, const std::string& amount) {
   table.Append();
@@ -37,8 +27,8 @@ TEST_F(Filtering, FilterTextSelectsRecordsForwardsBackwardsAndWithinARange) {
   EXPECT_FALSE(table->Filtered());
   EXPECT_EQ(IdsToEnd(*table).size(), 10u);
   table->SetFiltered(true);
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{4, 7, 10}));
-  EXPECT_EQ(IdsBackwards(*table), (std::vector<int32_t>{10, 7, 4}));
+  EXPECT_EQ(IdsToEnd(*table), (Ids{4, 7, 10}));
+  EXPECT_EQ(IdsBackwards(*table), (Ids{10, 7, 4}));
   EXPECT_EQ(table->RecordCount(), 10);  // counts come from the unfiltered table
 
   table->First();
@@ -51,7 +41,7 @@ TEST_F(Filtering, FilterTextSelectsRecordsForwardsBackwardsAndWithinARange) {
   table->SetIndexName("ByCity");
   table->SetFilter("\"ID\" >= 7");  // re-opening drops a range: set it afterwards
   table->SetRange({fw::Variant(std::string("Oslo"))}, {fw::Variant(std::string("Oslo"))});
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{7, 10}));
+  EXPECT_EQ(IdsToEnd(*table), (Ids{7, 10}));
 }
 
 TEST_F(Filtering, SettingTheSameFilterAgainStartsFromTheFirstRecord) {
@@ -76,7 +66,7 @@ TEST_F(Filtering, TheHandlerIsAskedFirstAndItsRejectionWins) {
     accept = ds->FieldByName("ID")->AsInteger() != 7;
   });
   EXPECT_TRUE(table->Filtered());
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{2, 4, 10}));
+  EXPECT_EQ(IdsToEnd(*table), (Ids{2, 4, 10}));
   EXPECT_EQ(asked.size(), 10u);
   EXPECT_EQ(table->State(), fw::dsBrowse);
 
@@ -85,15 +75,25 @@ TEST_F(Filtering, TheHandlerIsAskedFirstAndItsRejectionWins) {
   table->SetOnFilterRecord(nullptr);  // clearing the handler switches filtering on as well
   EXPECT_TRUE(table->Active());
   EXPECT_TRUE(table->Filtered());
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{2, 4, 7, 10}));
+  EXPECT_EQ(IdsToEnd(*table), (Ids{2, 4, 7, 10}));
   table->SetFilter("");
   EXPECT_EQ(IdsToEnd(*table).size(), 10u);
+
+  // A handler rejecting everything at open runs to the end: an empty table.
+  table->Close();
+  int seen = 0;
+  table->SetOnFilterRecord([&seen](fw::TDataSet*, bool& accept) {
+    ++seen;
+    accept = false;
+  });
+  table->Open();
+  EXPECT_TRUE(table->IsEmpty());
+  EXPECT_TRUE(table->Eof());
+  EXPECT_GE(seen, 10);
 }
 
 TEST_F(Filtering, NullTextValuesAndValuesWithBlanksFollowTheSubstitution) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  TCTTable* table = OpenPeople();
   Add(*table, 11, "", "");
   Add(*table, 12, "Van Dyke", "12");
   table->SetFiltered(true);
@@ -113,10 +113,7 @@ TEST_F(Filtering, NullTextValuesAndValuesWithBlanksFollowTheSubstitution) {
 }
 
 TEST_F(Filtering, ABooleanFieldAloneAcceptsTheRecordsInWhichItIsTrue) {
-  auto* table = new TCTTable(Owner.get());
-  table->SetConnection(Conn);
-  table->SetDatabase(Dir.string());
-  table->SetTableName("flags");
+  TCTTable* table = TableOn("flags", true);
   table->FieldDefs()->Add("ID", fw::ftInteger, 0);
   table->FieldDefs()->Add("ACTIVE", fw::ftBoolean, 0);
   table->IndexDefs()->Add("ById", "ID", "", true, false, {fw::ixPrimary, fw::ixUnique});
@@ -141,9 +138,7 @@ TEST_F(Filtering, ABooleanFieldAloneAcceptsTheRecordsInWhichItIsTrue) {
 }
 
 TEST_F(Filtering, ErrorsOfTheTextRaiseDuringTheFetchWithTheStateRestored) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  TCTTable* table = OpenPeople();
   table->SetFiltered(true);
   // 70.5 is not an integer: the comparison is numeric because both sides begin with a digit.
   EXPECT_THROW(
@@ -158,7 +153,7 @@ TEST_F(Filtering, ErrorsOfTheTextRaiseDuringTheFetchWithTheStateRestored) {
   EXPECT_THROW(table->SetFilter("\"ID\" == 1"), UnitFilterParser::EConvertStringError);
   EXPECT_NE(table->State(), fw::dsFilter);
   table->SetFilter("\"ID\" = 3");
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{3}));
+  EXPECT_EQ(IdsToEnd(*table), (Ids{3}));
   // A parenthesis in a value is counted like one in the text.
   Add(*table, 11, "Kim (Jr", "1");
   EXPECT_THROW(
@@ -198,13 +193,11 @@ TEST_F(Filtering, AFilterReadFromAFormOpensTheTableOnceLoaded) {
   auto* table = dynamic_cast<TCTTable*>(Owner->FindComponent("People"));
   ASSERT_NE(table, nullptr);
   EXPECT_TRUE(table->Active());
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{2, 4, 7, 10}));
+  EXPECT_EQ(IdsToEnd(*table), (Ids{2, 4, 7, 10}));
 }
 
 TEST_F(Filtering, TheConditionListIsKeptAsDataOnly) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  TCTTable* table = OpenPeople();
   table->AddFilterCondition("CITY", 42, cfcNotEqual, fw::Variant(std::string("Oslo")));
   table->AddFilterCondition("ID", -1, cfcGTEqual, fw::Variant(3));
   table->SetFiltered(true);

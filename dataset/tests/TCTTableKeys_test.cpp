@@ -8,9 +8,6 @@ namespace {
 
 using Keys = TableTest;
 
-fw::Variant V(int32_t value) { return fw::Variant(value); }
-fw::Variant V(const char* value) { return fw::Variant(std::string(value)); }
-
 TEST_F(Keys, IndexDefsDescribeEveryIndexAndRefuseDuplicates) {
   FillPeople();
   TCTTable* table = NewTable();
@@ -33,22 +30,16 @@ TEST_F(Keys, IndexDefsDescribeEveryIndexAndRefuseDuplicates) {
   EXPECT_EQ(copy.Count(), 3);
   EXPECT_EQ(copy.Items(1)->GetFields(), "CITY;ID");
   EXPECT_TRUE(copy.Items(0)->Flag4());
-}
 
-TEST_F(Keys, GetIndexNamesSkipsUnnamedDefinitions) {
-  FillPeople();
-  TCTTable* table = NewTable();
   table->Open();
-  fw::TStringList names;
-  table->GetIndexNames(names);
   table->IndexDefs()->Add("", "NAME", "", false, false, {});  // the framework names it
+  names.Clear();
+  table->GetIndexNames(names);  // unnamed definitions are skipped
   EXPECT_EQ(names.Count(), 3);
 }
 
 TEST_F(Keys, DescriptorCodingRoundTrips) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  TCTTable* table = OpenPeople();
   Ctdb::CTIdxDesc desc;
   fw::TIndexOptions options{fw::ixUnique, fw::ixDescending, fw::ixExpression};
   table->EncodeIndexDesc(desc, "dir/ByTwo", "CITY; NAME", "CITY+NAME", true, false, options);
@@ -91,49 +82,40 @@ TEST_F(Keys, IndexFieldsFollowTheCurrentIndex) {
   table->CheckSetKeyMode();
 }
 
-TEST_F(Keys, FindKeyExactPartialAndTooLong) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->SetIndexName("ByCity");
-  table->Open();
+TEST_F(Keys, FindKeyExactPartialAndTooLongAndFindNearestEitherWay) {
+  TCTTable* table = OpenPeople(true, "ByCity");
   EXPECT_FALSE(table->GotoKey());  // no key set yet
   EXPECT_TRUE(table->FindKey({V("Oslo"), V(4)}));
   EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Dorit");
   EXPECT_FALSE(table->FindKey({V("Oslo"), V(5)}));
   // Only the leading field: the first Tromso record.
   EXPECT_TRUE(table->FindKey({V("Tromso")}));
-  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 5);
+  EXPECT_EQ(Id(table), 5);
   EXPECT_FALSE(table->FindKey({V("Paris")}));
   EXPECT_EQ(ErrorOf([&] { table->FindKey({V("Oslo"), V(4), V(1)}); }), 1125);
   table->Cancel();
   EXPECT_EQ(table->State(), fw::dsBrowse);
-}
 
-TEST_F(Keys, FindNearestHonoursDirectionAndKeyExclusive) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  // FindNearest honours its direction and KeyExclusive.
+  table->SetIndexName("ById");
   EXPECT_TRUE(table->FindNearest({V(4)}));
-  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 4);
+  EXPECT_EQ(Id(table), 4);
   EXPECT_TRUE(table->FindNearest({V(4)}, false));
-  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 4);
+  EXPECT_EQ(Id(table), 4);
   table->SetKeyExclusive(true);
   EXPECT_TRUE(table->FindNearest({V(4)}));
-  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 5);
+  EXPECT_EQ(Id(table), 5);
   EXPECT_TRUE(table->FindNearest({V(4)}, false));
-  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 3);
+  EXPECT_EQ(Id(table), 3);
   EXPECT_FALSE(table->FindNearest({V(10)}));
   EXPECT_FALSE(table->FindNearest({V(1)}, false));
 }
 
-TEST_F(Keys, SetRangeWalksOneCityAndCancelRangeRestoresAll) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->SetIndexName("ByCity");
-  table->Open();
+TEST_F(Keys, SetRangeWalksOneCityCancelRangeRestoresAllAndKeyExclusiveNarrowsBothEnds) {
+  TCTTable* table = OpenPeople(true, "ByCity");
   table->SetRange({V("Oslo")}, {V("Oslo")});
   EXPECT_EQ(table->RangeFlag(), Ctdb::rfRangeEnd) << "the table's flag is the driver's";
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{2, 4, 7, 10}));
+  EXPECT_EQ(IdsToEnd(*table), (Ids{2, 4, 7, 10}));
   EXPECT_EQ(table->RecordCount(), 4);
   EXPECT_FALSE(table->FindKey({V("Bergen"), V(1)}));  // outside the range
   table->CancelRange();
@@ -141,24 +123,19 @@ TEST_F(Keys, SetRangeWalksOneCityAndCancelRangeRestoresAll) {
   EXPECT_EQ(table->RecordCount(), 10);
   table->First();
   EXPECT_EQ(IdsToEnd(*table).size(), 10u);
-}
 
-TEST_F(Keys, KeyExclusiveMakesBothEndsOfAUserRangeExclusive) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  // KeyExclusive makes both ends of a user range exclusive.
+  table->SetIndexName("ById");
   table->SetKeyExclusive(true);
   table->SetRange({V(3)}, {V(7)});
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{4, 5, 6}));
+  EXPECT_EQ(IdsToEnd(*table), (Ids{4, 5, 6}));
   table->SetKeyExclusive(false);
   table->ApplyRange();
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{3, 4, 5, 6, 7}));
+  EXPECT_EQ(IdsToEnd(*table), (Ids{3, 4, 5, 6, 7}));
 }
 
 TEST_F(Keys, RangeEditingStartsEmptyAndPostKeepsTheBuffers) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  TCTTable* table = OpenPeople();
   table->SetRangeStart();
   table->FieldByName("ID")->SetAsInteger(8);
   table->SetRangeEnd();
@@ -167,19 +144,19 @@ TEST_F(Keys, RangeEditingStartsEmptyAndPostKeepsTheBuffers) {
   EXPECT_EQ(table->State(), fw::dsBrowse);
   EXPECT_EQ(table->RecordCount(), 10);
   table->ApplyRange();
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{8, 9}));
+  EXPECT_EQ(IdsToEnd(*table), (Ids{8, 9}));
 
   // The edited start begins empty: only the end value given, the start is the lowest key.
   table->EditRangeStart();
-  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 0);
+  EXPECT_EQ(Id(table), 0);
   table->ApplyRange();
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{1, 2, 3, 4, 5, 6, 7, 8, 9}));
+  EXPECT_EQ(IdsToEnd(*table), (Ids{1, 2, 3, 4, 5, 6, 7, 8, 9}));
 }
 
-TEST_F(Keys, CancelInSetKeyStateDropsTheAppliedRange) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+// Key editing ended without values drops an applied range: by Cancel, or by Post and ApplyRange,
+// which leaves the current record where it is.
+TEST_F(Keys, KeyEditingEndedWithoutValuesDropsTheRange) {
+  TCTTable* table = OpenPeople();
   table->SetRange({V(2)}, {V(3)});
   EXPECT_EQ(table->RecordCount(), 2);
   table->EditRangeEnd();
@@ -187,29 +164,21 @@ TEST_F(Keys, CancelInSetKeyStateDropsTheAppliedRange) {
   EXPECT_EQ(table->State(), fw::dsBrowse);
   EXPECT_EQ(table->RangeFlag(), rfNone);
   EXPECT_EQ(table->RecordCount(), 10);
-}
 
-TEST_F(Keys, ApplyRangeAfterSetKeyRemovesTheRangeWithoutMoving) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
   table->SetRange({V(2)}, {V(6)});
   table->Next();
   table->Next();
-  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 4);
+  EXPECT_EQ(Id(table), 4);
   table->SetKey();
   table->Post();
   table->ApplyRange();
   EXPECT_EQ(table->RangeFlag(), rfNone);
   EXPECT_EQ(table->RecordCount(), 10);
-  EXPECT_EQ(table->FieldByName("ID")->AsInteger(), 4);
+  EXPECT_EQ(Id(table), 4);
 }
 
 TEST_F(Keys, KeyFieldListNeverEmpties) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->SetIndexName("ByCity");
-  table->Open();
+  TCTTable* table = OpenPeople(true, "ByCity");
   table->FindKey({V("Oslo"), V(2)});
   EXPECT_EQ(table->KeyFieldNames().Count(), 2);
   table->CancelRange();
@@ -221,18 +190,13 @@ TEST_F(Keys, KeyFieldListNeverEmpties) {
   EXPECT_TRUE(table->IsEmpty());
 }
 
-TEST_F(Keys, IndexRecordHookIsInstalledOnlyOutsideLoading) {
-  MakePeople();
+TEST_F(Keys, IndexRecordHandlerIsInstalledOnTheConnectionSeesTheOfferedRecordAndDecides) {
+  FillPeople();
   TCTTable* table = NewTable();
   table->SetOnIndexRecord([](Ctdb::TCTCustomDataSet*, const std::string&, bool&) {});
   EXPECT_TRUE(static_cast<bool>(Conn->OnIndexKey));
   table->SetOnIndexRecord(nullptr);
   EXPECT_FALSE(static_cast<bool>(Conn->OnIndexKey));
-}
-
-TEST_F(Keys, IndexRecordHandlerSeesTheOfferedRecordAndDecides) {
-  FillPeople();
-  TCTTable* table = NewTable();
   std::vector<std::string> asked;
   table->SetOnIndexRecord([&asked](Ctdb::TCTCustomDataSet* ds, const std::string& index, bool& accept) {
     asked.push_back(index + ":" + ds->FieldByName("NAME")->AsString());

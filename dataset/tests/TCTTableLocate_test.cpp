@@ -1,10 +1,8 @@
 // TCTTable: Locate, Lookup and lookup fields over real engine files.
 #include <cstdio>
 
-#include "TClassInfo.h"
 #include "TField.h"
 #include "TNumericField.h"
-#include "TReader.h"
 #include "TStringField.h"
 #include "TableTestSupport.h"
 
@@ -13,14 +11,9 @@ namespace {
 
 using Locate = TableTest;
 
-fw::Variant V(int32_t value) { return fw::Variant(value); }
-fw::Variant V(const char* value) { return fw::Variant(std::string(value)); }
-fw::Variant V(double value) { return fw::Variant(value); }
 const fw::TLocateOptions kPartial{fw::loPartialKey};
 const fw::TLocateOptions kCaseless{fw::loCaseInsensitive};
 const fw::TLocateOptions kBoth{fw::loPartialKey, fw::loCaseInsensitive};
-
-int32_t Id(TCTTable* table) { return table->FieldByName("ID")->AsInteger(); }
 
 // Appends people through the table (the fixture's ten are added by FillPeople).
 void Add(TCTTable* table, int32_t id, const fw::Variant& name, const char* city, const fw::Variant& amount) {
@@ -28,9 +21,7 @@ void Add(TCTTable* table, int32_t id, const fw::Variant& name, const char* city,
 }
 
 TEST_F(Locate, SeeksByIndexAndLeavesIndexAndOrderAlone) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  TCTTable* table = OpenPeople();
   EXPECT_TRUE(table->Locate("id", V(8), {}));
   EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Dagmar");
   EXPECT_EQ(table->IndexName(), "ById");
@@ -59,9 +50,7 @@ TEST_F(Locate, SeeksByIndexAndLeavesIndexAndOrderAlone) {
 }
 
 TEST_F(Locate, FailedSearchesMoveNothing) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  TCTTable* table = OpenPeople();
   table->SetIndexName("ByName");
   table->Locate("NAME", V("Greta"), {});
   int scrolls = 0;
@@ -80,9 +69,7 @@ TEST_F(Locate, FailedSearchesMoveNothing) {
 }
 
 TEST_F(Locate, MoreCoveredFieldsWinAndTiesKeepTheLowerOrdinal) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  TCTTable* table = OpenPeople();
   // Case-insensitive indexes behind case-sensitive ones: which one ran shows in what is found.
   table->AddIndex("ByNameNoCase", "NAME", "", true, false, {fw::ixCaseInsensitive});
   table->AddIndex("ByNameCityNoCase", "NAME;CITY", "", true, false, {fw::ixCaseInsensitive});
@@ -92,9 +79,7 @@ TEST_F(Locate, MoreCoveredFieldsWinAndTiesKeepTheLowerOrdinal) {
 }
 
 TEST_F(Locate, ReadsPastTheFilterDropsTheRangeByIndexAndPostsAPendingEdit) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  TCTTable* table = OpenPeople();
   table->SetOnFilterRecord([](fw::TDataSet* d, bool& accept) { accept = d->FieldByName("ID")->AsInteger() != 5; });
   table->SetFiltered(true);
   // A record the filter hides is found, by the index and by reading the table.
@@ -133,9 +118,7 @@ TEST_F(Locate, ReadsPastTheFilterDropsTheRangeByIndexAndPostsAPendingEdit) {
 }
 
 TEST_F(Locate, NullAndBlankKeysFindNullFields) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  TCTTable* table = OpenPeople();
   Add(table, 11, fw::Null(), "Oslo", fw::Null());
   table->First();
   EXPECT_TRUE(table->Locate("NAME", fw::Null(), {}));
@@ -161,9 +144,7 @@ TEST_F(Locate, EmptyTableFindsNothing) {
 }
 
 TEST_F(Locate, LookupReadsWithoutMoving) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  TCTTable* table = OpenPeople();
   table->SetIndexName("ByCity");
   table->Locate("ID", V(6), {});
   int scrolls = 0;
@@ -225,9 +206,7 @@ std::vector<ScanCase> ScanCases() {
 }
 
 TEST_P(ScanAgreement, BulkScanAndRecordByRecordReadingAgree) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  TCTTable* table = OpenPeople();
   table->UpdateIndexDefs();
   table->DeleteIndex("ByName");
   Add(table, 11, V(""), "Oslo", V(0.0));
@@ -250,9 +229,7 @@ TEST_P(ScanAgreement, BulkScanAndRecordByRecordReadingAgree) {
 INSTANTIATE_TEST_SUITE_P(Cases, ScanAgreement, ::testing::Range(0, static_cast<int>(ScanCases().size())));
 
 TEST_F(Locate, LongScansFindTheFirstRecordInIndexOrder) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  TCTTable* table = OpenPeople();
   // The matches lie past the head of the index, where the table is read in physical order:
   // there they lie in the reverse of their name order, and the first one has a blank name,
   // which ByName (storing no blank keys) does not hold.
@@ -278,40 +255,27 @@ TEST_F(Locate, LongScansFindTheFirstRecordInIndexOrder) {
 
 // ---- lookup fields ----------------------------------------------------------------------------
 
-class TLocateForm : public fw::TComponent {
- public:
-  explicit TLocateForm(fw::TComponent* AOwner) : fw::TComponent(AOwner) {}
-  static const fw::TClassInfo& StaticClass() {
-    static const fw::TClassInfo info =
-        fw::TClassBuilder<TLocateForm>("TLocateForm", &fw::TComponent::StaticClass()).Creatable().Build();
-    return info;
-  }
-  const fw::TClassInfo& ClassType() const override { return StaticClass(); }
-};
-
 // People with a lookup field FIRST: the name of the first person (in ByCity order) of their
 // city, read from a second table on the same file.
 std::string LookupForm(const std::string& dir, bool cached) {
-  const std::string table = "    Connection = Db\n    Database = '" + dir + "'\n    TableName = 'people'\n";
-  return "object Root: TLocateForm\n"
-         "  object Db: TCTConnection\n  end\n"
-         "  object Cities: TCTTable\n" + table + "    Active = True\n  end\n"
-         "  object People: TCTTable\n" + table + "    Active = True\n"
-         "    object PeopleID: TIntegerField\n      FieldName = 'ID'\n    end\n"
-         "    object PeopleNAME: TStringField\n      FieldName = 'NAME'\n    end\n"
-         "    object PeopleCITY: TStringField\n      FieldName = 'CITY'\n      Size = 16\n    end\n"
-         "    object PeopleFIRST: TStringField\n      FieldKind = fkLookup\n      FieldName = 'FIRST'\n"
-         "      KeyFields = 'CITY'\n      LookupDataSet = Cities\n      LookupKeyFields = 'CITY'\n"
-         "      LookupResultField = 'NAME'\n" + std::string(cached ? "      LookupCache = True\n" : "") +
-         "    end\n  end\nend\n";
+  const std::string people = "    TableName = 'people'\n    Active = True\n";
+  return FormText(TableText("Cities", dir, people) +
+                  TableText("People", dir, people +
+                  "    object PeopleID: TIntegerField\n      FieldName = 'ID'\n    end\n"
+                  "    object PeopleNAME: TStringField\n      FieldName = 'NAME'\n    end\n"
+                  "    object PeopleCITY: TStringField\n      FieldName = 'CITY'\n      Size = 16\n    end\n"
+                  "    object PeopleFIRST: TStringField\n      FieldKind = fkLookup\n      FieldName = 'FIRST'\n"
+                  "      KeyFields = 'CITY'\n      LookupDataSet = Cities\n      LookupKeyFields = 'CITY'\n"
+                  "      LookupResultField = 'NAME'\n" + std::string(cached ? "      LookupCache = True\n" : "") +
+                  "    end\n"));
 }
 
 class LookupFields : public TableTest, public ::testing::WithParamInterface<bool> {};
 
 TEST_P(LookupFields, FollowBrowsingEditingAndChangesOfTheLookupTable) {
   FillPeople();
-  fw::RegisterClasses({&TLocateForm::StaticClass(), &fw::TIntegerField::StaticClass(), &fw::TStringField::StaticClass()});
-  fw::TComponentPtr<fw::TComponent> root(fw::ReadComponentText(LookupForm(Dir.string(), GetParam())));
+  fw::RegisterClasses({&fw::TIntegerField::StaticClass(), &fw::TStringField::StaticClass()});
+  auto root = ReadForm(LookupForm(Dir.string(), GetParam()));
   auto* people = dynamic_cast<TCTTable*>(root->FindComponent("People"));
   auto* cities = dynamic_cast<TCTTable*>(root->FindComponent("Cities"));
   ASSERT_TRUE(people != nullptr && cities != nullptr && people->Active());

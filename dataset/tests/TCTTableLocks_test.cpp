@@ -1,4 +1,5 @@
-// TCTTable: record locks taken with Lock against another open of the same table, over real engine files.
+// TCTTable: record locks of an edit and of Lock against another open of the same table, over real
+// engine files.
 #include "TField.h"
 #include "TableTestSupport.h"
 
@@ -12,7 +13,7 @@ constexpr int32_t kLockedByAnother = 42;
 // Whether `other` can edit record `id` now (the edit is cancelled again); false when the record
 // is locked against it.
 bool CanEdit(TCTTable& other, int32_t id) {
-  EXPECT_TRUE(other.FindKey({fw::Variant(id)}));
+  EXPECT_TRUE(other.FindKey({V(id)}));
   const int32_t error = ErrorOf([&] { other.Edit(); });
   if (error == -1) {
     other.Cancel();
@@ -22,13 +23,32 @@ bool CanEdit(TCTTable& other, int32_t id) {
   return false;
 }
 
+TEST_F(Locks, TwoUsersIncrementingTheSameRecordLoseNothing) {
+  TCTTable* first = OpenPeople(false);
+  TCTTable* second = NewTable(false);
+  second->Open();
+  ASSERT_TRUE(first->FindKey({V(1)}));
+  ASSERT_TRUE(second->FindKey({V(1)}));  // both have read 10
+  first->Edit();
+  EXPECT_EQ(ErrorOf([&] { second->Edit(); }), kLockedByAnother);
+  EXPECT_EQ(second->State(), fw::dsBrowse);
+  first->FieldByName("AMOUNT")->SetAsFloat(first->FieldByName("AMOUNT")->AsFloat() + 1);
+  first->Post();
+  second->Edit();  // locks, then reads what the first one stored
+  EXPECT_EQ(second->FieldByName("AMOUNT")->AsFloat(), 11);
+  second->FieldByName("AMOUNT")->SetAsFloat(second->FieldByName("AMOUNT")->AsFloat() + 1);
+  second->Post();
+  first->Close();
+  first->Open();
+  ASSERT_TRUE(first->FindKey({V(1)}));
+  EXPECT_EQ(first->FieldByName("AMOUNT")->AsFloat(), 12);
+}
+
 TEST_F(Locks, ALockHoldsTheRecordAgainstOtherOpensUntilUnlockedOrClosed) {
-  FillPeople();
-  TCTTable* holder = NewTable(false);
+  TCTTable* holder = OpenPeople(false);
   TCTTable* other = NewTable(false);
-  holder->Open();
   other->Open();
-  ASSERT_TRUE(holder->FindKey({fw::Variant(int32_t{3})}));
+  ASSERT_TRUE(holder->FindKey({V(3)}));
   int32_t* handle = holder->Lock();
   ASSERT_NE(handle, nullptr);
   EXPECT_EQ(holder->Lock(), handle);  // the same record: the same handle
@@ -50,7 +70,7 @@ TEST_F(Locks, ALockHoldsTheRecordAgainstOtherOpensUntilUnlockedOrClosed) {
   EXPECT_DOUBLE_EQ(other->FieldByName("AMOUNT")->AsFloat(), 33);
 
   // FreeLocks forgets the handles only: the storage keeps the locks until the table closes.
-  ASSERT_TRUE(holder->FindKey({fw::Variant(int32_t{1})}));
+  ASSERT_TRUE(holder->FindKey({V(1)}));
   holder->Lock();
   holder->FreeLocks();
   EXPECT_EQ(holder->LockCount(), 0);

@@ -27,9 +27,7 @@ void NewLayout(fw::TFieldDefs& fields, TCTIndexDefs& indexes) {
 }
 
 TEST_F(Rebuild, NewLayoutKeepsEveryRecordAndTheTableStaysOpen) {
-  FillPeople();
-  TCTTable* table = NewTable(false);
-  table->Open();
+  TCTTable* table = OpenPeople(false);
   const std::set<std::string> files = FilesIn(Dir);
   table->AddIndex("Extra", "CITY;NAME", "", true, false, {});  // an index file of its own
   fw::TFieldDefs fields(nullptr);
@@ -42,14 +40,14 @@ TEST_F(Rebuild, NewLayoutKeepsEveryRecordAndTheTableStaysOpen) {
   EXPECT_EQ(table->FindField("NAME"), nullptr);
   ASSERT_NE(table->FindField("EMAIL"), nullptr);
   EXPECT_EQ(table->RecordCount(), 10);
-  ASSERT_TRUE(table->FindKey({fw::Variant(int32_t{7})}));
+  ASSERT_TRUE(table->FindKey({V(7)}));
   EXPECT_EQ(table->FieldByName("CITY")->AsString(), "Oslo");
   EXPECT_DOUBLE_EQ(table->FieldByName("AMOUNT")->AsFloat(), 70.5);
   EXPECT_TRUE(table->FieldByName("EMAIL")->IsNull());
   // The key of the moved field (AMOUNT, third now) orders by AMOUNT, not by what was third.
   table->SetIndexName("ByAmount");
   table->First();
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
+  EXPECT_EQ(IdsToEnd(*table), (Ids{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
   fw::TStringList names;
   table->GetIndexNames(names);
   EXPECT_EQ(names.IndexOf("ByName"), -1);

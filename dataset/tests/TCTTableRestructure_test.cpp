@@ -4,6 +4,7 @@
 #include "Exception.h"
 #include "TField.h"
 #include "TFieldDefs.h"
+#include "TFloatField.h"
 #include "TStringList.h"
 #include "TableTestSupport.h"
 
@@ -80,8 +81,7 @@ TEST_F(Restructure, CreatedTableKeepsItsFieldsIndexesAndRecords) {
   AddOrder(*table, 3, "Aker", 1);
   table->Close();
 
-  TCTTable* again = NewTable();
-  again->SetTableName("orders");
+  TCTTable* again = TableOn("orders", true);
   again->Open();
   const fw::TFieldDefs& fields = *again->FieldDefs();
   ASSERT_EQ(fields.Count(), 4);
@@ -93,7 +93,7 @@ TEST_F(Restructure, CreatedTableKeepsItsFieldsIndexesAndRecords) {
   again->SetIndexName("ByCustomer");
   again->First();
   EXPECT_EQ(again->FieldByName("CUSTOMER")->AsString(), "Aker");
-  EXPECT_EQ(IdsToEnd(*again), (std::vector<int32_t>{3, 1, 2}));
+  EXPECT_EQ(IdsToEnd(*again), (Ids{3, 1, 2}));
   again->SetIndexName("ById");
   again->First();
   EXPECT_DOUBLE_EQ(again->FieldByName("TOTAL")->AsFloat(), 99.25);
@@ -109,65 +109,72 @@ TEST_F(Restructure, CreateReplacesAnExistingTableAndRefusesBadDefinitions) {
   EXPECT_EQ(table->RecordCount(), 0);
   EXPECT_EQ(table->FieldDefs()->Count(), 1);
   EXPECT_THROW(table->CreateTable(), fw::EDatabaseError);  // must be inactive
-  table->Close();
 
-  TCTTable* empty = NewTable();
-  empty->SetTableName("nothing");
+  // DeleteTable closes the table and removes its files.
+  table->DeleteTable();
+  EXPECT_FALSE(table->Active());
+  EXPECT_EQ(ErrorOf([&] { table->Open(); }), 12);
+  EXPECT_EQ(ErrorOf([&] { table->DeleteTable(); }), 12);
+
+  TCTTable* empty = TableOn("nothing", true);
   EXPECT_EQ(ErrorOf([&] { empty->CreateTable(); }), 1115);
   EXPECT_FALSE(std::filesystem::exists(Dir / "nothing.idx"));
 
-  TCTTable* badKey = NewTable();
-  badKey->SetTableName("badkey");
+  TCTTable* badKey = TableOn("badkey", true);
   badKey->FieldDefs()->Add("A", fw::ftInteger);
   badKey->IndexDefs()->Add("ByB", "B", "", true, false, {});
   EXPECT_THROW(badKey->CreateTable(), std::exception);
 }
 
-TEST_F(Restructure, DeleteTableClosesAndRemovesTheFiles) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
-  table->DeleteTable();
-  EXPECT_FALSE(table->Active());
-  EXPECT_EQ(ErrorOf([&] { table->Open(); }), 12);
-  EXPECT_EQ(ErrorOf([&] { table->DeleteTable(); }), 12);
+TEST_F(Restructure, CreateTableStoresOnlyDataFields) {
+  TCTTable* table = TableOn("notes", true);
+  for (const auto& [name, kind] : {std::pair{"ID", fw::fkData}, {"TWICE", fw::fkCalculated}, {"LABEL", fw::fkLookup}}) {
+    auto* field = new fw::TFloatField(table);
+    field->SetFieldName(name);
+    field->SetFieldKind(kind);
+    field->SetDataSet(table);
+  }
+  table->IndexDefs()->Add("ById", "ID", "", true, false, {fw::ixPrimary, fw::ixUnique});
+  table->CreateTable();
+  TCTTable* reader = TableOn("notes", true);
+  reader->FieldDefs()->Update();
+  ASSERT_EQ(reader->FieldDefs()->Count(), 1);
+  EXPECT_EQ(reader->FieldDefs()->Items(0)->Name(), "ID");
 }
 
-TEST_F(Restructure, AddIndexBuildsKeysForRecordsPresent) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+TEST_F(Restructure, AddIndexBuildsKeysForRecordsPresentAndRefusesWhatItCannotBuild) {
+  TCTTable* table = OpenPeople();
   table->AddIndex("ByAmount", "AMOUNT", "", true, false, {});
   table->SetIndexName("ByAmount");
   ASSERT_EQ(table->IndexName(), "ByAmount");
   table->First();
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
-
+  EXPECT_EQ(IdsToEnd(*table), (Ids{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
   EXPECT_EQ(ErrorOf([&] { table->AddIndex("BYAMOUNT", "ID", "", true, false, {}); }), 1134);
   EXPECT_THROW(table->AddIndex("ByNothing", "NOPE", "", true, false, {}), std::exception);
+  EXPECT_THROW(table->AddIndex("UniqueCity", "CITY", "", true, false, {fw::ixUnique}), CTDbIntf::ECtreeException);
+  EXPECT_EQ(table->RecordCount(), 10);  // three cities, ten people: the table is kept
+  table->SetIndexName("ByName");
+  table->First();
+  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Aino");
   table->Close();
 
-  TCTTable* again = NewTable();
   fw::TStringList names;
-  again->GetIndexNames(names);
+  NewTable()->GetIndexNames(names);
   EXPECT_EQ(names.IndexOf("ByAmount"), 3);
 }
 
-TEST_F(Restructure, AddIndexRefusesDuplicatesOfAUniqueKeyAndKeepsTheTable) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
-  EXPECT_THROW(table->AddIndex("UniqueCity", "CITY", "", true, false, {fw::ixUnique}), CTDbIntf::ECtreeException);
-  table->SetIndexName("ByName");
-  table->First();
-  EXPECT_EQ(table->RecordCount(), 10);
-  EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Aino");
-}
+// Deleting an index keeps the current one; deleting the current one, standing last, leaves none
+// named. The other indexes keep their keys.
+TEST_F(Restructure, DeleteIndexKeepsTheOthersAndTheCurrentOneUnlessDeleted) {
+  TCTTable* table = OpenPeople();
+  table->DeleteIndex("ByCity");  // right after open, before the definitions are read
+  table->Close();
+  fw::TStringList names;
+  NewTable()->GetIndexNames(names);
+  EXPECT_EQ(names.IndexOf("ByCity"), -1);
+  EXPECT_GE(names.IndexOf("ByName"), 0);
 
-TEST_F(Restructure, DeletingAnotherIndexKeepsTheCurrentOne) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
+  table = OpenPeople();
   table->AddIndex("ByAmount", "AMOUNT", "", true, false, {});
   table->AddIndex("ByCityName", "CITY;NAME", "", true, false, {});  // a second one beside it
   table->UpdateIndexDefs();
@@ -178,44 +185,18 @@ TEST_F(Restructure, DeletingAnotherIndexKeepsTheCurrentOne) {
   EXPECT_EQ(table->Cursor()->GetIndexCount(), 4);
   table->First();
   EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Aino");
-}
 
-TEST_F(Restructure, DeletingTheCurrentIndexThatStoodLastLeavesNoneNamed) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
-  table->AddIndex("ByAmount", "AMOUNT", "", true, false, {});
-  table->UpdateIndexDefs();
-  table->SetIndexName("ByAmount");
-  table->DeleteIndex("ByAmount");
-  EXPECT_EQ(table->IndexName(), "");
-  table->First();
-  EXPECT_EQ(table->RecordCount(), 10);
-}
-
-TEST_F(Restructure, DeleteIndexRightAfterOpenDeletesIt) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
-  table->DeleteIndex("ByCity");
-  table->Close();
-  fw::TStringList names;
-  NewTable()->GetIndexNames(names);
-  EXPECT_EQ(names.IndexOf("ByCity"), -1);
-  EXPECT_GE(names.IndexOf("ByName"), 0);
-}
-
-TEST_F(Restructure, IndexesOfTheTablesOwnSetAreDeletedAndTheOthersStayIntact) {
-  FillPeople();
-  TCTTable* table = NewTable();
-  table->Open();
-  table->UpdateIndexDefs();
   table->SetIndexName("ByCity");
   table->First();
-  const std::vector<int32_t> byCity = IdsToEnd(*table);
-  table->SetIndexName("ByName");
-  table->DeleteIndex("ByName");
-  EXPECT_EQ(table->IndexName(), "");
+  const Ids byCity = IdsToEnd(*table);
+  for (const char* current : {"ByCityName", "ByName"}) {  // each standing last, added or created
+    SCOPED_TRACE(current);
+    table->SetIndexName(current);
+    table->DeleteIndex(current);
+    EXPECT_EQ(table->IndexName(), "");
+    table->First();
+    EXPECT_EQ(table->RecordCount(), 10);
+  }
   table->SetIndexName("ByCity");
   table->First();
   EXPECT_EQ(IdsToEnd(*table), byCity);
@@ -223,8 +204,7 @@ TEST_F(Restructure, IndexesOfTheTablesOwnSetAreDeletedAndTheOthersStayIntact) {
 
 TEST_F(Restructure, OpenIndexAddsAnIndexFileOfTheSameLayoutAsCurrentIndex) {
   FillPeople();
-  TCTTable* side = NewTable();
-  side->SetTableName("side");
+  TCTTable* side = TableOn("side", true);
   TCTTable* people = NewTable();
   people->FieldDefs()->Update();
   side->FieldDefs()->Assign(*people->FieldDefs());
@@ -239,7 +219,7 @@ TEST_F(Restructure, OpenIndexAddsAnIndexFileOfTheSameLayoutAsCurrentIndex) {
   table->OpenIndex("side.idx");
   EXPECT_EQ(table->IndexName(), "side");
   table->First();
-  EXPECT_EQ(IdsToEnd(*table), (std::vector<int32_t>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));  // by AMOUNT
+  EXPECT_EQ(IdsToEnd(*table), (Ids{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));  // by AMOUNT
   table->SetIndexName("ByName");
   table->First();
   EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Aino");

@@ -8,6 +8,7 @@
 #include "CtRecords.h"
 #include "TField.h"
 #include "TFloatField.h"
+#include "TReader.h"
 
 namespace CTTables::testing {
 
@@ -19,6 +20,28 @@ const std::vector<Person>& People() {
       {6, "Nanna", "Tromso", 60},
   };
   return people;
+}
+
+int32_t Id(TCTTable* table) { return table->FieldByName("ID")->AsInteger(); }
+
+const fw::TClassInfo& TTestForm::StaticClass() {
+  static const fw::TClassInfo info =
+      fw::TClassBuilder<TTestForm>("TTestForm", &fw::TComponent::StaticClass()).Creatable().Build();
+  return info;
+}
+
+std::string FormText(const std::string& components) {
+  return "object Root: TTestForm\n  object Db: TCTConnection\n  end\n" + components + "end\n";
+}
+
+std::string TableText(const std::string& name, const std::string& database, const std::string& properties) {
+  return "  object " + name + ": TCTTable\n    Connection = Db\n    Database = '" + database + "'\n" +
+         properties + "  end\n";
+}
+
+fw::TComponentPtr<fw::TComponent> ReadForm(const std::string& form) {
+  fw::RegisterClass(TTestForm::StaticClass());
+  return fw::TComponentPtr<fw::TComponent>(fw::ReadComponentText(form));
 }
 
 TableTest::TableTest() : OldDir(std::filesystem::current_path()), Owner(new fw::TComponent(nullptr)) {
@@ -95,7 +118,6 @@ void TableTest::FillPeople() {
   ASSERT_EQ(Conn->CloseCursor(cursor), 0);
 }
 
-
 TCTTable* TableTest::NewTable(bool exclusive) {
   auto* table = new TCTTable(Owner.get());
   table->SetConnection(Conn);
@@ -105,12 +127,29 @@ TCTTable* TableTest::NewTable(bool exclusive) {
   return table;
 }
 
-std::vector<int32_t> TableTest::IdsToEnd(TCTTable& table) {
-  std::vector<int32_t> ids;
-  while (!table.Eof()) {
-    ids.push_back(table.FieldByName("ID")->AsInteger());
-    table.Next();
-  }
+TCTTable* TableTest::TableOn(const std::string& name, bool exclusive) {
+  TCTTable* table = NewTable(exclusive);
+  table->SetTableName(name);
+  return table;
+}
+
+TCTTable* TableTest::OpenPeople(bool exclusive, const std::string& index) {
+  FillPeople();
+  TCTTable* table = NewTable(exclusive);
+  if (!index.empty()) table->SetIndexName(index);
+  table->Open();
+  return table;
+}
+
+Ids TableTest::IdsToEnd(TCTTable& table) {
+  Ids ids;
+  for (; !table.Eof(); table.Next()) ids.push_back(Id(&table));
+  return ids;
+}
+
+Ids TableTest::IdsBackwards(TCTTable& table) {
+  Ids ids;
+  for (table.Last(); !table.Bof(); table.Prior()) ids.push_back(Id(&table));
   return ids;
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "CTTables.h"
+#include "TClassInfo.h"
 #include "Ctdb.h"
 #include "ECtreeException.h"
 
@@ -23,6 +24,32 @@ struct Person {
 
 /// Ten people in three cities, in no key order.
 const std::vector<Person>& People();
+
+using Ids = std::vector<int32_t>;
+
+/// Shorthands for the values passed to keys, ranges and searches.
+inline fw::Variant V(int32_t value) { return fw::Variant(value); }
+inline fw::Variant V(const char* value) { return fw::Variant(std::string(value)); }
+inline fw::Variant V(double value) { return fw::Variant(value); }
+
+/// The ID of the table's current record.
+int32_t Id(TCTTable* table);
+
+/// A form's root class, registered by FormText's users through ReadForm.
+class TTestForm : public fw::TComponent {
+ public:
+  explicit TTestForm(fw::TComponent* AOwner) : fw::TComponent(AOwner) {}
+  static const fw::TClassInfo& StaticClass();
+  const fw::TClassInfo& ClassType() const override { return StaticClass(); }
+};
+
+/// Text of a TTestForm "Root" holding a connection "Db" and `components`.
+std::string FormText(const std::string& components);
+/// Text of a table component `name` on "Db", database `database`, with `properties` (each
+/// "    Name = value\n") after its connection and database.
+std::string TableText(const std::string& name, const std::string& database, const std::string& properties);
+/// Reads `form` (made by FormText) into a new root the caller owns.
+fw::TComponentPtr<fw::TComponent> ReadForm(const std::string& form);
 
 /// Runs `action` and returns the ErrorCode of the ECtreeException it raises (-1 when it raises
 /// none; other exceptions propagate).
@@ -50,8 +77,14 @@ class TableTest : public ::testing::Test {
   void FillPeople();
   /// A new table on "people" (closed), owned by the fixture.
   TCTTable* NewTable(bool exclusive = true);
+  /// A new table on `name` (closed, shared unless `exclusive`), owned by the fixture.
+  TCTTable* TableOn(const std::string& name, bool exclusive = false);
+  /// FillPeople, then a new table on it opened on index `index` (the primary one when empty).
+  TCTTable* OpenPeople(bool exclusive = true, const std::string& index = "");
   /// The ID values from the current record to the end, advancing the table.
-  static std::vector<int32_t> IdsToEnd(TCTTable& table);
+  static Ids IdsToEnd(TCTTable& table);
+  /// The ID values from the last record back to the first.
+  static Ids IdsBackwards(TCTTable& table);
   /// Gives the closed `table` persistent fields for its stored ones and a calculated field
   /// "DOUBLED" holding AMOUNT * 2; returns that field.
   static fw::TField* AddDoubledAmount(TCTTable& table);

@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <random>
 
 namespace Ctdb::testing {
@@ -23,6 +24,16 @@ TempDir::~TempDir() {
   std::error_code ignored;
   std::filesystem::current_path(FOldDir, ignored);
   std::filesystem::remove_all(FPath, ignored);
+}
+
+std::vector<std::string> TempDir::Files(bool withLocks) const {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(FPath)) {
+    const std::string name = entry.path().filename().string();
+    if (withLocks || (!name.ends_with("-lock") && !name.ends_with("-rlock"))) names.push_back(name);
+  }
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 int32_t FixedLength(const std::vector<DodaEntry>& fields) {

@@ -25,6 +25,8 @@ class TempDir {
   /// Path + "/" + name.
   std::string File(const std::string& name) const { return FPath + "/" + name; }
   bool Exists(const std::string& name) const { return std::filesystem::exists(File(name)); }
+  /// The names of the files in the directory, sorted; the engine's lock files only `withLocks`.
+  std::vector<std::string> Files(bool withLocks = false) const;
 
  private:
   std::string FPath;

@@ -25,16 +25,13 @@ class CursorTest : public TableTest {
   }
 };
 
-TEST_F(CursorTest, OpenCursorDescribesTheTable) {
+TEST_F(CursorTest, OpensDescribingTheTableAndWalksBothWaysInPhysicalOrder) {
   EXPECT_EQ(Cursor->DataFileNo, Cursor->KeyNo);
   EXPECT_EQ(Cursor->FieldCount(), 3);
   EXPECT_EQ(Cursor->IndexCount, 2);
   EXPECT_EQ(Cursor->FixedRecLength, kRecordLength);
   EXPECT_EQ(Cursor->TableName, Path);
   EXPECT_EQ(Cursor->Position, cpNone);
-}
-
-TEST_F(CursorTest, WalksBothWaysInPhysicalOrder) {
   int32_t last = 0;
   EXPECT_EQ(Walk(true, &last), (Ids{5, 3, 9, 1, 7, 2, 8, 4, 6}));
   EXPECT_EQ(last, INOT_ERR);
@@ -118,7 +115,7 @@ TEST_F(CursorTest, AnAppendedRecordBecomesCurrentUnlessItLiesOutsideTheRange) {
   EXPECT_EQ(Cursor->Position, cpEof);
 }
 
-TEST_F(CursorTest, EmptyAndReversedRangesGiveNoRecord) {
+TEST_F(CursorTest, EmptyAndReversedRangesGiveNoRecordAndIsInRangeMarksTheSide) {
   UseIndex("ByGroup");
   int32_t last = 0;
   for (auto [low, high] : {std::pair{35, 38}, {50, 20}}) {
@@ -129,10 +126,8 @@ TEST_F(CursorTest, EmptyAndReversedRangesGiveNoRecord) {
     }
   }
   EXPECT_EQ(Count(), 0);
-}
 
-TEST_F(CursorTest, IsInRangeMarksWhereTheKeyLies) {
-  UseIndex("ByGroup");
+  // IsInRange marks where a key lies.
   SetGroupRange(20, true, 40, false);
   for (auto [grp, result, position] : {std::tuple{10, INOT_ERR, cpBof}, {20, 0, cpNone}, {40, INOT_ERR, cpEof}}) {
     const std::vector<uint8_t> key = GroupKey(grp);
@@ -301,7 +296,7 @@ TEST_F(CursorTest, RecordLocksHoldAgainstAnotherProcessAndUnlockingKeepsThePosit
   EXPECT_EQ(Next(), 8);
 }
 
-class OpenCursorTest : public TableTest {};
+using OpenCursorTest = TableTest;
 
 TEST_F(OpenCursorTest, MissingTablesAndInactiveConnectionsAreReported) {
   std::unique_ptr<TCTCursorDesc> cursor;

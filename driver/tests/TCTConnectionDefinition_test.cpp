@@ -48,16 +48,6 @@ class DefinitionTest : public TableTest {
     desc.Indexes = {Index("", {1}, true), byGroup};
     return desc;
   }
-  // Every file in the test directory but the engine's lock files.
-  std::vector<std::string> Files() const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(Dir.Path())) {
-      const std::string name = entry.path().filename().string();
-      if (!name.ends_with("-lock") && !name.ends_with("-rlock")) names.push_back(name);
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-  }
   /// Creates the table `desc` describes in the test directory (failing the test when refused).
   void Create(const CTTblDesc& desc = People()) {
     CTTblDesc copy = desc;
@@ -78,7 +68,7 @@ class DefinitionTest : public TableTest {
 
 TEST_F(DefinitionTest, CreatedTableCarriesTheDefinitionRecordsAsBuilt) {
   Create();
-  EXPECT_EQ(Files(), (std::vector<std::string>{"people", "people.idx"}));
+  EXPECT_EQ(Dir.Files(), (std::vector<std::string>{"people", "people.idx"}));
   OpenPeople();
   const IfilDefinition& ifil = Cursor->Ifil;
   EXPECT_EQ(ifil.dreclen, 30);  // 20 bytes of fields and 10 more
@@ -116,7 +106,7 @@ TEST_F(DefinitionTest, DataFileNamesFollowThePathRules) {
   Create(desc);
   desc.Name = "other.tbl";
   Create(desc);
-  EXPECT_EQ(Files(), (std::vector<std::string>{"other.idx", "other.tbl", "people.idx", "peopledat"}));
+  EXPECT_EQ(Dir.Files(), (std::vector<std::string>{"other.idx", "other.tbl", "people.idx", "peopledat"}));
   OpenPeople();
   ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
   ASSERT_EQ(Conn->OpenCursor(Cursor, "other.tbl", Dir.Path(), SHARED), 0);
@@ -173,7 +163,7 @@ TEST_F(DefinitionTest, FailedCreatesLeaveNoFiles) {
   desc.Indexes[1].ExpressionIndex = kWordTrue;
   desc.Indexes[1].Expression = "grp >";  // malformed: the condition cannot be applied
   EXPECT_NE(Conn->CreateTable(Dir.Path(), false, desc), 0);
-  EXPECT_TRUE(Files().empty());
+  EXPECT_TRUE(Dir.Files().empty());
   desc = People();
   desc.Indexes[0].KeyFields[0] = 4;
   EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), kCtInvalidIndexDesc);
@@ -189,7 +179,7 @@ TEST_F(DefinitionTest, FailedCreatesLeaveNoFiles) {
   ASSERT_EQ(Conn->DeleteTable(Dir.Path(), "people"), 0);
   desc.Fields.push_back(Field("one", fldBOOL, 0, 1));
   EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), kCtRecordTooLong);
-  EXPECT_TRUE(Files().empty());
+  EXPECT_TRUE(Dir.Files().empty());
   Conn->SetActive(false);
   desc = People();
   EXPECT_EQ(Conn->CreateTable(Dir.Path(), false, desc), kCtNotActive);
@@ -214,23 +204,23 @@ TEST_F(DefinitionTest, RenamedTableOpensUnderItsNewName) {
   AddRows({{7, 1, "moved"}});
   ASSERT_EQ(Conn->RenameTable(Cursor.get(), "renamed"), 0);
   ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
-  EXPECT_EQ(Files(), (std::vector<std::string>{"renamed", "renamed.idx"}));
+  EXPECT_EQ(Dir.Files(), (std::vector<std::string>{"renamed", "renamed.idx"}));
   ASSERT_EQ(Conn->OpenCursor(Cursor, "renamed", Dir.Path(), SHARED), 0);
   UseIndex("Primary");
   EXPECT_EQ(Walk(true), std::vector<int32_t>{7});
   EXPECT_EQ(Conn->RenameTable(nullptr, "x"), kCtInvalidCursor);
   // A shared table cannot be renamed; nothing moves.
   EXPECT_NE(Conn->RenameTable(Cursor.get(), "again"), 0);
-  EXPECT_EQ(Files(), (std::vector<std::string>{"renamed", "renamed.idx"}));
+  EXPECT_EQ(Dir.Files(), (std::vector<std::string>{"renamed", "renamed.idx"}));
 }
 
 TEST_F(DefinitionTest, DeleteTableAndCreateFile) {
   Create();
   ASSERT_EQ(Conn->DeleteTable(Dir.Path(), "people"), 0);
-  EXPECT_TRUE(Files().empty());
+  EXPECT_TRUE(Dir.Files().empty());
   EXPECT_EQ(Conn->DeleteTable(Dir.Path(), "people"), FNOP_ERR);
   ASSERT_EQ(Conn->CreateFile(Dir.File("plain.dat"), 16, EXCLUSIVE), 0);
-  EXPECT_EQ(Files(), std::vector<std::string>{"plain.dat"});
+  EXPECT_EQ(Dir.Files(), std::vector<std::string>{"plain.dat"});
   EXPECT_EQ(Conn->CreateFile(Dir.File("plain.dat"), 16, EXCLUSIVE), DCRAT_ERR);
   EXPECT_EQ(Conn->CreateFile(Dir.File("bad.dat"), 0, EXCLUSIVE), CT_EBADARG);
 }
@@ -341,7 +331,7 @@ TEST_F(DefinitionTest, AnOpenedIndexFileJoinsTheCursorUntilItCloses) {
 // numbers and the files follow.
 TEST_F(DefinitionTest, AddedIndexesAreDeletedOnAnOpenOrReopenedTable) {
   Create();
-  const std::vector<std::string> original = Files();
+  const std::vector<std::string> original = Dir.Files();
   OpenPeople();
   AddRows({{1, 30, "c"}, {2, 10, "a"}, {3, 20, "b"}});
   ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
@@ -359,7 +349,7 @@ TEST_F(DefinitionTest, AddedIndexesAreDeletedOnAnOpenOrReopenedTable) {
   EXPECT_EQ(Cursor->Indexes.back().IndexId, byName.IndexId);
   ASSERT_EQ(Conn->DeleteIndex(Cursor.get(), &byName), 0);
   EXPECT_EQ(Cursor->IndexCount, 2);
-  EXPECT_EQ(Files(), original);
+  EXPECT_EQ(Dir.Files(), original);
   EXPECT_EQ(Conn->DeleteIndex(Cursor.get(), &byName), kCtInvalidIndexDesc);
   CTIdxDesc unknown = Index("nothere", {1}, true);
   unknown.IndexId = -1;
@@ -386,7 +376,7 @@ TEST_F(DefinitionTest, AddedIndexesAreDeletedOnAnOpenOrReopenedTable) {
   ASSERT_EQ(Conn->SwitchToIndex(Cursor.get(), &use, false), 0);
   EXPECT_EQ(Walk(true), (std::vector<int32_t>{1, 2, 3}));
   ASSERT_EQ(Conn->CloseCursor(Cursor), 0);
-  EXPECT_EQ(Files(), original);
+  EXPECT_EQ(Dir.Files(), original);
   OpenPeople();
   ASSERT_EQ(Conn->InitIndexes(Cursor.get()), 0);
   EXPECT_EQ(Cursor->IndexCount, 1);

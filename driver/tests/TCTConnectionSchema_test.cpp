@@ -11,20 +11,11 @@
 namespace Ctdb::testing {
 namespace {
 
-// Every type code the driver knows, and one it does not (200).
-const std::vector<DodaEntry> kEveryType = {
-    {"f_bool", CT_BOOL, 1},        {"f_char", CT_CHAR, 1},          {"f_charu", CT_CHARU, 1},
-    {"f_int2", CT_INT2, 2},        {"f_int2u", CT_INT2U, 2},        {"f_int4", CT_INT4, 4},
-    {"f_int4u", CT_INT4U, 4},      {"f_money", CT_MONEY, 4},        {"f_date", CT_DATE, 4},
-    {"f_time", CT_TIME, 4},        {"f_sfloat", CT_SFLOAT, 4},      {"f_dfloat", CT_DFLOAT, 8},
-    {"f_bcdold", CT_BCDOLD, 10},   {"f_bcd", CT_BCD, 10},           {"f_efloat", CT_EFLOAT, 10},
-    {"f_times", CT_TIMES, 8},      {"f_array", CT_ARRAY, 6},        {"f_resrvd", CT_RESRVD, 3},
-    {"f_fstring", CT_FSTRING, 12}, {"f_string", CT_STRING, 20},     {"f_fpstring", CT_FPSTRING, 11},
-    {"f_pstring", CT_PSTRING, 40}, {"f_f2string", CT_F2STRING, 12}, {"f_2string", CT_2STRING, 300},
-    {"f_f4string", CT_F4STRING, 14}, {"f_4string", CT_4STRING, 1000}, {"f_unknown", 200, 5},
-};
-
-struct Expected {
+// Every type code the driver knows, and one it does not (200); per field: c-tree offset,
+// framework size, max and in-record sizes, blob number, then the framework view (logical type,
+// subtype, units, framework offset, field type).
+struct TypeCase {
+  DodaEntry Field;
   int32_t Offset, Size, MaxSize, DefSize;
   bool Blob;
   int32_t BlobNo;
@@ -32,36 +23,34 @@ struct Expected {
   fw::TFieldType Type;
 };
 
-// Per field: c-tree offset, framework size, max and in-record sizes, blob number, then the
-// framework view (logical type, subtype, units, framework offset, field type).
-const Expected kExpected[] = {
-    {0, 1, 1, 1, false, 0, fldBOOL, 0, 1, 0, 0, fw::ftBoolean},
-    {1, 1, 1, 1, false, 0, fldBYTES, fldstCHAR, 1, 0, 1, fw::ftString},
-    {2, 1, 1, 1, false, 0, fldBYTES, fldstCHARU, 1, 0, 2, fw::ftString},
-    {3, 2, 2, 2, false, 0, fldINT16, fldstINT16, 2, 0, 3, fw::ftSmallint},
-    {5, 2, 2, 2, false, 0, fldUINT16, fldstINT16, 2, 0, 5, fw::ftWord},
-    {7, 4, 4, 4, false, 0, fldINT32, 0, 4, 0, 7, fw::ftInteger},
-    {11, 4, 4, 4, false, 0, fldUINT32, 0, 4, 0, 11, fw::ftInteger},
-    {15, 8, 4, 4, false, 0, fldFLOAT, fldstMONEY, 4, 0, 15, fw::ftFloat},
-    {19, 4, 4, 4, false, 0, fldDATE, 0, 4, 0, 19, fw::ftDate},
-    {23, 4, 4, 4, false, 0, fldTIME, 0, 4, 0, 23, fw::ftTime},
-    {27, 8, 4, 4, false, 0, fldFLOAT, fldstSFLOAT, 4, 0, 27, fw::ftFloat},
-    {31, 8, 8, 8, false, 0, fldFLOAT, 0, 8, 0, 31, fw::ftFloat},
-    {39, 10, 10, 10, false, 0, fldBCD, 0, 32, 20, 39, fw::ftBCD},
-    {49, 20, 10, 10, false, 0, fldBCD, 0, 32, 20, 49, fw::ftBCD},
-    {59, 10, 10, 10, false, 0, fldFLOATIEEE, 0, 10, 0, 59, fw::ftUnknown},
-    {69, 8, 8, 8, false, 0, fldTIMESTAMP, 0, 8, 0, 69, fw::ftDateTime},
-    {77, 6, 6, 6, false, 0, fldBYTES, 0, 6, 0, 77, fw::ftBytes},
-    {83, 3, 3, 3, false, 0, fldUNKNOWN, 0, 3, 0, 83, fw::ftUnknown},
-    {86, 12, 12, 12, false, 0, fldZSTRING, fldstFSTRING, 12, 0, 86, fw::ftString},
-    {98, 20, 20, 1, true, 0, fldBLOB, fldstSTRING, 20, 0, 98, fw::ftMemo},
-    {118, 11, 11, 11, false, 1, fldZSTRING, fldstFPSTRING, 10, 0, 99, fw::ftString},
-    {129, 40, 32, 1, true, 1, fldBLOB, fldstPSTRING, 39, 0, 110, fw::ftBlob},
-    {130, 12, 12, 12, false, 2, fldZSTRING, fldstF2STRING, 10, 0, 111, fw::ftString},
-    {142, 300, 32, 2, true, 2, fldBLOB, fldst2STRING, 298, 0, 123, fw::ftBlob},
-    {144, 14, 14, 14, false, 3, fldZSTRING, fldstF4STRING, 10, 0, 125, fw::ftString},
-    {158, 1000, 32, 4, true, 3, fldBLOB, fldst4STRING, 996, 0, 139, fw::ftBlob},
-    {162, 5, 5, 5, false, 4, fldUNKNOWN, 0, 5, 0, 143, fw::ftUnknown},
+const TypeCase kTypes[] = {
+    {{"f_bool", CT_BOOL, 1}, 0, 1, 1, 1, false, 0, fldBOOL, 0, 1, 0, 0, fw::ftBoolean},
+    {{"f_char", CT_CHAR, 1}, 1, 1, 1, 1, false, 0, fldBYTES, fldstCHAR, 1, 0, 1, fw::ftString},
+    {{"f_charu", CT_CHARU, 1}, 2, 1, 1, 1, false, 0, fldBYTES, fldstCHARU, 1, 0, 2, fw::ftString},
+    {{"f_int2", CT_INT2, 2}, 3, 2, 2, 2, false, 0, fldINT16, fldstINT16, 2, 0, 3, fw::ftSmallint},
+    {{"f_int2u", CT_INT2U, 2}, 5, 2, 2, 2, false, 0, fldUINT16, fldstINT16, 2, 0, 5, fw::ftWord},
+    {{"f_int4", CT_INT4, 4}, 7, 4, 4, 4, false, 0, fldINT32, 0, 4, 0, 7, fw::ftInteger},
+    {{"f_int4u", CT_INT4U, 4}, 11, 4, 4, 4, false, 0, fldUINT32, 0, 4, 0, 11, fw::ftInteger},
+    {{"f_money", CT_MONEY, 4}, 15, 8, 4, 4, false, 0, fldFLOAT, fldstMONEY, 4, 0, 15, fw::ftFloat},
+    {{"f_date", CT_DATE, 4}, 19, 4, 4, 4, false, 0, fldDATE, 0, 4, 0, 19, fw::ftDate},
+    {{"f_time", CT_TIME, 4}, 23, 4, 4, 4, false, 0, fldTIME, 0, 4, 0, 23, fw::ftTime},
+    {{"f_sfloat", CT_SFLOAT, 4}, 27, 8, 4, 4, false, 0, fldFLOAT, fldstSFLOAT, 4, 0, 27, fw::ftFloat},
+    {{"f_dfloat", CT_DFLOAT, 8}, 31, 8, 8, 8, false, 0, fldFLOAT, 0, 8, 0, 31, fw::ftFloat},
+    {{"f_bcdold", CT_BCDOLD, 10}, 39, 10, 10, 10, false, 0, fldBCD, 0, 32, 20, 39, fw::ftBCD},
+    {{"f_bcd", CT_BCD, 10}, 49, 20, 10, 10, false, 0, fldBCD, 0, 32, 20, 49, fw::ftBCD},
+    {{"f_efloat", CT_EFLOAT, 10}, 59, 10, 10, 10, false, 0, fldFLOATIEEE, 0, 10, 0, 59, fw::ftUnknown},
+    {{"f_times", CT_TIMES, 8}, 69, 8, 8, 8, false, 0, fldTIMESTAMP, 0, 8, 0, 69, fw::ftDateTime},
+    {{"f_array", CT_ARRAY, 6}, 77, 6, 6, 6, false, 0, fldBYTES, 0, 6, 0, 77, fw::ftBytes},
+    {{"f_resrvd", CT_RESRVD, 3}, 83, 3, 3, 3, false, 0, fldUNKNOWN, 0, 3, 0, 83, fw::ftUnknown},
+    {{"f_fstring", CT_FSTRING, 12}, 86, 12, 12, 12, false, 0, fldZSTRING, fldstFSTRING, 12, 0, 86, fw::ftString},
+    {{"f_string", CT_STRING, 20}, 98, 20, 20, 1, true, 0, fldBLOB, fldstSTRING, 20, 0, 98, fw::ftMemo},
+    {{"f_fpstring", CT_FPSTRING, 11}, 118, 11, 11, 11, false, 1, fldZSTRING, fldstFPSTRING, 10, 0, 99, fw::ftString},
+    {{"f_pstring", CT_PSTRING, 40}, 129, 40, 32, 1, true, 1, fldBLOB, fldstPSTRING, 39, 0, 110, fw::ftBlob},
+    {{"f_f2string", CT_F2STRING, 12}, 130, 12, 12, 12, false, 2, fldZSTRING, fldstF2STRING, 10, 0, 111, fw::ftString},
+    {{"f_2string", CT_2STRING, 300}, 142, 300, 32, 2, true, 2, fldBLOB, fldst2STRING, 298, 0, 123, fw::ftBlob},
+    {{"f_f4string", CT_F4STRING, 14}, 144, 14, 14, 14, false, 3, fldZSTRING, fldstF4STRING, 10, 0, 125, fw::ftString},
+    {{"f_4string", CT_4STRING, 1000}, 158, 1000, 32, 4, true, 3, fldBLOB, fldst4STRING, 996, 0, 139, fw::ftBlob},
+    {{"f_unknown", 200, 5}, 162, 5, 5, 5, false, 4, fldUNKNOWN, 0, 5, 0, 143, fw::ftUnknown},
 };
 
 class SchemaTest : public DriverTest {
@@ -70,20 +59,22 @@ class SchemaTest : public DriverTest {
 };
 
 TEST_F(SchemaTest, EveryTypeCodeGetsItsOffsetSizeAndFrameworkView) {
-  auto cursor = OpenTable(MakeTable("types", kEveryType, {}));
+  std::vector<DodaEntry> fields;
+  for (const TypeCase& c : kTypes) fields.push_back(c.Field);
+  auto cursor = OpenTable(MakeTable("types", fields, {}));
   ASSERT_TRUE(cursor);
-  ASSERT_EQ(cursor->FieldCount(), static_cast<int32_t>(std::size(kExpected)));
+  ASSERT_EQ(cursor->FieldCount(), static_cast<int32_t>(std::size(kTypes)));
   EXPECT_TRUE(cursor->HasBlobs);
   TFieldDescList descs;
   ASSERT_EQ(Conn->GetFieldDescs(cursor.get(), &descs), 0);
-  ASSERT_EQ(descs.size(), std::size(kExpected));
-  for (size_t i = 0; i < std::size(kExpected); ++i) {
-    SCOPED_TRACE(kEveryType[i].Name);
-    const Expected& e = kExpected[i];
+  ASSERT_EQ(descs.size(), std::size(kTypes));
+  for (size_t i = 0; i < std::size(kTypes); ++i) {
+    const TypeCase& e = kTypes[i];
+    SCOPED_TRACE(e.Field.Name);
     const TCTFieldDesc& field = *cursor->Fields[i];
-    EXPECT_EQ(field.Name, kEveryType[i].Name);
-    EXPECT_EQ(field.FieldType, kEveryType[i].Type);
-    EXPECT_EQ(field.Length, static_cast<int32_t>(kEveryType[i].Length));
+    EXPECT_EQ(field.Name, e.Field.Name);
+    EXPECT_EQ(field.FieldType, e.Field.Type);
+    EXPECT_EQ(field.Length, static_cast<int32_t>(e.Field.Length));
     EXPECT_EQ(field.Offset, e.Offset);
     EXPECT_EQ(field.Size, e.Size);
     EXPECT_EQ(field.GetMaxSize(), e.MaxSize);
@@ -249,20 +240,15 @@ TEST_F(SchemaTest, OnlyTablesWithBlobsGetASchemaFile) {
   EXPECT_EQ(Conn->DeleteSchemaFile(blobs.get()), 0);
   EXPECT_EQ(blobs->SchemaFileNo, -1);
   EXPECT_FALSE(Dir.Exists("blobs.dsf"));
+
+  // A schema file that is not a table gives a number and is not taken.
+  std::ofstream(Dir.File("blobs.dsf")) << "this is not a c-tree file";
+  EXPECT_NE(Conn->OpenSchemaFile(blobs.get()), 0);
+  EXPECT_EQ(blobs->SchemaFileNo, -1);
   CloseTable(blobs);
 }
 
-TEST_F(SchemaTest, ASchemaFileThatIsNotATableGivesANumber) {
-  auto cursor = OpenTable(MakeTable("junk", {{"id", CT_INT4, 4}, {"memo", CT_PSTRING, 64}}, {}));
-  ASSERT_TRUE(cursor);
-  std::ofstream(Dir.File("junk.dsf")) << "this is not a c-tree file";
-  const int32_t result = Conn->OpenSchemaFile(cursor.get());
-  EXPECT_NE(result, 0);
-  EXPECT_EQ(cursor->SchemaFileNo, -1);
-  CloseTable(cursor);
-}
-
-TEST_F(SchemaTest, MissingResourcesGive408) {
+TEST_F(SchemaTest, MissingResourcesAndBadInputGiveNumbers) {
   const CTDbIntf::TLoadAlignment a = Conn->Alignment();
   // A data file made without IFIL and schema.
   const int16_t plain = CTDbIntf::AvailableFileNbr(a, 1);
@@ -287,10 +273,8 @@ TEST_F(SchemaTest, MissingResourcesGive408) {
   EXPECT_EQ(Conn->LoadIFIL(&noSchema), 0);
   EXPECT_EQ(Conn->ReadFieldsDescriptions(&noSchema), kCtNoResource);
   EXPECT_EQ(CTDbIntf::CloseRFile(a, image.tfilno()), 0);
-}
 
-TEST_F(SchemaTest, NilCursorOutOfRangeOrdinalsAndInactiveConnectionGiveNumbers) {
-  CTIdxDesc desc;
+  // A nil cursor, out-of-range ordinals and an inactive connection.
   CTCurProps props;
   EXPECT_EQ(Conn->LoadIFIL(nullptr), kCtInvalidCursor);
   EXPECT_EQ(Conn->ReadFieldsDescriptions(nullptr), kCtInvalidCursor);
@@ -344,14 +328,9 @@ TEST_F(SchemaTest, IndexFileNamesKeepEightCharacters) {
 }
 
 TEST_F(SchemaTest, CheckFileExistsAsksCTreeAndLeavesNothingBehind) {
-  auto listing = [&] {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(Dir.Path())) names.push_back(entry.path().string());
-    return names;
-  };
-  const auto before = listing();
+  const auto before = Dir.Files(true);
   EXPECT_FALSE(Conn->CheckFileExists(Dir.File("absent.dat")));
-  EXPECT_EQ(listing(), before);
+  EXPECT_EQ(Dir.Files(true), before);
   const std::string path = MakeTable("present", {{"a", CT_INT4, 4}}, {});
   EXPECT_TRUE(Conn->CheckFileExists(path));
   EXPECT_TRUE(Conn->CheckFileExists(Dir.File("no/such/dir/x.dat"))) << "any failure to create counts as existing";

@@ -155,13 +155,11 @@ TEST_F(ConnectionTest, DeactivationClosesTheOpenDatasetsLastOpenedFirst) {
   EXPECT_EQ(closed.back(), "first");
 }
 
-TEST_F(ConnectionTest, AServerThatIsNotThereLeavesTheConnectionInactive) {
+TEST_F(ConnectionTest, AnAbsentServerLeavesTheConnectionInactiveAndSomeSettingsAreGuarded) {
   Conn->SetServerName("LARKHOLLOW");
   EXPECT_EQ(Raised([&] { Conn->SetActive(true); }).ErrorCode, 133);
   EXPECT_FALSE(Conn->Active());
-}
-
-TEST_F(ConnectionTest, SomeSettingsAreGuardedWhileActive) {
+  Conn->SetServerName("");
   Activate();
   auto raisesPlainException = [](auto&& action) {
     try {
@@ -189,7 +187,7 @@ TEST_F(ConnectionTest, SomeSettingsAreGuardedWhileActive) {
   EXPECT_EQ(Conn->MaxFiles(), 10);
 }
 
-TEST_F(ConnectionTest, ExtensionsLoseTheirDotByTwoDifferentRules) {
+TEST_F(ConnectionTest, ExtensionsLoseTheirDotByTwoRulesAndFullPathsTakeTheDataOne) {
   // Data and index extensions keep what follows their first dot; the superfile's drops every dot.
   const auto data = [&](const char* ext) { Conn->SetDataExt(ext); return Conn->DataExt(); };
   const auto index = [&](const char* ext) { Conn->SetIndexExt(ext); return Conn->IndexExt(); };
@@ -201,9 +199,8 @@ TEST_F(ConnectionTest, ExtensionsLoseTheirDotByTwoDifferentRules) {
   EXPECT_EQ(super(".dsf"), "dsf");
   EXPECT_EQ(super("a.b"), "ab");
   EXPECT_EQ(super("x.dsf"), "xdsf");
-}
 
-TEST_F(ConnectionTest, FullPathsJoinDirectoryNameAndDataExtension) {
+  // Full paths join directory, name and data extension.
   Conn->SetDataExt("dat");
   EXPECT_EQ(Conn->BuildFullPath(Dir.Path(), "cust"), Dir.Path() + "/custdat");
   EXPECT_EQ(Conn->BuildFullPath(Dir.Path() + "/", "cust"), Dir.Path() + "/custdat");

@@ -119,17 +119,16 @@ TEST(RecordBufferTest, OpenStreamsAreWrittenBackInTheirForm) {
   buffer.SetRecord(copy.data(), static_cast<int32_t>(copy.size()));
   EXPECT_EQ(buffer.BlobStream(1), nullptr);
   EXPECT_EQ(buffer.GetFieldOffset(5), 327);
-}
 
-TEST(RecordBufferTest, AOneBytePrefixCountsAtMost255Bytes) {
-  auto cursor = CursorWith({{CT_PSTRING, 1000}});
-  TCTCustomRecordBuffer buffer(cursor.get());
-  buffer.InitRecord();
-  Write(buffer.OpenBlob(1), std::string(300, 'y'));
-  EXPECT_EQ(buffer.GetSize(1), 256);
-  ASSERT_TRUE(buffer.FillRecord());
-  EXPECT_EQ(buffer.RecordSize(), 256);
-  EXPECT_EQ(buffer.RecordPtr()[0], 255);
+  // A 1-byte prefix counts at most 255 bytes.
+  auto pstring = CursorWith({{CT_PSTRING, 1000}});
+  TCTCustomRecordBuffer counted(pstring.get());
+  counted.InitRecord();
+  Write(counted.OpenBlob(1), std::string(300, 'y'));
+  EXPECT_EQ(counted.GetSize(1), 256);
+  ASSERT_TRUE(counted.FillRecord());
+  EXPECT_EQ(counted.RecordSize(), 256);
+  EXPECT_EQ(counted.RecordPtr()[0], 255);
 }
 
 TEST(RecordBufferTest, DamagedPrefixesDoNotReachOutsideTheRecord) {
