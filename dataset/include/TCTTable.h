@@ -280,6 +280,9 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   /// Raises ECtreeException (FNOP_ERR when the files are in use, 2 when a unique index meets a
   /// duplicate: the keys stay as they were).
   void RebuildLow();
+  /// As RebuildLow, and the data file's free space is given back to the file system (the file
+  /// is copied). Raises ECtreeException 454 for a superfile member.
+  void CompactLow();
   /// Restructures the table into the layout of `NewFieldDefs` and `NewIndexDefs` and keeps its
   /// records: fields are carried over by name (fields the new layout lacks are dropped, new ones
   /// start empty), through a TCTBatchCopy in cmAppend mode into a new table in the same place,
@@ -448,6 +451,8 @@ class TCTTable : public Ctdb::TCTCustomDataSet {
   void StorageNames(std::string& Directory, std::string& Name) const;
   /// Whether the position `Bookmark` is held by a handle of the lock list.
   bool LockedByHandle(int32_t Bookmark) const;
+  /// RebuildLow, or CompactLow when Compact.
+  void RebuildFiles(bool Compact);
   /// Rebuild's last step: the new table's files take the table's name (see the .cpp).
   void ExchangeFiles(TCTTable& Rebuilt);
   /// Closes the table and deletes its files; returns the driver's number, raises nothing.

@@ -10,7 +10,11 @@
 
 namespace CTTables {
 
-void TCTTable::RebuildLow() {
+void TCTTable::RebuildLow() { RebuildFiles(false); }
+
+void TCTTable::CompactLow() { RebuildFiles(true); }
+
+void TCTTable::RebuildFiles(bool Compact) {
   const bool wasActive = Active();
   Open();
   // The IFIL record itself is copied: the cursor that owns the one read from the file closes.
@@ -20,7 +24,7 @@ void TCTTable::RebuildLow() {
   // Rebuilt under the data file's own extension, whatever it is (none, by default).
   const std::string extension = fw::ExtractFileExt(fw::ExtractFileName(fileName));
   ifil.pfilnam = fileName.substr(0, fileName.size() - extension.size());
-  CTDbIntf::CtError(Conn().RebuildTable(ifil, extension));
+  CTDbIntf::CtError(Compact ? Conn().CompactTable(ifil, extension) : Conn().RebuildTable(ifil, extension));
   if (wasActive) Open();
 }
 

@@ -382,6 +382,9 @@ class TCTConnection : public fw::TComponent {
   /// Rebuilds the closed file set `ifil` in place: RBLIFIL (data file pfilnam + ".dat"), or with
   /// `dataExt` given RBLIFILX with that data extension ("" for a data file named pfilnam).
   int32_t RebuildTable(const IfilDefinition& ifil, const std::optional<std::string>& dataExt = std::nullopt);
+  /// As RebuildTable, and the data file's free space is given back too (the file is copied):
+  /// CMPIFIL, or CMPIFILX with `dataExt`. 454 for a superfile member.
+  int32_t CompactTable(const IfilDefinition& ifil, const std::optional<std::string>& dataExt = std::nullopt);
   /// Asks the hook whether the buffer's record belongs in `index` and adds its key for the
   /// current record if so (0 for a refusal too). 1137 null index.
   int32_t AddIndexKey(TCTCursorDesc* cursor, CTIdxDesc* index, TCTCustomRecordBuffer* buffer);

@@ -174,18 +174,35 @@ int32_t TCTConnection::CreateTable(const std::string& path, bool overwrite, CTTb
   return result;
 }
 
-int32_t TCTConnection::RebuildTable(const IfilDefinition& ifil, const std::optional<std::string>& dataExt) {
-  if (!Active()) return kCtNotActive;
+namespace {
+
+// RBLIFIL or CMPIFIL (compact), plain or with the data extension and the connection's password.
+int32_t RebuildFiles(TCTConnection& conn, const IfilDefinition& ifil, const std::optional<std::string>& dataExt,
+                     bool compact) {
+  if (!conn.Active()) return kCtNotActive;
   try {
-    IfilImage image(ifil, RecordPacking());
-    if (!dataExt) return CTDbIntf::RebuildIFile(Alignment(), image.Data());
+    IfilImage image(ifil, conn.RecordPacking());
+    const CTDbIntf::TLoadAlignment a = conn.Alignment();
+    if (!dataExt) return compact ? CTDbIntf::CompactIFile(a, image.Data()) : CTDbIntf::RebuildIFile(a, image.Data());
     std::string extension = *dataExt;
     std::string indexExt;
-    return CTDbIntf::RebuildIFileXtd(Alignment(), image.Data(), extension.data(), indexExt.data(), kPermissionMask,
-                                     nullptr, CText(Password()));
+    return compact ? CTDbIntf::CompactIFileXtd(a, image.Data(), extension.data(), indexExt.data(), kPermissionMask,
+                                               nullptr, CText(conn.Password()))
+                   : CTDbIntf::RebuildIFileXtd(a, image.Data(), extension.data(), indexExt.data(), kPermissionMask,
+                                               nullptr, CText(conn.Password()));
   } catch (const std::bad_alloc&) {
     return kCtOutOfMemory;
   }
+}
+
+}  // namespace
+
+int32_t TCTConnection::RebuildTable(const IfilDefinition& ifil, const std::optional<std::string>& dataExt) {
+  return RebuildFiles(*this, ifil, dataExt, false);
+}
+
+int32_t TCTConnection::CompactTable(const IfilDefinition& ifil, const std::optional<std::string>& dataExt) {
+  return RebuildFiles(*this, ifil, dataExt, true);
 }
 
 int32_t TCTConnection::AddIndexKey(TCTCursorDesc* cursor, CTIdxDesc* index, TCTCustomRecordBuffer* buffer) {

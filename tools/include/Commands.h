@@ -123,7 +123,9 @@ ExitCode RunCheck(TableBackend& backend, const TableRef& table, Console& console
 ExitCode RunTables(TableBackend& backend, const std::string& directory, Console& console);
 ExitCode RunCopy(TableBackend& backend, const TableRef& source, const TableRef& destination,
                  const CopyOptions& options, Console& console);
-ExitCode RunRebuild(TableBackend& backend, const TableRef& table, Console& console);
+/// rebuild: the table's indexes made again from its records; `compact` gives the data file's free
+/// space back too and reports the file's size before and after.
+ExitCode RunRebuild(TableBackend& backend, const TableRef& table, bool compact, Console& console);
 ExitCode RunAlter(TableBackend& backend, const TableRef& table, const std::vector<FieldDefinition>& fields,
                   const std::vector<IndexDefinition>& indexes, Console& console);
 

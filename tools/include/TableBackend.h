@@ -154,8 +154,9 @@ class TableBackend {
   virtual void CopyTable(const TableRef& source, const TableRef& destination, CopyMode mode, BatchObserver& observer,
                          BatchResult& result);
   /// Rebuilds the table's data and index files in place (every index made again from the
-  /// records). The table must not be open anywhere. The base raises ToolError(kExitUnavailable).
-  virtual void RebuildTable(const TableRef& table);
+  /// records); `compact` also gives the data file's free space back (the file is copied). The
+  /// table must not be open anywhere. The base raises ToolError(kExitUnavailable).
+  virtual void RebuildTable(const TableRef& table, bool compact);
   /// Gives `table` these fields and indexes and keeps its records (fields carried over by name).
   /// The records are copied into new files that replace the table's only when complete: when a
   /// record is rejected (`observer` is told) or anything fails, the table stays as it was and

@@ -1,5 +1,8 @@
 // The tool's structural subcommands: create, drop, add-index, drop-index, info, check, rebuild, alter (tools layer).
+#include <cstdio>
+#include <filesystem>
 #include <ostream>
+#include <system_error>
 
 #include "BatchProgress.h"
 #include "Commands.h"
@@ -88,14 +91,26 @@ ExitCode RunCheck(TableBackend& backend, const TableRef& table, Console& console
   return kExitOk;
 }
 
-ExitCode RunRebuild(TableBackend& backend, const TableRef& table, Console& console) {
+ExitCode RunRebuild(TableBackend& backend, const TableRef& table, bool compact, Console& console) {
+  // The data file's size in MB, or a negative number when it is not a file of its own.
+  const auto megabytes = [](const TableInfo& info) {
+    std::error_code error;
+    const auto bytes = info.Files.empty() ? 0 : std::filesystem::file_size(info.Files.front(), error);
+    return info.Files.empty() || error ? -1.0 : static_cast<double>(bytes) / 1e6;
+  };
+  const double before = compact ? megabytes(backend.Open(table, OpenMode::ReadOnly)->Info()) : -1;
   // One storage call does the work: there is no progress to show, only the outcome.
   const BatchProgress clock(console, "rebuild", false);
-  backend.RebuildTable(table);
+  backend.RebuildTable(table, compact);
   const TableInfo info = backend.Open(table, OpenMode::ReadOnly)->Info();
   console.Out << "rebuilt " << table.Display() << ": " << Plural(info.Indexes.size(), "index", "indexes")
-              << " made anew from " << Plural(static_cast<std::size_t>(info.RecordCount), "record", "records")
-              << clock.Timing(static_cast<std::uint64_t>(info.RecordCount)) << '\n';
+              << " made anew from " << Plural(static_cast<std::size_t>(info.RecordCount), "record", "records");
+  if (const double after = megabytes(info); before >= 0 && after >= 0) {
+    char sizes[64];
+    std::snprintf(sizes, sizeof sizes, ", data file %.1f MB (was %.1f MB)", after, before);
+    console.Out << sizes;
+  }
+  console.Out << clock.Timing(static_cast<std::uint64_t>(info.RecordCount)) << '\n';
   CheckWritten(console.Out, "standard output");
   return kExitOk;
 }

@@ -35,7 +35,7 @@ struct Parsed {
   ImportOptions Import;
   CopyOptions Copy;
   ListOptions List;
-  bool Replace = false;
+  bool Replace = false, Compact = false;
   std::string Format, LineEnd, InfoFormat, TrueTexts, FalseTexts;
   bool NoHeader = false;
   std::size_t MaxWidth = 40;
@@ -282,6 +282,7 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
   copy->add_flag("--replace", p.Copy.Replace, "With --mode copy: replace an existing destination, deleting its records");
   copy->add_flag("--stop-on-error", p.Copy.StopOnError, "Stop at the first rejected record");
   CLI::App* rebuild = AddCommand(app, "rebuild", "Rebuild a table's data and index files in place", p);
+  rebuild->add_flag("--compact", p.Compact, "Also give the data file's free space back (the file is copied)");
   CLI::App* alter = AddCommand(app, "alter", "Give a table new fields and indexes, keeping its records", p);
   alter->add_option("--field,-f", p.FieldTexts, "name:type[:size], several comma-separated: the new fields")
       ->required();
@@ -396,7 +397,7 @@ int RunTool(const std::vector<std::string>& args, Console& console, const Backen
       if (options.Replace && options.Mode != CopyMode::Copy) throw UsageError("--replace goes with --mode copy only");
       return RunCopy(*factory(p.Connection), p.Table, DestinationRef(p.Table, p.Destination), options, console);
     }
-    if (chosen == rebuild) return RunRebuild(*factory(p.Connection), p.Table, console);
+    if (chosen == rebuild) return RunRebuild(*factory(p.Connection), p.Table, p.Compact, console);
     if (chosen == alter)
       return RunAlter(*factory(p.Connection), p.Table, ParseFieldDefinitions(p.FieldTexts),
                       ParseIndexDefinitions(p.IndexTexts), console);

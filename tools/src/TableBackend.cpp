@@ -17,7 +17,7 @@ void TableBackend::CopyTable(const TableRef&, const TableRef&, CopyMode, BatchOb
   throw ToolError(kExitUnavailable, "copying tables is not available with this table layer");
 }
 
-void TableBackend::RebuildTable(const TableRef&) {
+void TableBackend::RebuildTable(const TableRef&, bool) {
   throw ToolError(kExitUnavailable, "rebuilding tables is not available with this table layer");
 }
 

@@ -274,7 +274,13 @@ class TableLayerBackend : public TableBackend {
     result.Written = static_cast<std::uint64_t>(copy.RecordsCopied());
   }
 
-  void RebuildTable(const TableRef& ref) override { NewTable(ref)->RebuildLow(); }
+  void RebuildTable(const TableRef& ref, bool compact) override {
+    const std::unique_ptr<CTTables::TCTTable> table = NewTable(ref);
+    if (compact)
+      table->CompactLow();
+    else
+      table->RebuildLow();
+  }
 
   void AlterTable(const TableRef& ref, const std::vector<FieldDefinition>& fields,
                   const std::vector<IndexDefinition>& indexes, BatchObserver& observer, BatchResult& result) override {
