@@ -177,7 +177,10 @@ void DataStore::Reload() {
   Txn* txn = env_->Snapshot();
   Load(txn);
   // Key databases of indexes added or removed since are looked up again by name.
-  env_->ReadOnce([&](Txn* t) { OpenKeyDbs(t, false); });
+  if (env_->Holding())
+    OpenKeyDbs(env_->Snapshot(), false);
+  else
+    env_->ReadOnce([&](Txn* t) { OpenKeyDbs(t, false); });
 }
 
 void DataStore::OpenKeyDbs(Txn* txn, bool create) {

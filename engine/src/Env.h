@@ -59,8 +59,8 @@ class Env {
   virtual void ForgetAll() = 0;
   // The names of the file's databases that start with prefix, in name order, as seen in txn.
   virtual std::vector<std::string> DbNames(Txn* txn, const std::string& prefix) = 0;
-  // Runs f in a short read transaction of its own, whose database handles (Dbi) stay valid after
-  // it; while holding, f runs in the held transaction instead.
+  // Runs f in a short read transaction of its own (even while holding), whose database handles
+  // (Dbi) stay valid after it: handles opened in a held transaction that is then aborted are not.
   virtual void ReadOnce(const std::function<void(Txn*)>& f) = 0;
 
   // Begins a write transaction, after any set journal left next to the file has been settled

@@ -473,7 +473,6 @@ std::vector<std::string> LmdbEnv::DbNames(Txn* t, const std::string& prefix) {
 // Handles opened in a read transaction that is committed outlive it (those of an aborted one
 // would be closed again).
 void LmdbEnv::ReadOnce(const std::function<void(Txn*)>& f) {
-  if (!held_.empty()) return f(held_.back().get());
   LmdbTxn txn(*this);
   Check(mdb_txn_begin(env_, nullptr, MDB_RDONLY, &txn.raw));
   try {

@@ -20,9 +20,21 @@ constexpr char kHostMagic[8] = {'C', 'T', 'S', 'U', 'P', 'E', 'R', 1};
 // A database handle of the host, opened (the first time) in a short read transaction whose
 // handles outlive it.
 Db HostDbi(Env& env, const char* name) {
+  if (env.Holding()) return env.Dbi(env.Snapshot(), name, false);
   Db dbi = 0;
   env.ReadOnce([&](Txn* txn) { dbi = env.Dbi(txn, name, false); });
   return dbi;
+}
+
+// The value of key in the host's directory or header, false when there is none or it cannot
+// be read (a name too long to be a key is no member; a host whose header cannot be read is
+// damaged, which the caller says).
+bool Lookup(Txn* txn, Db db, const std::string& key, Bytes& value) {
+  try {
+    return txn->Get(db, BytesOf(key), value);
+  } catch (const Fail&) {
+    return false;
+  }
 }
 
 }  // namespace
@@ -56,7 +68,7 @@ std::shared_ptr<Env> OpenHost(const std::string& host, bool create) {
   std::shared_ptr<Env> env = Env::Acquire(host, false);
   Db meta = HostDbi(*env, "sfmeta");
   Bytes v;
-  if (!env->Snapshot()->Get(meta, BytesOf("hdr"), v) || v.size != sizeof kHostMagic ||
+  if (!Lookup(env->Snapshot(), meta, "hdr", v) || v.size != sizeof kHostMagic ||
       std::memcmp(v.data, kHostMagic, sizeof kHostMagic) != 0)
     Throw(CT_EDAMAGED);
   return env;
@@ -78,9 +90,9 @@ uint32_t CreateMember(Env& env, Txn* txn, const std::string& member) {
   Db dir = env.Dbi(txn, "sfdir", false);
   Db meta = env.Dbi(txn, "sfmeta", false);
   Bytes v;
-  if (txn->Get(dir, BytesOf(member), v)) Throw(DCRAT_ERR);
+  if (Lookup(txn, dir, member, v)) Throw(DCRAT_ERR);
   uint32_t id = 1;
-  if (txn->Get(meta, BytesOf("next"), v) && v.size == sizeof id) std::memcpy(&id, v.data, sizeof id);
+  if (Lookup(txn, meta, "next", v) && v.size == sizeof id) std::memcpy(&id, v.data, sizeof id);
   uint32_t next = id + 1;
   txn->Put(dir, BytesOf(member), Bytes{sizeof id, &id});
   txn->Put(meta, BytesOf("next"), Bytes{sizeof next, &next});
@@ -91,7 +103,7 @@ uint32_t FindMember(Env& env, const std::string& member) {
   uint32_t id = 0;
   Db dir = HostDbi(env, "sfdir");
   Bytes v;
-  if (env.Snapshot()->Get(dir, BytesOf(member), v) && v.size == sizeof id) std::memcpy(&id, v.data, sizeof id);
+  if (Lookup(env.Snapshot(), dir, member, v) && v.size == sizeof id) std::memcpy(&id, v.data, sizeof id);
   return id;
 }
 
