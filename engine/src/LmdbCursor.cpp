@@ -6,24 +6,6 @@
 
 namespace cte {
 
-bool MoveLmdb(MDB_cursor* c, Seek op, Bytes& key, Bytes& value) {
-  MDB_cursor_op mop = MDB_FIRST;
-  switch (op) {
-    case Seek::kFirst: mop = MDB_FIRST; break;
-    case Seek::kLast: mop = MDB_LAST; break;
-    case Seek::kNext: mop = MDB_NEXT; break;
-    case Seek::kPrev: mop = MDB_PREV; break;
-    case Seek::kAtOrAfter: mop = MDB_SET_RANGE; break;
-  }
-  MDB_val k = ToMdb(key), v = ToMdb(value);
-  const int rc = mdb_cursor_get(c, &k, &v, mop);
-  if (rc == MDB_NOTFOUND) return false;
-  Check(rc);
-  key = FromMdb(k);
-  value = FromMdb(v);
-  return true;
-}
-
 void LmdbCursor::Open(MDB_txn* txn, Db dbi) { Check(mdb_cursor_open(txn, dbi, &c_)); }
 
 void LmdbCursor::Close() {

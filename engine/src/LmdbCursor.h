@@ -8,13 +8,25 @@
 
 #include "Cursor.h"
 #include "Db.h"
+#include "LmdbCheck.h"
 
 namespace cte {
 
 class LmdbEnv;
 
 // Moves an LMDB cursor by a neutral operation: false on MDB_NOTFOUND, other failures thrown.
-bool MoveLmdb(MDB_cursor* c, Seek op, Bytes& key, Bytes& value);
+// Inline: every record a scan reads passes here.
+inline bool MoveLmdb(MDB_cursor* c, Seek op, Bytes& key, Bytes& value) {
+  static constexpr MDB_cursor_op kOps[] = {MDB_FIRST, MDB_LAST, MDB_NEXT, MDB_PREV, MDB_SET_RANGE};
+  static_assert(static_cast<int>(Seek::kAtOrAfter) == 4, "kOps follows the order of Seek");
+  MDB_val k = ToMdb(key), v = ToMdb(value);
+  const int rc = mdb_cursor_get(c, &k, &v, kOps[static_cast<int>(op)]);
+  if (rc == MDB_NOTFOUND) return false;
+  Check(rc);
+  key = FromMdb(k);
+  value = FromMdb(v);
+  return true;
+}
 
 // A cursor for one call (Txn::OpenCursor). Close hands the object back to its Env, which reuses
 // it for the next one, so that opening one costs no allocation beyond LMDB's own.
