@@ -44,13 +44,15 @@ class Env {
   // True when the file was opened read-only because this process may not write it.
   bool ReadOnly() const { return readOnly_; }
 
+  // Changes whenever the snapshot does, and with every write of a held transaction, so that
+  // positions taken from it know when to re-seek (kept by the backend; read on every call).
+  uint64_t Gen() const { return gen_; }
+
   // --- descendants must implement ---
 
   // The current read snapshot, renewed when another commit happened since it began (while
-  // holding: the innermost held transaction). Gen() changes whenever the snapshot does, and with
-  // every write of a held transaction, so that positions taken from it know when to re-seek.
+  // holding: the innermost held transaction).
   virtual Txn* Snapshot() = 0;
-  virtual uint64_t Gen() const = 0;
   // Opens (or creates, inside the write transaction txn) the named database with flags (Db.h);
   // handles are cached by name. CT_EDAMAGED when it is missing and create is not set.
   virtual Db Dbi(Txn* txn, const std::string& name, bool create, unsigned flags = 0) = 0;
@@ -122,6 +124,7 @@ class Env {
 
  protected:
   Env(std::string path, bool readOnly) : path_(std::move(path)), readOnly_(readOnly) {}
+  uint64_t gen_ = 1;
 
  private:
   std::string path_;

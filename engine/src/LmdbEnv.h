@@ -23,7 +23,6 @@ class LmdbEnv final : public Env {
   ~LmdbEnv() override;
 
   Txn* Snapshot() override { return Read(); }
-  uint64_t Gen() const override { return gen_; }
   Db Dbi(Txn* txn, const std::string& name, bool create, unsigned flags = 0) override;
   void Forget(const std::string& name) override { dbis_.erase(name); }
   void ForgetAll() override { dbis_.clear(); }
@@ -87,7 +86,6 @@ class LmdbEnv final : public Env {
   LmdbTxn read_{*this};   // the read snapshot (its LMDB transaction is reset, not freed)
   bool rtxnLive_ = false;
   LmdbTxn write_{*this};  // the write transaction outside a set, or a held base being begun
-  uint64_t gen_ = 1;
   std::map<std::string, MDB_dbi> dbis_;
   std::map<MDB_dbi, std::string> names_;
   std::vector<std::unique_ptr<LmdbCursor>> spare_;  // closed cursor objects for reuse
