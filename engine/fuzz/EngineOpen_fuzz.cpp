@@ -27,7 +27,7 @@
 #include <vector>
 
 #include "Fail.h"
-#include "PageVerify.h"
+#include "StorageFiles.h"
 #include "ctisam.h"
 
 namespace {
@@ -220,7 +220,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (!Patch(bytes, data + 2, size - 2)) return 0;
     WriteFile(index ? kIndex : kData, bytes);
     try {
-      cte::VerifyPages(index ? kIndex : kData);
+      cte::VerifyFile(index ? kIndex : kData);
     } catch (const cte::Fail&) {
       return 0;
     }

@@ -23,22 +23,15 @@ constexpr uint32_t kVersion = 2;
 constexpr uint32_t kOldestVersion = 1;
 constexpr uint32_t kFirstPos = 128;
 
-MDB_val Val(const void* p, size_t n) { return MDB_val{n, const_cast<void*>(p)}; }
-MDB_val Val(const std::string& s) { return Val(s.data(), s.size()); }
-MDB_val Val(const char* s) { return Val(s, std::strlen(s)); }
-
-bool GetMeta(MDB_txn* txn, MDB_dbi dbi, const char* key, std::string& out) {
-  MDB_val k = Val(key), v{};
-  int rc = mdb_get(txn, dbi, &k, &v);
-  if (rc == MDB_NOTFOUND) return false;
-  Check(rc);
-  out.assign(static_cast<const char*>(v.mv_data), v.mv_size);
+bool GetMeta(Txn* txn, Db dbi, const char* key, std::string& out) {
+  Bytes v;
+  if (!txn->Get(dbi, BytesOf(key), v)) return false;
+  out.assign(static_cast<const char*>(v.data), v.size);
   return true;
 }
 
-void PutMeta(MDB_txn* txn, MDB_dbi dbi, const char* key, const std::string& value) {
-  MDB_val k = Val(key), v = Val(value);
-  Check(Put(txn, dbi, &k, &v, 0));
+void PutMeta(Txn* txn, Db dbi, const char* key, const std::string& value) {
+  txn->Put(dbi, BytesOf(key), BytesOf(value));
 }
 
 FileHeader MakeHeader(uint8_t kind, uint16_t filmod, uint32_t reclen, const char* password) {
@@ -53,7 +46,7 @@ FileHeader MakeHeader(uint8_t kind, uint16_t filmod, uint32_t reclen, const char
   return h;
 }
 
-FileHeader ReadHeader(MDB_txn* txn, MDB_dbi meta, uint8_t kind) {
+FileHeader ReadHeader(Txn* txn, Db meta, uint8_t kind) {
   std::string raw;
   if (!GetMeta(txn, meta, "hdr", raw) || raw.size() != sizeof(FileHeader)) Throw(CT_EDAMAGED);
   FileHeader h;
@@ -81,21 +74,6 @@ std::map<std::pair<Env*, std::string>, std::weak_ptr<DataStore>>& Stores() {
   return stores;
 }
 
-// Opens the named databases with a short read transaction committed at once, so that the
-// handles outlive it (handles opened in an aborted transaction would be closed again).
-template <typename F>
-void WithShortRead(Env& env, F&& f) {
-  MDB_txn* txn = nullptr;
-  Check(mdb_txn_begin(env.Raw(), nullptr, MDB_RDONLY, &txn));
-  try {
-    f(txn);
-  } catch (...) {
-    mdb_txn_abort(txn);
-    throw;
-  }
-  Check(mdb_txn_commit(txn));
-}
-
 }  // namespace
 
 uint64_t PasswordHash(const char* password) {
@@ -121,7 +99,7 @@ std::shared_ptr<DataStore> DataStore::Create(const std::string& path, const File
       s->prefix_ = MemberPrefix(s->member_);
     }
     s->meta_ = s->env_->Dbi(w.Get(), s->prefix_ + "meta", true);
-    s->rec_ = s->env_->Dbi(w.Get(), s->prefix_ + "rec", true, MDB_INTEGERKEY);
+    s->rec_ = s->env_->Dbi(w.Get(), s->prefix_ + "rec", true, kIntegerKeys);
     s->res_ = s->env_->Dbi(w.Get(), s->prefix_ + "res", true);
     PutMeta(w.Get(), s->meta_, "hdr", std::string(reinterpret_cast<const char*>(&s->hdr_), sizeof s->hdr_));
     s->WriteCounters(w.Get(), Counters{kFirstPos, 0});
@@ -154,10 +132,10 @@ std::shared_ptr<DataStore> DataStore::Open(const std::string& path, const char* 
     s->path_ = path;
     s->member_ = member;
     s->prefix_ = prefix;
-    WithShortRead(*env, [&](MDB_txn* txn) {
+    env->ReadOnce([&](Txn* txn) {
       s->meta_ = env->Dbi(txn, prefix + "meta", false);
       s->hdr_ = ReadHeader(txn, s->meta_, kKindData);
-      s->rec_ = env->Dbi(txn, prefix + "rec", false, MDB_INTEGERKEY);
+      s->rec_ = env->Dbi(txn, prefix + "rec", false, kIntegerKeys);
       s->res_ = env->Dbi(txn, prefix + "res", false);
       s->Load(txn);
       s->OpenKeyDbs(txn, false);
@@ -170,7 +148,7 @@ std::shared_ptr<DataStore> DataStore::Open(const std::string& path, const char* 
   return s;
 }
 
-void DataStore::Load(MDB_txn* txn) {
+void DataStore::Load(Txn* txn) {
   std::string raw;
   hasIfil_ = GetMeta(txn, meta_, "ifil", raw);
   if (hasIfil_) {
@@ -196,16 +174,16 @@ void DataStore::Load(MDB_txn* txn) {
 }
 
 void DataStore::Reload() {
-  MDB_txn* txn = env_->Snapshot();
+  Txn* txn = env_->Snapshot();
   Load(txn);
   // Key databases of indexes added or removed since are looked up again by name.
   if (env_->Holding())
     OpenKeyDbs(env_->Snapshot(), false);
   else
-    WithShortRead(*env_, [&](MDB_txn* t) { OpenKeyDbs(t, false); });
+    env_->ReadOnce([&](Txn* t) { OpenKeyDbs(t, false); });
 }
 
-void DataStore::OpenKeyDbs(MDB_txn* txn, bool create) {
+void DataStore::OpenKeyDbs(Txn* txn, bool create) {
   keys_.clear();
   for (IndexDef& ix : def_.idx) {
     if (ix.keydb < 0) ix.keydb = NextKeyDb(def_);
@@ -241,7 +219,7 @@ const KeyLayout& DataStore::Layout(size_t ordinal) {
   return *layouts_[ordinal];
 }
 
-void DataStore::CheckCurrent(MDB_txn* txn) {
+void DataStore::CheckCurrent(Txn* txn) {
   std::string raw;
   uint32_t stored = 0;
   if (GetMeta(txn, meta_, "dver", raw) && raw.size() == sizeof stored) std::memcpy(&stored, raw.data(), sizeof stored);
@@ -250,12 +228,12 @@ void DataStore::CheckCurrent(MDB_txn* txn) {
 
 // Every definition or schema change advances the stored version, so that other processes'
 // writers notice it (CheckCurrent) before they write with the old one.
-void DataStore::BumpVersion(MDB_txn* txn) {
+void DataStore::BumpVersion(Txn* txn) {
   ++dver_;
   PutMeta(txn, meta_, "dver", std::string(reinterpret_cast<const char*>(&dver_), sizeof dver_));
 }
 
-void DataStore::PutDef(MDB_txn* txn, const FileDef& given) {
+void DataStore::PutDef(Txn* txn, const FileDef& given) {
   FileDef def = given;
   for (IndexDef& ix : def.idx)
     if (ix.keydb < 0) ix.keydb = NextKeyDb(def);
@@ -268,7 +246,7 @@ void DataStore::PutDef(MDB_txn* txn, const FileDef& given) {
   layouts_.resize(def_.idx.size());
 }
 
-void DataStore::PutFields(MDB_txn* txn, const std::vector<FieldDef>& fields) {
+void DataStore::PutFields(Txn* txn, const std::vector<FieldDef>& fields) {
   PutMeta(txn, meta_, "doda", Serialize(fields));
   BumpVersion(txn);
   fields_ = fields;
@@ -279,27 +257,27 @@ void DataStore::PutFields(MDB_txn* txn, const std::vector<FieldDef>& fields) {
   layouts_.resize(def_.idx.size());
 }
 
-void DataStore::PutHeader(MDB_txn* txn, const FileHeader& hdr) {
+void DataStore::PutHeader(Txn* txn, const FileHeader& hdr) {
   PutMeta(txn, meta_, "hdr", std::string(reinterpret_cast<const char*>(&hdr), sizeof hdr));
 }
 
 bool DataStore::Packed() const { return hdr_.version >= 2 && (hdr_.filmod & VLENGTH) == 0; }
 
-MDB_val DataStore::Pack(const void* rec, size_t n, std::vector<uint8_t>& space) const {
-  if (!Packed()) return MDB_val{n, const_cast<void*>(rec)};
+Bytes DataStore::Pack(const void* rec, size_t n, std::vector<uint8_t>& space) const {
+  if (!Packed()) return Bytes{n, rec};
   RecordCodec::Encode(static_cast<const uint8_t*>(rec), n, space);
-  return MDB_val{space.size(), space.data()};
+  return Bytes{space.size(), space.data()};
 }
 
-MDB_val DataStore::Unpack(const MDB_val& stored, std::vector<uint8_t>& space) const {
+Bytes DataStore::Unpack(const Bytes& stored, std::vector<uint8_t>& space) const {
   if (!Packed()) return stored;
   if (space.size() != hdr_.reclen) space.resize(hdr_.reclen);
-  if (!RecordCodec::Decode(static_cast<const uint8_t*>(stored.mv_data), stored.mv_size, space.data(), space.size()))
+  if (!RecordCodec::Decode(static_cast<const uint8_t*>(stored.data), stored.size, space.data(), space.size()))
     Throw(CT_EDAMAGED);
-  return MDB_val{space.size(), space.data()};
+  return Bytes{space.size(), space.data()};
 }
 
-DataStore::Counters DataStore::ReadCounters(MDB_txn* txn) {
+DataStore::Counters DataStore::ReadCounters(Txn* txn) {
   std::string raw;
   Counters c{};
   if (!GetMeta(txn, meta_, "ctr", raw) || raw.size() != sizeof c) Throw(CT_EDAMAGED);
@@ -307,7 +285,7 @@ DataStore::Counters DataStore::ReadCounters(MDB_txn* txn) {
   return c;
 }
 
-void DataStore::WriteCounters(MDB_txn* txn, const Counters& c) {
+void DataStore::WriteCounters(Txn* txn, const Counters& c) {
   PutMeta(txn, meta_, "ctr", std::string(reinterpret_cast<const char*>(&c), sizeof c));
 }
 
@@ -320,7 +298,7 @@ std::shared_ptr<Env> IndexFile::Create(const std::string& path, const std::strin
     WriteTxn w(*env);
     std::string prefix;
     if (place.IsMember()) prefix = MemberPrefix(CreateMember(*env, w.Get(), place.member));
-    MDB_dbi meta = env->Dbi(w.Get(), prefix + "meta", true);
+    Db meta = env->Dbi(w.Get(), prefix + "meta", true);
     FileHeader h = MakeHeader(kKindIndex, 0, 0, nullptr);
     h.password = password;
     PutMeta(w.Get(), meta, "hdr", std::string(reinterpret_cast<const char*>(&h), sizeof h));
@@ -342,8 +320,8 @@ FileDef IndexFile::Definition(Env& env, const std::string& path) {
   std::string prefix;
   if (place.IsMember()) prefix = MemberPrefix(FindMember(env, place.member));
   std::string raw;
-  WithShortRead(env, [&](MDB_txn* txn) {
-    MDB_dbi meta = env.Dbi(txn, prefix + "meta", false);
+  env.ReadOnce([&](Txn* txn) {
+    Db meta = env.Dbi(txn, prefix + "meta", false);
     if (!GetMeta(txn, meta, "def", raw)) Throw(CT_EDAMAGED);
   });
   return ParseFileDef(raw);
@@ -354,7 +332,7 @@ void IndexFile::PutDefinition(Env& env, const std::string& path, const FileDef& 
   std::string prefix;
   WriteTxn w(env);
   if (place.IsMember()) prefix = MemberPrefix(FindMember(env, place.member));
-  MDB_dbi meta = env.Dbi(w.Get(), prefix + "meta", false);
+  Db meta = env.Dbi(w.Get(), prefix + "meta", false);
   PutMeta(w.Get(), meta, "def", Serialize(def));
   w.Commit(true);
 }
@@ -377,8 +355,8 @@ std::shared_ptr<Env> IndexFile::Open(const std::string& path, const char* passwo
   std::shared_ptr<Env> env = place.IsMember() ? OpenHost(place.host, false) : Env::Acquire(path, false);
   const std::string prefix = IndexPrefix(*env, path);
   FileHeader h;
-  WithShortRead(*env, [&](MDB_txn* txn) {
-    MDB_dbi meta = env->Dbi(txn, prefix + "meta", false);
+  env->ReadOnce([&](Txn* txn) {
+    Db meta = env->Dbi(txn, prefix + "meta", false);
     h = ReadHeader(txn, meta, kKindIndex);
   });
   if (h.password != 0 && PasswordHash(password) != h.password) Throw(BPWD_ERR);
@@ -390,7 +368,7 @@ void IndexFile::PutPassword(const std::string& path, uint64_t password) {
   std::shared_ptr<Env> env = place.IsMember() ? OpenHost(place.host, false) : Env::Acquire(path, false);
   const std::string prefix = IndexPrefix(*env, path);
   WriteTxn w(*env);
-  MDB_dbi meta = env->Dbi(w.Get(), prefix + "meta", false);
+  Db meta = env->Dbi(w.Get(), prefix + "meta", false);
   FileHeader h = ReadHeader(w.Get(), meta, kKindIndex);
   h.password = password;
   PutMeta(w.Get(), meta, "hdr", std::string(reinterpret_cast<const char*>(&h), sizeof h));

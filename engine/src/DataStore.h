@@ -1,4 +1,4 @@
-// DataStore: one data file (an LMDB environment) with its records, keys, resources and cached
+// DataStore: one data file (an Env) with its records, keys, resources and cached
 // schema, shared by every handle of this process that has the file open.
 #pragma once
 
@@ -8,9 +8,11 @@
 #include <vector>
 
 #include "Condition.h"
+#include "Env.h"
 #include "KeyBuilder.h"
-#include "Lmdb.h"
 #include "Schema.h"
+#include "StorageFiles.h"
+#include "WriteTxn.h"
 
 namespace cte {
 
@@ -61,45 +63,45 @@ class DataStore {
   // False when index ordinal has a condition the record (n bytes) does not satisfy.
   bool Accepts(size_t ordinal, const uint8_t* rec, size_t n);
 
-  MDB_dbi RecDbi() const { return rec_; }
+  Db RecDbi() const { return rec_; }
   // Stored form of records (see FORMAT.md): fixed-length records of files of format version 2
   // are kept encoded by RecordCodec; other records are stored exactly as given.
   bool Packed() const;
   // The value to store for the n bytes at rec; space holds the encoded bytes when needed.
-  MDB_val Pack(const void* rec, size_t n, std::vector<uint8_t>& space) const;
+  Bytes Pack(const void* rec, size_t n, std::vector<uint8_t>& space) const;
   // The whole record for a stored value: the value itself, or its decoding into space (the
   // record length). Throws Fail CT_EDAMAGED for a stored value that does not decode.
-  MDB_val Unpack(const MDB_val& stored, std::vector<uint8_t>& space) const;
-  MDB_dbi KeyDbi(size_t ordinal) const { return keys_[ordinal]; }
+  Bytes Unpack(const Bytes& stored, std::vector<uint8_t>& space) const;
+  Db KeyDbi(size_t ordinal) const { return keys_[ordinal]; }
 
   // Writes inside txn (the caller commits). PutDef replaces the stored definition, creating
   // key databases for new index ordinals; PutFields replaces the schema.
-  void PutDef(MDB_txn* txn, const FileDef& def);
-  void PutFields(MDB_txn* txn, const std::vector<FieldDef>& fields);
+  void PutDef(Txn* txn, const FileDef& def);
+  void PutFields(Txn* txn, const std::vector<FieldDef>& fields);
   // Replaces the stored header inside txn; CacheHeader makes the cached copy match once the
   // transaction has committed.
-  void PutHeader(MDB_txn* txn, const FileHeader& hdr);
+  void PutHeader(Txn* txn, const FileHeader& hdr);
   void CacheHeader(const FileHeader& hdr) { hdr_ = hdr; }
   // Counters: the next free position and the last serial number.
   struct Counters {
     uint32_t nextPos;
     uint32_t serial;
   };
-  Counters ReadCounters(MDB_txn* txn);
+  Counters ReadCounters(Txn* txn);
   // Throws Fail kStaleDefinition when the stored definition or schema is newer than the one
   // this store loaded (another process changed it).
-  void CheckCurrent(MDB_txn* txn);
-  void BumpVersion(MDB_txn* txn);
-  void WriteCounters(MDB_txn* txn, const Counters& c);
-  MDB_dbi ResDbi() const { return res_; }
+  void CheckCurrent(Txn* txn);
+  void BumpVersion(Txn* txn);
+  void WriteCounters(Txn* txn, const Counters& c);
+  Db ResDbi() const { return res_; }
   // Reloads the cached definition and schema from the snapshot (after another handle or
   // process changed them).
   void Reload();
 
  private:
   DataStore() = default;
-  void Load(MDB_txn* txn);
-  void OpenKeyDbs(MDB_txn* txn, bool create);
+  void Load(Txn* txn);
+  void OpenKeyDbs(Txn* txn, bool create);
 
   std::shared_ptr<Env> env_;
   std::string path_;
@@ -113,11 +115,11 @@ class DataStore {
   bool hasFields_ = false;
   std::vector<std::unique_ptr<KeyLayout>> layouts_;
   std::vector<std::shared_ptr<const Condition>> conds_;
-  MDB_dbi meta_ = 0, rec_ = 0, res_ = 0;
-  std::vector<MDB_dbi> keys_;
+  Db meta_ = 0, rec_ = 0, res_ = 0;
+  std::vector<Db> keys_;
 };
 
-// An index file: an LMDB environment holding the definitions of its members (the keys
+// An index file: an Env holding the definitions of its members (the keys
 // themselves live in the data file, so that a record and its keys commit together).
 class IndexFile {
  public:

@@ -19,7 +19,4 @@ struct Fail {
 // returned to a caller.
 constexpr int kStaleDefinition = 0x7001;
 
-// Maps an LMDB or errno result to the engine's error numbers and throws.
-[[noreturn]] void ThrowLmdb(int rc);
-
 }  // namespace cte

@@ -2,6 +2,7 @@
 // read into the caller's buffer chunk by chunk or deleted together.
 #include <cstring>
 
+#include "IoCounters.h"
 #include "ReadCursor.h"
 #include "Session.h"
 
@@ -12,18 +13,18 @@ namespace {
 constexpr int kActions = BAT_CAN | BAT_NXT | BAT_GET | BAT_DEL;
 
 // Collects the positions (and keys) of the keys of dbi starting with prefix (plen bytes).
-void Select(MDB_txn* txn, MDB_dbi dbi, const uint8_t* prefix, int plen, int keylen, bool withKeys,
+void Select(Txn* txn, Db dbi, const uint8_t* prefix, int plen, int keylen, bool withKeys,
             BatchState& b) {
   ReadCursor c(txn, dbi);
-  MDB_val k{static_cast<size_t>(plen), const_cast<uint8_t*>(prefix)}, v{};
-  int rc = c.Get(k, v, plen ? MDB_SET_RANGE : MDB_FIRST);
-  while (rc == 0 && std::memcmp(k.mv_data, prefix, plen) == 0) {
-    if (k.mv_size != static_cast<size_t>(keylen) || v.mv_size != 4) Throw(CT_EDAMAGED);
+  Bytes k{static_cast<size_t>(plen), prefix}, v{};
+  bool at = c.Move(plen ? Seek::kAtOrAfter : Seek::kFirst, k, v);
+  while (at && std::memcmp(k.data, prefix, plen) == 0) {
+    if (k.size != static_cast<size_t>(keylen) || v.size != 4) Throw(CT_EDAMAGED);
     uint32_t pos;
-    std::memcpy(&pos, v.mv_data, 4);
+    std::memcpy(&pos, v.data, 4);
     b.positions.push_back(pos);
-    if (withKeys) b.keys.insert(b.keys.end(), static_cast<uint8_t*>(k.mv_data), static_cast<uint8_t*>(k.mv_data) + keylen);
-    rc = c.Get(k, v, MDB_NEXT);
+    if (withKeys) b.keys.insert(b.keys.end(), static_cast<const uint8_t*>(k.data), static_cast<const uint8_t*>(k.data) + keylen);
+    at = c.Move(Seek::kNext, k, v);
   }
 }
 
@@ -81,7 +82,7 @@ void Session::FillBatch(BatchState& b, BatchRequest& req, void* buf, long bufsiz
   const size_t room = static_cast<size_t>(bufsiz);
   while (b.next < b.positions.size()) {
     const uint32_t pos = b.positions[b.next];
-    MDB_val rec{};
+    Bytes rec{};
     size_t need = 4;
     if (b.options & BAT_KEY) {
       need += b.keylen;
@@ -91,7 +92,7 @@ void Session::FillBatch(BatchState& b, BatchRequest& req, void* buf, long bufsiz
         continue;
       }
       rec = s.Unpack(rec, unpacked_);
-      need += 4 + rec.mv_size;
+      need += 4 + rec.size;
     }
     if (used + need > room) {
       if (used == 0) {
@@ -105,9 +106,9 @@ void Session::FillBatch(BatchState& b, BatchRequest& req, void* buf, long bufsiz
     if (b.options & BAT_KEY) {
       std::memcpy(out + used + 4, b.keys.data() + b.next * b.keylen, b.keylen);
     } else if (!(b.options & BAT_POS)) {
-      uint32_t len = static_cast<uint32_t>(rec.mv_size);
+      uint32_t len = static_cast<uint32_t>(rec.size);
       std::memcpy(out + used + 4, &len, 4);
-      std::memcpy(out + used + 8, rec.mv_data, rec.mv_size);
+      std::memcpy(out + used + 8, rec.data, rec.size);
       ++Io().reads;
     }
     used += need;
@@ -129,25 +130,21 @@ void Session::DeleteBatch(int keyno, BatchRequest& req) {
   for (uint32_t pos : sel.positions) CheckChange(h, pos);
   const size_t nidx = s.IndexCount();
   uint8_t key[CT_MAXKEYLEN];
-  Write(h, [&](MDB_txn* txn) {
+  Write(h, [&](Txn* txn) {
     for (uint32_t pos : sel.positions) {
-      MDB_val rk{sizeof pos, &pos}, stored{};
-      int rc = mdb_get(txn, s.RecDbi(), &rk, &stored);
-      if (rc == MDB_NOTFOUND) Throw(CT_EDAMAGED);
-      Check(rc);
-      const MDB_val old = s.Unpack(stored, unpacked_);
+      Bytes rk{sizeof pos, &pos}, stored{};
+      if (!txn->Get(s.RecDbi(), rk, stored)) Throw(CT_EDAMAGED);
+      const Bytes old = s.Unpack(stored, unpacked_);
       // A key is removed only where it points at this record, whatever rule kept it out of an
       // index (null key, condition).
       for (size_t i = 0; i < nidx; ++i) {
         const KeyLayout& layout = s.Layout(i);
-        layout.Build(static_cast<const uint8_t*>(old.mv_data), old.mv_size, pos, key);
-        MDB_val k{static_cast<size_t>(layout.KeyLen()), key}, v{};
-        rc = mdb_get(txn, s.KeyDbi(i), &k, &v);
-        if (rc == MDB_NOTFOUND) continue;
-        Check(rc);
-        if (v.mv_size == 4 && std::memcmp(v.mv_data, &pos, 4) == 0) Check(Del(txn, s.KeyDbi(i), &k, nullptr));
+        layout.Build(static_cast<const uint8_t*>(old.data), old.size, pos, key);
+        Bytes k{static_cast<size_t>(layout.KeyLen()), key}, v{};
+        if (!txn->Get(s.KeyDbi(i), k, v)) continue;
+        if (v.size == 4 && std::memcmp(v.data, &pos, 4) == 0 && !txn->Del(s.KeyDbi(i), k)) Throw(CT_EIO);
       }
-      Check(Del(txn, s.RecDbi(), &rk, nullptr));
+      if (!txn->Del(s.RecDbi(), rk)) Throw(CT_EIO);
     }
   });
   req.total = static_cast<long>(sel.positions.size());

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "PageVerify.h"
+#include "StorageFiles.h"
 
 namespace cte {
 
@@ -185,11 +185,11 @@ long Session::GetFil(int filno, int mode) {
     }
     case FILTYP: return h.isIndex ? 1 : 0;
     case FILVERIFY:
-      // The walk reads without taking part in LMDB's reader table: only a file nobody else can
-      // write while it runs (open exclusively) is walked.
+      // The walk reads without taking part in the backend's reader bookkeeping: only a file nobody
+      // else can write while it runs (open exclusively) is walked.
       if (h.mode & SHARED) Throw(FMOD_ERR);
       if (Locate(h.path).IsMember()) Throw(NSUP_ERR);
-      VerifyPages(h.path);
+      VerifyFile(h.path);
       return 0;
     default: Throw(CT_EBADARG);
   }

@@ -292,7 +292,7 @@ void Session::Rename(int filno, const char* newname) {
     CheckRenamePath(oldDir + from, newDir + to);
   }
   bool hasIfil = h.store->HasIfil();
-  if (hasIfil) WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
+  if (hasIfil) WriteDefinition(h, [&](Txn* txn) { h.store->PutDef(txn, def); });
   int mode = h.mode;
   std::string password = h.password;
   if (hasIfil) CloseSet(filno); else CloseFile(filno);
@@ -333,7 +333,7 @@ void Session::PutIfil(const FileDef& given) {
       if (def.idx[i].altseq.empty()) def.idx[i].altseq = old.idx[i].altseq;
     }
     def.dfilno = old.dfilno;
-    WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
+    WriteDefinition(h, [&](Txn* txn) { h.store->PutDef(txn, def); });
     return;
   }
   // Fewer indexes: each given one is one the file has, matched by name (unnamed ones by
@@ -366,7 +366,7 @@ void Session::PutIfil(const FileDef& given) {
       if (ix.keydb == kept.idx[i].keydb) kept.idx[i] = ix;
   def.idx = kept.idx;
   if (dropped.empty()) {
-    WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
+    WriteDefinition(h, [&](Txn* txn) { h.store->PutDef(txn, def); });
     return;
   }
   std::vector<std::string> before = IndexFiles(old);
@@ -386,7 +386,7 @@ std::vector<FieldDef> Session::GetFields(int datno) {
 void Session::PutFields(int datno, const std::vector<FieldDef>& fields) {
   Handle& h = Data(datno);
   CheckWritable(h);
-  WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutFields(txn, fields); });
+  WriteDefinition(h, [&](Txn* txn) { h.store->PutFields(txn, fields); });
 }
 
 namespace {
@@ -410,13 +410,12 @@ void Session::AddRes(int datno, const void* res, long len, bool update) {
   CheckWritable(h);
   if (!res || len < 9 || !std::memchr(static_cast<const char*>(res) + 8, 0, len - 8)) Throw(CT_EBADARG);
   std::string key = ResKey(res);
-  Write(h, [&](MDB_txn* txn) {
-    MDB_val k{key.size(), key.data()}, v{static_cast<size_t>(len), const_cast<void*>(res)}, old{};
-    int rc = mdb_get(txn, h.store->ResDbi(), &k, &old);
-    if (rc != 0 && rc != MDB_NOTFOUND) Check(rc);
-    if (update && rc == MDB_NOTFOUND) Throw(RNOT_ERR);
-    if (!update && rc == 0) Throw(CT_ERESDUP);
-    Check(Put(txn, h.store->ResDbi(), &k, &v, 0));
+  Write(h, [&](Txn* txn) {
+    Bytes k = BytesOf(key), v{static_cast<size_t>(len), res}, old{};
+    const bool found = txn->Get(h.store->ResDbi(), k, old);
+    if (update && !found) Throw(RNOT_ERR);
+    if (!update && found) Throw(CT_ERESDUP);
+    txn->Put(h.store->ResDbi(), k, v);
   });
 }
 
@@ -425,11 +424,8 @@ void Session::DelRes(int datno, const void* res) {
   CheckWritable(h);
   if (!res) Throw(CT_EBADARG);
   std::string key = ResKey(res);
-  Write(h, [&](MDB_txn* txn) {
-    MDB_val k{key.size(), key.data()};
-    int rc = Del(txn, h.store->ResDbi(), &k, nullptr);
-    if (rc == MDB_NOTFOUND) Throw(RNOT_ERR);
-    Check(rc);
+  Write(h, [&](Txn* txn) {
+    if (!txn->Del(h.store->ResDbi(), BytesOf(key))) Throw(RNOT_ERR);
   });
 }
 
@@ -437,13 +433,11 @@ long Session::GetRes(int datno, const void* res, void* buf, long bufsiz) {
   Handle& h = Data(datno);
   if (!res || !buf) Throw(CT_EBADARG);
   std::string key = ResKey(res);
-  MDB_val k{key.size(), key.data()}, v{};
-  int rc = mdb_get(h.store->env().Snapshot(), h.store->ResDbi(), &k, &v);
-  if (rc == MDB_NOTFOUND) Throw(RNOT_ERR);
-  Check(rc);
-  if (bufsiz < 0 || static_cast<size_t>(bufsiz) < v.mv_size) Throw(VBSZ_ERR);
-  std::memcpy(buf, v.mv_data, v.mv_size);
-  return static_cast<long>(v.mv_size);
+  Bytes v;
+  if (!h.store->env().Snapshot()->Get(h.store->ResDbi(), BytesOf(key), v)) Throw(RNOT_ERR);
+  if (bufsiz < 0 || static_cast<size_t>(bufsiz) < v.size) Throw(VBSZ_ERR);
+  std::memcpy(buf, v.data, v.size);
+  return static_cast<long>(v.size);
 }
 
 }  // namespace cte

@@ -10,7 +10,11 @@
 #include <vector>
 
 #include "DataStore.h"
-#include "Lmdb.h"
+#include "Env.h"
+#include "FileLock.h"
+#include "KeptCursor.h"
+#include "StorageFiles.h"
+#include "WriteTxn.h"
 #include "Schema.h"
 #include "Superfile.h"
 #include "ctisam.h"
@@ -24,7 +28,7 @@ struct KeyPos {
   uint32_t pos = 0;
   bool valid = false;
   bool at = false;
-  Cursor cur;
+  KeptCursor cur;
 };
 
 // The current record and keys of one data file in one context.
@@ -34,8 +38,8 @@ struct Position {
   void CopyFrom(const Position& o);
   uint32_t cur = 0;
   bool recAt = false;
-  Cursor recCur;
-  MDB_val curVal{};  // the current record in the snapshot of generation curGen
+  KeptCursor recCur;
+  Bytes curVal{};  // the current record in the snapshot of generation curGen
   uint64_t curGen = 0;
   std::vector<std::unique_ptr<KeyPos>> keys;
   std::vector<uint8_t> curSpace;  // the current record decoded, when curVal points here
@@ -283,7 +287,7 @@ class Session {
   // DELFIL of an index: the index file with every member it holds and their keys (EXCLUSIVE).
   void DeleteIndexFile(int keyno);
   // Empties the key database of index ordinal and adds the key of every record (inside txn).
-  void FillIndex(DataStore& s, MDB_txn* txn, size_t ordinal);
+  void FillIndex(DataStore& s, Txn* txn, size_t ordinal);
   // Marks index ordinal's current keys unknown in every context of data handle `data` (and
   // gives its positions room for indexes added since).
   void ForgetKeys(Handle& data, size_t ordinal);
@@ -335,14 +339,14 @@ class Session {
   }
   // The record at pos in the current snapshot, in its stored form (false when none): pass it
   // through DataStore::Unpack before reading its bytes.
-  bool Fetch(DataStore& s, uint32_t pos, MDB_val& out);
-  void CopyOut(const MDB_val& v, void* buf, long bufsiz, bool fixed, uint32_t reclen, long& len);
+  bool Fetch(DataStore& s, uint32_t pos, Bytes& out);
+  void CopyOut(const Bytes& v, void* buf, long bufsiz, bool fixed, uint32_t reclen, long& len);
   // Makes the current key of index ordinal of p valid, rebuilding it from the current record.
   KeyPos& EnsureKey(Handle& data, Position& p, size_t ordinal);
   // Makes pos current with its whole record v (in the snapshot or in p.curSpace).
-  void MakeCurrent(Handle& data, Position& p, uint32_t pos, const MDB_val& v, int keptOrdinal);
+  void MakeCurrent(Handle& data, Position& p, uint32_t pos, const Bytes& v, int keptOrdinal);
   // Moves kp on index dbi; returns the position found or 0 (kp unchanged when none).
-  uint32_t Step(Env& env, MDB_dbi dbi, KeyPos& kp, int keylen, int dataLen, NavOp op,
+  uint32_t Step(Env& env, Db dbi, KeyPos& kp, int keylen, int dataLen, NavOp op,
                 const uint8_t* target);
 
   bool active_ = false;

@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "PageVerify.h"
+#include "ReadCursor.h"
+#include "StorageFiles.h"
 #include "Session.h"
 
 namespace cte {
@@ -31,33 +32,22 @@ std::vector<std::string> FilesOf(const FileDef& d) {
 
 }  // namespace
 
-void Session::FillIndex(DataStore& s, MDB_txn* txn, size_t ordinal) {
-  const MDB_dbi dbi = s.KeyDbi(ordinal);
-  Check(Drop(txn, dbi, 0));
+void Session::FillIndex(DataStore& s, Txn* txn, size_t ordinal) {
+  const Db dbi = s.KeyDbi(ordinal);
+  txn->Drop(dbi, false);
   const KeyLayout& layout = s.Layout(ordinal);
   uint8_t key[CT_MAXKEYLEN];
-  MDB_cursor* c = nullptr;
-  Check(mdb_cursor_open(txn, s.RecDbi(), &c));
-  MDB_val k{}, v{};
-  int rc = mdb_cursor_get(c, &k, &v, MDB_FIRST);
-  try {
-    for (; rc == 0; rc = mdb_cursor_get(c, &k, &v, MDB_NEXT)) {
-      uint32_t pos;
-      std::memcpy(&pos, k.mv_data, sizeof pos);
-      const MDB_val whole = s.Unpack(v, unpacked_);
-      const uint8_t* r = static_cast<const uint8_t*>(whole.mv_data);
-      if (layout.Build(r, whole.mv_size, pos, key) || !s.Accepts(ordinal, r, whole.mv_size)) continue;
-      MDB_val kk{static_cast<size_t>(layout.KeyLen()), key}, pv{sizeof pos, &pos};
-      int put = Put(txn, dbi, &kk, &pv, MDB_NOOVERWRITE);
-      if (put == MDB_KEYEXIST) Throw(KDUP_ERR);
-      Check(put);
-    }
-    if (rc != MDB_NOTFOUND) Check(rc);
-  } catch (...) {
-    mdb_cursor_close(c);
-    throw;
+  ReadCursor c(txn, s.RecDbi());
+  Bytes k{}, v{};
+  for (bool at = c.Move(Seek::kFirst, k, v); at; at = c.Move(Seek::kNext, k, v)) {
+    uint32_t pos;
+    std::memcpy(&pos, k.data, sizeof pos);
+    const Bytes whole = s.Unpack(v, unpacked_);
+    const uint8_t* r = static_cast<const uint8_t*>(whole.data);
+    if (layout.Build(r, whole.size, pos, key) || !s.Accepts(ordinal, r, whole.size)) continue;
+    Bytes kk{static_cast<size_t>(layout.KeyLen()), key}, pv{sizeof pos, &pos};
+    if (!txn->Put(dbi, kk, pv, PutMode::kNew)) Throw(KDUP_ERR);
   }
-  mdb_cursor_close(c);
 }
 
 void Session::UpdateCondition(int keyno, const char* expr) {
@@ -70,7 +60,7 @@ void Session::UpdateCondition(int keyno, const char* expr) {
   FileDef def = s.def();
   def.idx[f.ordinal].cond = text;
   const size_t ordinal = f.ordinal;
-  WriteDefinition(h, [&](MDB_txn* txn) {
+  WriteDefinition(h, [&](Txn* txn) {
     s.PutDef(txn, def);
     FillIndex(s, txn, ordinal);
   });
@@ -151,7 +141,7 @@ int Session::AddIndexes(int datno, int firstKeyno, FileDef added, const char* id
       envs[f] = IndexFile::Create(dir + f, BaseOf(h.path), members, s.header().password);
       made.push_back(dir + f);
     }
-    WriteDefinition(h, [&](MDB_txn* txn) {
+    WriteDefinition(h, [&](Txn* txn) {
       s.PutDef(txn, def);
       for (size_t i = base; i < def.idx.size(); ++i) FillIndex(s, txn, i);
     });
@@ -192,7 +182,7 @@ void Session::MakePermanent(int datno) {
     ix.temp = 0;
   }
   if (!any) Throw(CT_ENOTIDX);
-  WriteDefinition(h, [&](MDB_txn* txn) { h.store->PutDef(txn, def); });
+  WriteDefinition(h, [&](Txn* txn) { h.store->PutDef(txn, def); });
 }
 
 void Session::Rebuild(const FileDef& given, const char* dataext, const char* idxext, const char* password,
@@ -206,12 +196,12 @@ void Session::Rebuild(const FileDef& given, const char* dataext, const char* idx
     // A file to be rebuilt is suspect: its pages are walked in a child process first, so that a
     // damaged page gives CT_EDAMAGED instead of a crash. (A member's host is shared with other
     // members that may be written meanwhile: it is not walked.)
-    if (!Locate(path).IsMember()) VerifyPages(path);
+    if (!Locate(path).IsMember()) VerifyFile(path);
     std::shared_ptr<DataStore> s = DataStore::Open(path, password);
     FileDef def = s->HasIfil() ? s->def() : given;
     // Nobody has the set open: temporary and mapped indexes left by an open that ended without
     // closing go (their keys are emptied below; a temporary index's file is deleted).
-    std::vector<MDB_dbi> stale;
+    std::vector<Db> stale;
     std::vector<std::string> gone;
     for (size_t i = 0; s->HasIfil() && i < def.idx.size(); ++i) {
       if (def.idx[i].temp == 0) continue;
@@ -239,7 +229,7 @@ void Session::Rebuild(const FileDef& given, const char* dataext, const char* idx
     }
     Env& env = s->env();
     WriteTxn w(env);
-    for (MDB_dbi dbi : stale) Check(Drop(w.Get(), dbi, 0));
+    for (Db dbi : stale) w.Get()->Drop(dbi, false);
     s->PutDef(w.Get(), def);
     for (size_t i = 0; i < def.idx.size(); ++i) FillIndex(*s, w.Get(), i);
     w.Commit(true);
@@ -249,14 +239,14 @@ void Session::Rebuild(const FileDef& given, const char* dataext, const char* idx
     // open (the exclusive lock is still held).
     const std::string tmp = path + ".cmp";
     RemoveFile(tmp);
-    int rc = mdb_env_copy2(env.Raw(), tmp.c_str(), MDB_CP_COMPACT);
-    if (rc != 0) {
+    try {
+      env.CopyCompact(tmp);
+    } catch (const Fail&) {
       RemoveFile(tmp);
-      ThrowLmdb(rc);
+      throw;
     }
   }
-  if (::rename((path + ".cmp").c_str(), path.c_str()) != 0) Throw(CT_EIO, errno);
-  ::unlink((path + "-lock").c_str());
+  ReplaceFile(path + ".cmp", path);
 }
 
 }  // namespace cte

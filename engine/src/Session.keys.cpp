@@ -2,27 +2,15 @@
 #include <algorithm>
 #include <cstring>
 
+#include "ReadCursor.h"
 #include "Session.h"
 
 namespace cte {
 
 namespace {
 
-// A read cursor on the snapshot for one call (counting walks).
-class TempCursor {
- public:
-  TempCursor(MDB_txn* txn, MDB_dbi dbi) { Check(mdb_cursor_open(txn, dbi, &c_)); }
-  ~TempCursor() { mdb_cursor_close(c_); }
-  TempCursor(const TempCursor&) = delete;
-  TempCursor& operator=(const TempCursor&) = delete;
-  MDB_cursor* Get() const { return c_; }
-
- private:
-  MDB_cursor* c_ = nullptr;
-};
-
-bool Same(const MDB_val& k, const uint8_t* key, int len) {
-  return k.mv_size >= static_cast<size_t>(len) && std::memcmp(k.mv_data, key, len) == 0;
+bool Same(const Bytes& k, const uint8_t* key, int len) {
+  return k.size >= static_cast<size_t>(len) && std::memcmp(k.data, key, len) == 0;
 }
 
 }  // namespace
@@ -34,76 +22,75 @@ KeyPos& Session::EnsureKey(Handle& data, Position& p, size_t ordinal) {
   DataStore& s = *data.store;
   s.env().Snapshot();
   if (p.curGen != s.env().Gen()) {
-    MDB_val stored{};
+    Bytes stored{};
     if (!Fetch(s, p.cur, stored)) Throw(ICUR_ERR);
     p.curVal = s.Unpack(stored, p.curSpace);
     p.curGen = s.env().Gen();
   }
-  s.Layout(ordinal).Build(static_cast<const uint8_t*>(p.curVal.mv_data), p.curVal.mv_size, p.cur, kp.key);
+  s.Layout(ordinal).Build(static_cast<const uint8_t*>(p.curVal.data), p.curVal.size, p.cur, kp.key);
   kp.pos = p.cur;
   kp.valid = true;
   kp.at = false;
   return kp;
 }
 
-uint32_t Session::Step(Env& env, MDB_dbi dbi, KeyPos& kp, int keylen, int dataLen, NavOp op,
+uint32_t Session::Step(Env& env, Db dbi, KeyPos& kp, int keylen, int dataLen, NavOp op,
                        const uint8_t* target) {
   bool fresh = false;
-  MDB_cursor* c = kp.cur.Get(env, dbi, fresh);
-  MDB_val k{}, v{};
+  Cursor& c = kp.cur.Get(env, dbi, fresh);
+  Bytes k{}, v{};
   auto seek = [&](const uint8_t* key) {
-    k = MDB_val{static_cast<size_t>(keylen), const_cast<uint8_t*>(key)};
-    return mdb_cursor_get(c, &k, &v, MDB_SET_RANGE);
+    k = Bytes{static_cast<size_t>(keylen), key};
+    return c.Move(Seek::kAtOrAfter, k, v);
   };
-  int rc;
+  bool at;
   switch (op) {
-    case kFirst: rc = mdb_cursor_get(c, &k, &v, MDB_FIRST); break;
-    case kLast: rc = mdb_cursor_get(c, &k, &v, MDB_LAST); break;
+    case kFirst: at = c.Move(Seek::kFirst, k, v); break;
+    case kLast: at = c.Move(Seek::kLast, k, v); break;
     case kNext:
       if (kp.at && !fresh) {
-        rc = mdb_cursor_get(c, &k, &v, MDB_NEXT);
+        at = c.Move(Seek::kNext, k, v);
       } else {
-        rc = seek(kp.key);
-        if (rc == 0 && Same(k, kp.key, keylen)) rc = mdb_cursor_get(c, &k, &v, MDB_NEXT);
+        at = seek(kp.key);
+        if (at && Same(k, kp.key, keylen)) at = c.Move(Seek::kNext, k, v);
       }
       break;
     case kPrev:
       if (kp.at && !fresh) {
-        rc = mdb_cursor_get(c, &k, &v, MDB_PREV);
+        at = c.Move(Seek::kPrev, k, v);
       } else {
-        rc = seek(kp.key);
-        rc = mdb_cursor_get(c, &k, &v, rc == MDB_NOTFOUND ? MDB_LAST : MDB_PREV);
+        at = seek(kp.key);
+        at = c.Move(at ? Seek::kPrev : Seek::kLast, k, v);
       }
       break;
     case kEq:
-      rc = seek(target);
-      if (rc == 0 && !Same(k, target, dataLen)) rc = MDB_NOTFOUND;
+      at = seek(target);
+      if (at && !Same(k, target, dataLen)) at = false;
       break;
-    case kGte: rc = seek(target); break;
+    case kGte: at = seek(target); break;
     case kGt:
-      rc = seek(target);
-      if (rc == 0 && Same(k, target, keylen)) rc = mdb_cursor_get(c, &k, &v, MDB_NEXT);
+      at = seek(target);
+      if (at && Same(k, target, keylen)) at = c.Move(Seek::kNext, k, v);
       break;
     case kLte:
-      rc = seek(target);
-      if (rc == MDB_NOTFOUND)
-        rc = mdb_cursor_get(c, &k, &v, MDB_LAST);
-      else if (rc == 0 && !Same(k, target, keylen))
-        rc = mdb_cursor_get(c, &k, &v, MDB_PREV);
+      at = seek(target);
+      if (!at)
+        at = c.Move(Seek::kLast, k, v);
+      else if (!Same(k, target, keylen))
+        at = c.Move(Seek::kPrev, k, v);
       break;
     default:
-      rc = seek(target);
-      rc = mdb_cursor_get(c, &k, &v, rc == MDB_NOTFOUND ? MDB_LAST : MDB_PREV);
+      at = seek(target);
+      at = c.Move(at ? Seek::kPrev : Seek::kLast, k, v);
       break;
   }
-  if (rc == MDB_NOTFOUND) {
+  if (!at) {
     kp.at = false;
     return 0;
   }
-  Check(rc);
-  if (k.mv_size != static_cast<size_t>(keylen) || v.mv_size != 4) Throw(CT_EDAMAGED);
-  std::memcpy(kp.key, k.mv_data, keylen);
-  std::memcpy(&kp.pos, v.mv_data, 4);
+  if (k.size != static_cast<size_t>(keylen) || v.size != 4) Throw(CT_EDAMAGED);
+  std::memcpy(kp.key, k.data, keylen);
+  std::memcpy(&kp.pos, v.data, 4);
   kp.valid = true;
   kp.at = true;
   return kp.pos;
@@ -156,11 +143,9 @@ void Session::AddKey(int keyno, const void* key, uint32_t pos) {
   if (!key) Throw(CT_EBADARG);
   DataStore& s = *f.store;
   int keylen = s.def().idx[f.ordinal].keylen;
-  Write(f, [&](MDB_txn* txn) {
-    MDB_val k{static_cast<size_t>(keylen), const_cast<void*>(key)}, v{sizeof pos, &pos};
-    int rc = Put(txn, s.KeyDbi(f.ordinal), &k, &v, MDB_NOOVERWRITE);
-    if (rc == MDB_KEYEXIST) Throw(KDUP_ERR);
-    Check(rc);
+  Write(f, [&](Txn* txn) {
+    Bytes k{static_cast<size_t>(keylen), key}, v{sizeof pos, &pos};
+    if (!txn->Put(s.KeyDbi(f.ordinal), k, v, PutMode::kNew)) Throw(KDUP_ERR);
   });
 }
 
@@ -170,21 +155,17 @@ void Session::DeleteKey(int keyno, const void* key, uint32_t pos, bool checkPos)
   if (!key) Throw(CT_EBADARG);
   DataStore& s = *f.store;
   int keylen = s.def().idx[f.ordinal].keylen;
-  Write(f, [&](MDB_txn* txn) {
-    MDB_val k{static_cast<size_t>(keylen), const_cast<void*>(key)}, v{};
-    int rc = mdb_get(txn, s.KeyDbi(f.ordinal), &k, &v);
-    if (rc == MDB_NOTFOUND) Throw(INOT_ERR);
-    Check(rc);
-    if (checkPos && (v.mv_size != 4 || std::memcmp(v.mv_data, &pos, 4) != 0)) Throw(INOT_ERR);
-    Check(Del(txn, s.KeyDbi(f.ordinal), &k, nullptr));
+  Write(f, [&](Txn* txn) {
+    Bytes k{static_cast<size_t>(keylen), key}, v{};
+    if (!txn->Get(s.KeyDbi(f.ordinal), k, v)) Throw(INOT_ERR);
+    if (checkPos && (v.size != 4 || std::memcmp(v.data, &pos, 4) != 0)) Throw(INOT_ERR);
+    if (!txn->Del(s.KeyDbi(f.ordinal), k)) Throw(CT_EIO);
   });
 }
 
 long Session::IdxEnt(int keyno) {
   Handle& f = Index(keyno);
-  MDB_stat st{};
-  Check(mdb_stat(f.store->env().Snapshot(), f.store->KeyDbi(f.ordinal), &st));
-  return static_cast<long>(st.ms_entries);
+  return static_cast<long>(f.store->env().Snapshot()->Count(f.store->KeyDbi(f.ordinal)));
 }
 
 long Session::RangeCount(int keyno, const void* low, const void* high) {
@@ -192,15 +173,14 @@ long Session::RangeCount(int keyno, const void* low, const void* high) {
   if (!low || !high) Throw(CT_EBADARG);
   DataStore& s = *f.store;
   const int keylen = s.def().idx[f.ordinal].keylen;
-  TempCursor c(s.env().Snapshot(), s.KeyDbi(f.ordinal));
-  MDB_val k{static_cast<size_t>(keylen), const_cast<void*>(low)}, v{};
+  ReadCursor c(s.env().Snapshot(), s.KeyDbi(f.ordinal));
+  Bytes k{static_cast<size_t>(keylen), low}, v{};
   long n = 0;
-  int rc = mdb_cursor_get(c.Get(), &k, &v, MDB_SET_RANGE);
-  while (rc == 0 && std::memcmp(k.mv_data, high, keylen) <= 0) {
+  bool at = c.Move(Seek::kAtOrAfter, k, v);
+  while (at && std::memcmp(k.data, high, keylen) <= 0) {
     ++n;
-    rc = mdb_cursor_get(c.Get(), &k, &v, MDB_NEXT);
+    at = c.Move(Seek::kNext, k, v);
   }
-  if (rc != 0 && rc != MDB_NOTFOUND) Check(rc);
   return n;
 }
 
@@ -220,15 +200,14 @@ uint32_t Session::KeyByOrdinal(int keyno, const void* target, long offset, void*
   const int keylen = s.def().idx[f.ordinal].keylen;
   KeyPos& kp = *Pos(h).keys[f.ordinal];
   bool fresh = false;
-  MDB_cursor* c = kp.cur.Get(s.env(), s.KeyDbi(f.ordinal), fresh);
-  MDB_val k{static_cast<size_t>(keylen), const_cast<void*>(target)}, v{};
-  int rc = mdb_cursor_get(c, &k, &v, target ? MDB_SET_RANGE : MDB_FIRST);
-  for (long i = 0; i < offset && rc == 0; ++i) rc = mdb_cursor_get(c, &k, &v, MDB_NEXT);
+  Cursor& c = kp.cur.Get(s.env(), s.KeyDbi(f.ordinal), fresh);
+  Bytes k{static_cast<size_t>(keylen), target}, v{};
+  bool at = c.Move(target ? Seek::kAtOrAfter : Seek::kFirst, k, v);
+  for (long i = 0; i < offset && at; ++i) at = c.Move(Seek::kNext, k, v);
   kp.at = false;
-  if (rc == MDB_NOTFOUND) Throw(INOT_ERR);
-  Check(rc);
-  std::memcpy(kp.key, k.mv_data, keylen);
-  std::memcpy(&kp.pos, v.mv_data, 4);
+  if (!at) Throw(INOT_ERR);
+  std::memcpy(kp.key, k.data, keylen);
+  std::memcpy(&kp.pos, v.data, 4);
   kp.valid = true;
   kp.at = true;
   if (idxval) std::memcpy(idxval, kp.key, keylen);

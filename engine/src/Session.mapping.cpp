@@ -121,7 +121,7 @@ void Session::MapIndexFile(int imapno, const FileDef& ifil, int datno, int mode)
   if (count > 1) Claim(imapno + 1, count - 1);
   const size_t base = def.idx.size();
   for (const IndexDef& ix : members.idx) def.idx.push_back(ix);
-  WriteDefinition(h, [&](MDB_txn* txn) {
+  WriteDefinition(h, [&](Txn* txn) {
     s.PutDef(txn, def);
     for (size_t i = base; i < def.idx.size(); ++i) FillIndex(s, txn, i);
   });
@@ -160,10 +160,10 @@ void Session::DropIndexes(Handle& h, std::vector<size_t> ordinals, const FileDef
   if (ordinals.empty()) return;
   DataStore& s = *h.store;
   const std::vector<int16_t> before = KeyDbsOf(s.def());
-  std::vector<MDB_dbi> victims;
+  std::vector<Db> victims;
   for (size_t o : ordinals) victims.push_back(s.KeyDbi(o));
-  WriteDefinition(h, [&](MDB_txn* txn) {
-    for (MDB_dbi dbi : victims) Check(Drop(txn, dbi, 0));
+  WriteDefinition(h, [&](Txn* txn) {
+    for (Db dbi : victims) txn->Drop(dbi, false);
     s.PutDef(txn, def);
   });
   Remap(s, before);

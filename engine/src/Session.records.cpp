@@ -2,17 +2,18 @@
 // record navigation; low-level record calls.
 #include <cstring>
 
+#include "IoCounters.h"
 #include "Session.h"
 
 namespace cte {
 
 namespace {
 
-MDB_val PosKey(const uint32_t& pos) { return MDB_val{sizeof pos, const_cast<uint32_t*>(&pos)}; }
+Bytes PosKey(const uint32_t& pos) { return Bytes{sizeof pos, &pos}; }
 
-uint32_t PosOf(const MDB_val& v) {
+uint32_t PosOf(const Bytes& v) {
   uint32_t p;
-  std::memcpy(&p, v.mv_data, sizeof p);
+  std::memcpy(&p, v.data, sizeof p);
   return p;
 }
 
@@ -31,44 +32,36 @@ size_t RecordLength(const DataStore& s, long len) {
   return static_cast<size_t>(len);
 }
 
-void PutKey(MDB_txn* txn, MDB_dbi dbi, const uint8_t* key, int keylen, uint32_t pos) {
-  MDB_val k{static_cast<size_t>(keylen), const_cast<uint8_t*>(key)}, v = PosKey(pos);
-  int rc = Put(txn, dbi, &k, &v, MDB_NOOVERWRITE);
-  if (rc == MDB_KEYEXIST) Throw(KDUP_ERR);
-  Check(rc);
+void PutKey(Txn* txn, Db dbi, const uint8_t* key, int keylen, uint32_t pos) {
+  Bytes k{static_cast<size_t>(keylen), key}, v = PosKey(pos);
+  if (!txn->Put(dbi, k, v, PutMode::kNew)) Throw(KDUP_ERR);
 }
 
-void DelKey(MDB_txn* txn, MDB_dbi dbi, const uint8_t* key, int keylen) {
-  MDB_val k{static_cast<size_t>(keylen), const_cast<uint8_t*>(key)};
-  int rc = Del(txn, dbi, &k, nullptr);
-  if (rc != MDB_NOTFOUND) Check(rc);
+void DelKey(Txn* txn, Db dbi, const uint8_t* key, int keylen) {
+  txn->Del(dbi, Bytes{static_cast<size_t>(keylen), key});
 }
 
 }  // namespace
 
-bool Session::Fetch(DataStore& s, uint32_t pos, MDB_val& out) {
-  MDB_val k = PosKey(pos);
-  int rc = mdb_get(s.env().Snapshot(), s.RecDbi(), &k, &out);
-  if (rc == MDB_NOTFOUND) return false;
-  Check(rc);
-  return true;
+bool Session::Fetch(DataStore& s, uint32_t pos, Bytes& out) {
+  return s.env().Snapshot()->Get(s.RecDbi(), PosKey(pos), out);
 }
 
-void Session::CopyOut(const MDB_val& v, void* buf, long bufsiz, bool fixed, uint32_t reclen, long& len) {
-  len = static_cast<long>(v.mv_size);
+void Session::CopyOut(const Bytes& v, void* buf, long bufsiz, bool fixed, uint32_t reclen, long& len) {
+  len = static_cast<long>(v.size);
   if (!buf) return;
   ++Io().reads;
   if (fixed) {
-    size_t n = std::min<size_t>(v.mv_size, reclen);
-    std::memcpy(buf, v.mv_data, n);
+    size_t n = std::min<size_t>(v.size, reclen);
+    std::memcpy(buf, v.data, n);
     std::memset(static_cast<char*>(buf) + n, 0, reclen - n);
     return;
   }
   if (bufsiz < len) Throw(VBSZ_ERR);
-  std::memcpy(buf, v.mv_data, v.mv_size);
+  std::memcpy(buf, v.data, v.size);
 }
 
-void Session::MakeCurrent(Handle&, Position& p, uint32_t pos, const MDB_val& v, int keptOrdinal) {
+void Session::MakeCurrent(Handle&, Position& p, uint32_t pos, const Bytes& v, int keptOrdinal) {
   p.cur = pos;
   p.curVal = v;
   p.recAt = false;
@@ -94,7 +87,7 @@ void Session::AddRec(int datno, void* rec, long len) {
   bool serial = false;
   for (size_t i = 0; i < nidx; ++i) serial = serial || s.Layout(i).HasSerial();
   uint32_t pos = 0, number = 0;
-  Write(h, [&](MDB_txn* txn) {
+  Write(h, [&](Txn* txn) {
     DataStore::Counters c = s.ReadCounters(txn);
     pos = c.nextPos;
     c.nextPos = Advance(pos, n);
@@ -110,8 +103,8 @@ void Session::AddRec(int datno, void* rec, long len) {
       uint8_t* key = keys + i * CT_MAXKEYLEN;
       if (!k.Build(r, n, pos, key) && s.Accepts(i, r, n)) PutKey(txn, s.KeyDbi(i), key, k.KeyLen(), pos);
     }
-    MDB_val k = PosKey(pos), v = s.Pack(r, n, packed_);
-    Check(Put(txn, s.RecDbi(), &k, &v, MDB_APPEND));
+    Bytes k = PosKey(pos), v = s.Pack(r, n, packed_);
+    if (!txn->Put(s.RecDbi(), k, v, PutMode::kAppend)) Throw(CT_EIO);
     s.WriteCounters(txn, c);
   });
   if (serial) std::memcpy(rec, r, n);
@@ -144,25 +137,23 @@ void Session::Rewrite(int datno, const void* rec, long len) {
   const uint32_t pos = p.cur;
   const uint8_t* r = static_cast<const uint8_t*>(rec);
   CheckChange(h, pos);
-  Write(h, [&](MDB_txn* txn) {
-    MDB_val k = PosKey(pos), stored{};
-    int rc = mdb_get(txn, s.RecDbi(), &k, &stored);
-    if (rc == MDB_NOTFOUND) Throw(ICUR_ERR);
-    Check(rc);
-    const MDB_val old = s.Unpack(stored, unpacked_);
+  Write(h, [&](Txn* txn) {
+    Bytes k = PosKey(pos), stored{};
+    if (!txn->Get(s.RecDbi(), k, stored)) Throw(ICUR_ERR);
+    const Bytes old = s.Unpack(stored, unpacked_);
     for (size_t i = 0; i < nidx; ++i) {
       const KeyLayout& layout = s.Layout(i);
       uint8_t* ok = oldKeys + i * CT_MAXKEYLEN;
       uint8_t* nk = newKeys + i * CT_MAXKEYLEN;
-      const uint8_t* o = static_cast<const uint8_t*>(old.mv_data);
-      bool oldNull = layout.Build(o, old.mv_size, pos, ok) || !s.Accepts(i, o, old.mv_size);
+      const uint8_t* o = static_cast<const uint8_t*>(old.data);
+      bool oldNull = layout.Build(o, old.size, pos, ok) || !s.Accepts(i, o, old.size);
       bool newNull = layout.Build(r, n, pos, nk) || !s.Accepts(i, r, n);
       if (oldNull == newNull && std::memcmp(ok, nk, layout.KeyLen()) == 0) continue;
       if (!oldNull) DelKey(txn, s.KeyDbi(i), ok, layout.KeyLen());
       if (!newNull) PutKey(txn, s.KeyDbi(i), nk, layout.KeyLen(), pos);
     }
-    MDB_val v = s.Pack(r, n, packed_);
-    Check(Put(txn, s.RecDbi(), &k, &v, 0));
+    Bytes v = s.Pack(r, n, packed_);
+    txn->Put(s.RecDbi(), k, v);
   });
   p.curGen = 0;
   p.recAt = false;
@@ -186,20 +177,18 @@ void Session::DeleteRec(int datno) {
   uint8_t* keys = scratch_.data();
   const uint32_t pos = p.cur;
   CheckChange(h, pos);
-  Write(h, [&](MDB_txn* txn) {
-    MDB_val k = PosKey(pos), stored{};
-    int rc = mdb_get(txn, s.RecDbi(), &k, &stored);
-    if (rc == MDB_NOTFOUND) Throw(ICUR_ERR);
-    Check(rc);
-    const MDB_val old = s.Unpack(stored, unpacked_);
+  Write(h, [&](Txn* txn) {
+    Bytes k = PosKey(pos), stored{};
+    if (!txn->Get(s.RecDbi(), k, stored)) Throw(ICUR_ERR);
+    const Bytes old = s.Unpack(stored, unpacked_);
     for (size_t i = 0; i < nidx; ++i) {
       const KeyLayout& layout = s.Layout(i);
       uint8_t* key = keys + i * CT_MAXKEYLEN;
-      const uint8_t* o = static_cast<const uint8_t*>(old.mv_data);
-      if (!layout.Build(o, old.mv_size, pos, key) && s.Accepts(i, o, old.mv_size))
+      const uint8_t* o = static_cast<const uint8_t*>(old.data);
+      if (!layout.Build(o, old.size, pos, key) && s.Accepts(i, o, old.size))
         DelKey(txn, s.KeyDbi(i), key, layout.KeyLen());
     }
-    Check(Del(txn, s.RecDbi(), &k, nullptr));
+    if (!txn->Del(s.RecDbi(), k)) Throw(CT_EIO);
   });
   // The deleted record's keys stay as the current keys, so that the next step in any order
   // gives the record that followed it.
@@ -222,7 +211,7 @@ long Session::ReadCur(int datno, void* buf, long bufsiz, bool fixed) {
   if (buf) AutoLock(h, p.cur, false);
   s.env().Snapshot();
   if (p.curGen != s.env().Gen()) {
-    MDB_val stored{};
+    Bytes stored{};
     if (!Fetch(s, p.cur, stored)) Throw(ICUR_ERR);
     p.curVal = s.Unpack(stored, p.curSpace);
     p.curGen = s.env().Gen();
@@ -235,7 +224,7 @@ long Session::ReadCur(int datno, void* buf, long bufsiz, bool fixed) {
 long Session::ReadAt(int datno, uint32_t pos, void* buf, long bufsiz, bool fixed, bool makeCurrent) {
   Handle& h = Data(datno);
   DataStore& s = *h.store;
-  MDB_val v{};
+  Bytes v{};
   if (makeCurrent && Fetch(s, pos, v)) AutoLock(h, pos, false);
   if (!Fetch(s, pos, v)) Throw(INOT_ERR);
   long len = 0;
@@ -252,7 +241,7 @@ void Session::SetCur(int datno, uint32_t pos, const void* rec, long len) {
   Handle& h = Data(datno);
   DataStore& s = *h.store;
   Position& p = Pos(h);
-  MDB_val v{};
+  Bytes v{};
   if (!Fetch(s, pos, v)) Throw(INOT_ERR);
   MakeCurrent(h, p, pos, s.Unpack(v, p.curSpace), -1);
   p.curGen = s.env().Gen();
@@ -292,40 +281,39 @@ long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long 
     DataStore& s = *f.store;
     Position& p = Pos(f);
     bool fresh = false;
-    MDB_cursor* c = p.recCur.Get(s.env(), s.RecDbi(), fresh);
-    MDB_val k{}, v{};
+    Cursor& c = p.recCur.Get(s.env(), s.RecDbi(), fresh);
+    Bytes k{}, v{};
     uint32_t seek = 0;
-    int rc;
+    bool at;
     switch (op) {
-      case kFirst: rc = mdb_cursor_get(c, &k, &v, MDB_FIRST); break;
-      case kLast: rc = mdb_cursor_get(c, &k, &v, MDB_LAST); break;
+      case kFirst: at = c.Move(Seek::kFirst, k, v); break;
+      case kLast: at = c.Move(Seek::kLast, k, v); break;
       case kNext:
         if (!p.cur) Throw(ICUR_ERR);
         if (p.recAt && !fresh) {
-          rc = mdb_cursor_get(c, &k, &v, MDB_NEXT);
+          at = c.Move(Seek::kNext, k, v);
         } else {
           seek = p.cur + 1;
           k = PosKey(seek);
-          rc = mdb_cursor_get(c, &k, &v, MDB_SET_RANGE);
+          at = c.Move(Seek::kAtOrAfter, k, v);
         }
         break;
       default:
         if (!p.cur) Throw(ICUR_ERR);
         if (p.recAt && !fresh) {
-          rc = mdb_cursor_get(c, &k, &v, MDB_PREV);
+          at = c.Move(Seek::kPrev, k, v);
         } else {
           seek = p.cur;
           k = PosKey(seek);
-          rc = mdb_cursor_get(c, &k, &v, MDB_SET_RANGE);
-          rc = mdb_cursor_get(c, &k, &v, rc == MDB_NOTFOUND ? MDB_LAST : MDB_PREV);
+          at = c.Move(Seek::kAtOrAfter, k, v);
+          at = c.Move(at ? Seek::kPrev : Seek::kLast, k, v);
         }
         break;
     }
-    if (rc == MDB_NOTFOUND) {
+    if (!at) {
       p.recAt = false;
       Throw(INOT_ERR);
     }
-    Check(rc);
     p.recAt = false;  // until the record is current, the cursor is not where p says
     if (Locking()) {
       uint32_t found = PosOf(k);
@@ -333,13 +321,13 @@ long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long 
       if (!Fetch(s, found, v)) Throw(INOT_ERR);
       // A fixed-length record is decoded straight into the position: copying it out cannot
       // fail, so the position never shows a record that was not made current.
-      const MDB_val whole = s.Unpack(v, p.curSpace);
+      const Bytes whole = s.Unpack(v, p.curSpace);
       CopyOut(whole, buf, bufsiz, fixed, s.RecLen(), len);
       MakeCurrent(f, p, found, whole, -1);
       p.curGen = s.env().Gen();
       return len;
     }
-    const MDB_val whole = s.Unpack(v, p.curSpace);
+    const Bytes whole = s.Unpack(v, p.curSpace);
     CopyOut(whole, buf, bufsiz, fixed, s.RecLen(), len);
     MakeCurrent(f, p, PosOf(k), whole, -1);
     p.curGen = s.env().Gen();
@@ -366,12 +354,12 @@ long Session::Navigate(int filno, NavOp op, const void* target, void* buf, long 
       throw;
     }
   }
-  MDB_val v{};
+  Bytes v{};
   if (!Fetch(s, pos, v)) {
     mark.Restore(kp);
     Throw(Locking() ? INOT_ERR : CT_EDAMAGED);
   }
-  const MDB_val whole = s.Unpack(v, p.curSpace);
+  const Bytes whole = s.Unpack(v, p.curSpace);
   CopyOut(whole, buf, bufsiz, fixed, s.RecLen(), len);
   MakeCurrent(h, p, pos, whole, static_cast<int>(f.ordinal));
   p.curGen = s.env().Gen();
@@ -385,12 +373,12 @@ uint32_t Session::NewRec(int datno, long len) {
   const size_t n = RecordLength(s, len);
   scratch_.assign(n, 0);
   uint32_t pos = 0;
-  Write(h, [&](MDB_txn* txn) {
+  Write(h, [&](Txn* txn) {
     DataStore::Counters c = s.ReadCounters(txn);
     pos = c.nextPos;
     c.nextPos = Advance(pos, n);
-    MDB_val k = PosKey(pos), v = s.Pack(scratch_.data(), n, packed_);
-    Check(Put(txn, s.RecDbi(), &k, &v, MDB_APPEND));
+    Bytes k = PosKey(pos), v = s.Pack(scratch_.data(), n, packed_);
+    if (!txn->Put(s.RecDbi(), k, v, PutMode::kAppend)) Throw(CT_EIO);
     s.WriteCounters(txn, c);
   });
   return pos;
@@ -402,13 +390,11 @@ void Session::WriteAt(int datno, uint32_t pos, const void* rec, long len) {
   if (!rec) Throw(CT_EBADARG);
   DataStore& s = *h.store;
   const size_t n = RecordLength(s, len);
-  Write(h, [&](MDB_txn* txn) {
-    MDB_val k = PosKey(pos), old{};
-    int rc = mdb_get(txn, s.RecDbi(), &k, &old);
-    if (rc == MDB_NOTFOUND) Throw(INOT_ERR);
-    Check(rc);
-    MDB_val v = s.Pack(rec, n, packed_);
-    Check(Put(txn, s.RecDbi(), &k, &v, 0));
+  Write(h, [&](Txn* txn) {
+    Bytes k = PosKey(pos), old{};
+    if (!txn->Get(s.RecDbi(), k, old)) Throw(INOT_ERR);
+    Bytes v = s.Pack(rec, n, packed_);
+    txn->Put(s.RecDbi(), k, v);
   });
 }
 
@@ -416,19 +402,15 @@ void Session::ReleaseAt(int datno, uint32_t pos) {
   Handle& h = Data(datno);
   CheckWritable(h);
   DataStore& s = *h.store;
-  Write(h, [&](MDB_txn* txn) {
-    MDB_val k = PosKey(pos);
-    int rc = Del(txn, s.RecDbi(), &k, nullptr);
-    if (rc == MDB_NOTFOUND) Throw(INOT_ERR);
-    Check(rc);
+  Write(h, [&](Txn* txn) {
+    Bytes k = PosKey(pos);
+    if (!txn->Del(s.RecDbi(), k)) Throw(INOT_ERR);
   });
 }
 
 long Session::DatEnt(int datno) {
   Handle& h = Data(datno);
-  MDB_stat st{};
-  Check(mdb_stat(h.store->env().Snapshot(), h.store->RecDbi(), &st));
-  return static_cast<long>(st.ms_entries);
+  return static_cast<long>(h.store->env().Snapshot()->Count(h.store->RecDbi()));
 }
 
 uint32_t Session::SerialNum(int datno) {

@@ -39,42 +39,42 @@ long Session::SetNav(int keyno, NavOp op, const void* target, int siglen, void* 
     std::memcpy(prefix, set.prefix, plen);
   }
   ReadCursor c(s.env().Snapshot(), s.KeyDbi(f.ordinal));
-  MDB_val k{}, v{};
-  int rc;
+  Bytes k{}, v{};
+  bool at;
   switch (op) {
     case kFirst:
-      k = MDB_val{static_cast<size_t>(plen), prefix};
-      rc = c.Get(k, v, plen ? MDB_SET_RANGE : MDB_FIRST);
+      k = Bytes{static_cast<size_t>(plen), prefix};
+      at = c.Move(plen ? Seek::kAtOrAfter : Seek::kFirst, k, v);
       break;
     case kLast: {
       uint8_t above[CT_MAXKEYLEN];
       int n = plen;
       std::memcpy(above, prefix, plen);
       if (!Successor(above, n)) {
-        rc = c.Get(k, v, MDB_LAST);
+        at = c.Move(Seek::kLast, k, v);
         break;
       }
-      k = MDB_val{static_cast<size_t>(n), above};
-      rc = c.Get(k, v, MDB_SET_RANGE);
-      rc = c.Get(k, v, rc == MDB_NOTFOUND ? MDB_LAST : MDB_PREV);
+      k = Bytes{static_cast<size_t>(n), above};
+      at = c.Move(Seek::kAtOrAfter, k, v);
+      at = c.Move(at ? Seek::kPrev : Seek::kLast, k, v);
       break;
     }
     case kNext:
-      k = MDB_val{static_cast<size_t>(keylen), set.last};
-      rc = c.Get(k, v, MDB_SET_RANGE);
-      if (rc == 0 && k.mv_size == static_cast<size_t>(keylen) && std::memcmp(k.mv_data, set.last, keylen) == 0)
-        rc = c.Get(k, v, MDB_NEXT);
+      k = Bytes{static_cast<size_t>(keylen), set.last};
+      at = c.Move(Seek::kAtOrAfter, k, v);
+      if (at && k.size == static_cast<size_t>(keylen) && std::memcmp(k.data, set.last, keylen) == 0)
+        at = c.Move(Seek::kNext, k, v);
       break;
     default:
-      k = MDB_val{static_cast<size_t>(keylen), set.last};
-      rc = c.Get(k, v, MDB_SET_RANGE);
-      rc = c.Get(k, v, rc == MDB_NOTFOUND ? MDB_LAST : MDB_PREV);
+      k = Bytes{static_cast<size_t>(keylen), set.last};
+      at = c.Move(Seek::kAtOrAfter, k, v);
+      at = c.Move(at ? Seek::kPrev : Seek::kLast, k, v);
       break;
   }
-  if (rc == MDB_NOTFOUND || std::memcmp(k.mv_data, prefix, plen) != 0) Throw(INOT_ERR);
-  if (k.mv_size != static_cast<size_t>(keylen)) Throw(CT_EDAMAGED);
+  if (!at || std::memcmp(k.data, prefix, plen) != 0) Throw(INOT_ERR);
+  if (k.size != static_cast<size_t>(keylen)) Throw(CT_EDAMAGED);
   uint8_t found[CT_MAXKEYLEN];
-  std::memcpy(found, k.mv_data, keylen);
+  std::memcpy(found, k.data, keylen);
   long len = Navigate(keyno, kEq, found, buf, bufsiz, fixed);
   set.keyno = static_cast<int16_t>(keyno);
   set.store = f.store;

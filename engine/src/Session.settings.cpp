@@ -23,7 +23,7 @@ std::string DirOf(const std::string& path) {
 void Session::RekeyIndexes(Handle& h, const FileDef& def, const std::vector<size_t>& ordinals) {
   CheckWritable(h);
   DataStore& s = *h.store;
-  WriteDefinition(h, [&](MDB_txn* txn) {
+  WriteDefinition(h, [&](Txn* txn) {
     s.PutDef(txn, def);
     for (size_t ordinal : ordinals) FillIndex(s, txn, ordinal);
   });
@@ -82,7 +82,7 @@ void Session::Security(int datno, const void* buf, long bufsiz, int mode) {
       }
       FileHeader hdr = s.header();
       hdr.password = PasswordHash(word.c_str());
-      Write(h, [&](MDB_txn* txn) { s.PutHeader(txn, hdr); });
+      Write(h, [&](Txn* txn) { s.PutHeader(txn, hdr); });
       s.CacheHeader(hdr);
       h.password = word;
       // The set's index files keep the same password (mapped ones belong to another table).
@@ -111,7 +111,7 @@ void Session::PutHeader(int datno, long value, int mode) {
   CheckWritable(h);
   if (mode != HDR_SERIAL || value < 0) Throw(CT_EBADARG);
   DataStore& s = *h.store;
-  Write(h, [&](MDB_txn* txn) {
+  Write(h, [&](Txn* txn) {
     DataStore::Counters c = s.ReadCounters(txn);
     c.serial = static_cast<uint32_t>(value);
     s.WriteCounters(txn, c);

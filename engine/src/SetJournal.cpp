@@ -15,6 +15,7 @@
 #include <set>
 #include <thread>
 
+#include "StorageFiles.h"
 #include "ctisam.h"
 
 namespace cte {
@@ -219,11 +220,11 @@ void SetJournal::Seal(uint64_t set, const std::vector<std::string>& files, size_
 }
 
 void SetJournal::RollBack(Env& env, uint64_t set) {
-  MDB_txn* w = env.BeginUngated();
+  Txn* w = env.BeginUngated();
   try {
     if (env.LastSet(w) == set) {
       UndoLog::ApplyBackwards(env, w, fd_, written_);
-      MDB_txn* done = w;
+      Txn* done = w;
       w = nullptr;
       env.Commit(done, true);
     } else {
@@ -340,11 +341,11 @@ void SetJournal::Settle(Env& env, bool forWrite) {
     done = FileSize(last) < 0 || Env::Acquire(last, false)->LastSet() == t.set;
   }
   if (!done) {
-    MDB_txn* w = env.BeginUngated();
+    Txn* w = env.BeginUngated();
     try {
       if (env.LastSet(w) == t.set) {
         UndoLog::ApplyBackwards(env, w, fd, t.entries);
-        MDB_txn* done = w;
+        Txn* done = w;
         w = nullptr;
         env.Commit(done, true);
       } else {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "Lmdb.h"
+#include "Env.h"
 
 namespace cte {
 

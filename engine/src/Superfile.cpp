@@ -6,6 +6,9 @@
 
 #include <cstring>
 
+#include "ReadCursor.h"
+#include "StorageFiles.h"
+#include "WriteTxn.h"
 #include "ctisam.h"
 
 namespace cte {
@@ -14,25 +17,24 @@ namespace {
 
 constexpr char kHostMagic[8] = {'C', 'T', 'S', 'U', 'P', 'E', 'R', 1};
 
-MDB_val Val(const std::string& s) { return MDB_val{s.size(), const_cast<char*>(s.data())}; }
-// For literals: the bytes live as long as the program.
-MDB_val Lit(const char* s) { return MDB_val{std::strlen(s), const_cast<char*>(s)}; }
-
-// A database handle of the host, opened (the first time) in a short read transaction that is
-// committed, so that the handle outlives it.
-MDB_dbi HostDbi(Env& env, const char* name) {
+// A database handle of the host, opened (the first time) in a short read transaction whose
+// handles outlive it.
+Db HostDbi(Env& env, const char* name) {
   if (env.Holding()) return env.Dbi(env.Snapshot(), name, false);
-  MDB_txn* txn = nullptr;
-  Check(mdb_txn_begin(env.Raw(), nullptr, MDB_RDONLY, &txn));
-  MDB_dbi dbi = 0;
-  try {
-    dbi = env.Dbi(txn, name, false);
-  } catch (...) {
-    mdb_txn_abort(txn);
-    throw;
-  }
-  Check(mdb_txn_commit(txn));
+  Db dbi = 0;
+  env.ReadOnce([&](Txn* txn) { dbi = env.Dbi(txn, name, false); });
   return dbi;
+}
+
+// The value of key in the host's directory or header, false when there is none or it cannot
+// be read (a name too long to be a key is no member; a host whose header cannot be read is
+// damaged, which the caller says).
+bool Lookup(Txn* txn, Db db, const std::string& key, Bytes& value) {
+  try {
+    return txn->Get(db, BytesOf(key), value);
+  } catch (const Fail&) {
+    return false;
+  }
 }
 
 }  // namespace
@@ -53,10 +55,9 @@ std::shared_ptr<Env> OpenHost(const std::string& host, bool create) {
     try {
       std::shared_ptr<Env> env = Env::Acquire(host, true);
       WriteTxn w(*env);
-      MDB_dbi meta = env->Dbi(w.Get(), "sfmeta", true);
+      Db meta = env->Dbi(w.Get(), "sfmeta", true);
       env->Dbi(w.Get(), "sfdir", true);
-      MDB_val k = Lit("hdr"), v{sizeof kHostMagic, const_cast<char*>(kHostMagic)};
-      Check(Put(w.Get(), meta, &k, &v, 0));
+      w.Get()->Put(meta, BytesOf("hdr"), Bytes{sizeof kHostMagic, kHostMagic});
       w.Commit(true);
       return env;
     } catch (...) {
@@ -65,11 +66,10 @@ std::shared_ptr<Env> OpenHost(const std::string& host, bool create) {
     }
   }
   std::shared_ptr<Env> env = Env::Acquire(host, false);
-  MDB_dbi meta = HostDbi(*env, "sfmeta");
-  MDB_txn* txn = env->Snapshot();
-  MDB_val k = Lit("hdr"), v{};
-  if (mdb_get(txn, meta, &k, &v) != 0 || v.mv_size != sizeof kHostMagic ||
-      std::memcmp(v.mv_data, kHostMagic, sizeof kHostMagic) != 0)
+  Db meta = HostDbi(*env, "sfmeta");
+  Bytes v;
+  if (!Lookup(env->Snapshot(), meta, "hdr", v) || v.size != sizeof kHostMagic ||
+      std::memcmp(v.data, kHostMagic, sizeof kHostMagic) != 0)
     Throw(CT_EDAMAGED);
   return env;
 }
@@ -86,38 +86,34 @@ bool IsHost(const std::string& path) {
 
 std::string MemberPrefix(uint32_t id) { return "m" + std::to_string(id) + "."; }
 
-uint32_t CreateMember(Env& env, MDB_txn* txn, const std::string& member) {
-  MDB_dbi dir = env.Dbi(txn, "sfdir", false);
-  MDB_dbi meta = env.Dbi(txn, "sfmeta", false);
-  MDB_val k = Val(member), v{};
-  if (mdb_get(txn, dir, &k, &v) == 0) Throw(DCRAT_ERR);
-  MDB_val nk = Lit("next"), nv{};
+uint32_t CreateMember(Env& env, Txn* txn, const std::string& member) {
+  Db dir = env.Dbi(txn, "sfdir", false);
+  Db meta = env.Dbi(txn, "sfmeta", false);
+  Bytes v;
+  if (Lookup(txn, dir, member, v)) Throw(DCRAT_ERR);
   uint32_t id = 1;
-  if (mdb_get(txn, meta, &nk, &nv) == 0 && nv.mv_size == sizeof id) std::memcpy(&id, nv.mv_data, sizeof id);
+  if (Lookup(txn, meta, "next", v) && v.size == sizeof id) std::memcpy(&id, v.data, sizeof id);
   uint32_t next = id + 1;
-  MDB_val idv{sizeof id, &id}, nextv{sizeof next, &next};
-  Check(Put(txn, dir, &k, &idv, 0));
-  Check(Put(txn, meta, &nk, &nextv, 0));
+  txn->Put(dir, BytesOf(member), Bytes{sizeof id, &id});
+  txn->Put(meta, BytesOf("next"), Bytes{sizeof next, &next});
   return id;
 }
 
 uint32_t FindMember(Env& env, const std::string& member) {
   uint32_t id = 0;
-  MDB_dbi dir = HostDbi(env, "sfdir");
-  MDB_val k = Val(member), v{};
-  if (mdb_get(env.Snapshot(), dir, &k, &v) == 0 && v.mv_size == sizeof id) std::memcpy(&id, v.mv_data, sizeof id);
+  Db dir = HostDbi(env, "sfdir");
+  Bytes v;
+  if (Lookup(env.Snapshot(), dir, member, v) && v.size == sizeof id) std::memcpy(&id, v.data, sizeof id);
   return id;
 }
 
 std::vector<std::string> ListMembers(Env& env) {
   std::vector<std::string> names;
-  MDB_dbi dir = HostDbi(env, "sfdir");
-  MDB_cursor* c = nullptr;
-  Check(mdb_cursor_open(env.Snapshot(), dir, &c));
-  MDB_val k{}, v{};
-  for (int rc = mdb_cursor_get(c, &k, &v, MDB_FIRST); rc == 0; rc = mdb_cursor_get(c, &k, &v, MDB_NEXT))
-    names.emplace_back(static_cast<const char*>(k.mv_data), k.mv_size);
-  mdb_cursor_close(c);
+  Db dir = HostDbi(env, "sfdir");
+  ReadCursor c(env.Snapshot(), dir);
+  Bytes k, v;
+  for (bool at = c.Move(Seek::kFirst, k, v); at; at = c.Move(Seek::kNext, k, v))
+    names.emplace_back(static_cast<const char*>(k.data), k.size);
   return names;
 }
 
@@ -137,27 +133,12 @@ bool RemovePath(const std::string& path) {
   if (!id) return false;
   const std::string prefix = MemberPrefix(id);
   WriteTxn w(*env);
-  // The names of the named databases are the keys of the main database.
-  MDB_dbi main = 0;
-  Check(mdb_dbi_open(w.Get(), nullptr, 0, &main));
-  std::vector<std::string> names;
-  MDB_cursor* c = nullptr;
-  Check(mdb_cursor_open(w.Get(), main, &c));
-  MDB_val k = Val(prefix), v{};
-  for (int rc = mdb_cursor_get(c, &k, &v, MDB_SET_RANGE); rc == 0; rc = mdb_cursor_get(c, &k, &v, MDB_NEXT)) {
-    std::string name(static_cast<const char*>(k.mv_data), k.mv_size);
-    if (name.compare(0, prefix.size(), prefix) != 0) break;
-    names.push_back(name);
-  }
-  mdb_cursor_close(c);
-  for (const std::string& n : names) {
-    MDB_dbi dbi = env->Dbi(w.Get(), n, false);
-    Check(Drop(w.Get(), dbi, 1));
+  for (const std::string& n : env->DbNames(w.Get(), prefix)) {
+    w.Get()->Drop(env->Dbi(w.Get(), n, false), true);
     env->Forget(n);
   }
-  MDB_dbi dir = env->Dbi(w.Get(), "sfdir", false);
-  MDB_val mk = Val(p.member);
-  Check(Del(w.Get(), dir, &mk, nullptr));
+  Db dir = env->Dbi(w.Get(), "sfdir", false);
+  if (!w.Get()->Del(dir, BytesOf(p.member))) Throw(CT_EIO);
   w.Commit(true);
   return true;
 }
@@ -176,10 +157,9 @@ void RenamePath(const std::string& from, const std::string& to) {
   uint32_t id = FindMember(*env, a.member);
   if (!id) Throw(FNOP_ERR);
   WriteTxn w(*env);
-  MDB_dbi dir = env->Dbi(w.Get(), "sfdir", false);
-  MDB_val ak = Val(a.member), bk = Val(b.member), idv{sizeof id, &id};
-  Check(Del(w.Get(), dir, &ak, nullptr));
-  Check(Put(w.Get(), dir, &bk, &idv, 0));
+  Db dir = env->Dbi(w.Get(), "sfdir", false);
+  if (!w.Get()->Del(dir, BytesOf(a.member))) Throw(CT_EIO);
+  w.Get()->Put(dir, BytesOf(b.member), Bytes{sizeof id, &id});
   w.Commit(true);
 }
 

@@ -1,4 +1,4 @@
-// Superfile: data and index files held as members of one LMDB environment (the host), named
+// Superfile: data and index files held as members of one Env (the host), named
 // host "!" member, and the path helpers that treat a member like a file of its own.
 #pragma once
 
@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "Lmdb.h"
+#include "Env.h"
+#include "FileLock.h"
 
 namespace cte {
 
@@ -25,7 +26,7 @@ std::shared_ptr<Env> OpenHost(const std::string& host, bool create);
 // True when path is an existing superfile host.
 bool IsHost(const std::string& path);
 // Adds member to the host's directory inside txn and returns its id (DCRAT_ERR when it exists).
-uint32_t CreateMember(Env& env, MDB_txn* txn, const std::string& member);
+uint32_t CreateMember(Env& env, Txn* txn, const std::string& member);
 // The id of member, 0 when the host has none of that name.
 uint32_t FindMember(Env& env, const std::string& member);
 // The prefix of the database names of member id.

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "Lmdb.h"
+#include "Env.h"
 #include "ctisam.h"
 
 namespace cte {
@@ -28,45 +28,30 @@ uint32_t GetU32(const char* p) {
 
 }  // namespace
 
-void UndoLog::Add(Kind kind, const std::string& db, unsigned flags, const MDB_val& key,
-                  const MDB_val& value) {
-  const size_t body = kHead + db.size() + key.mv_size + value.mv_size;
+void UndoLog::Add(Kind kind, const std::string& db, unsigned flags, Bytes key, Bytes value) {
+  const size_t body = kHead + db.size() + key.size + value.size;
   bytes_.push_back(static_cast<char>(kind));
   PutU32(bytes_, flags);
   PutU32(bytes_, static_cast<uint32_t>(db.size()));
-  PutU32(bytes_, static_cast<uint32_t>(key.mv_size));
-  PutU32(bytes_, static_cast<uint32_t>(value.mv_size));
+  PutU32(bytes_, static_cast<uint32_t>(key.size));
+  PutU32(bytes_, static_cast<uint32_t>(value.size));
   bytes_ += db;
-  bytes_.append(static_cast<const char*>(key.mv_data), key.mv_size);
-  bytes_.append(static_cast<const char*>(value.mv_data), value.mv_size);
+  bytes_.append(static_cast<const char*>(key.data), key.size);
+  bytes_.append(static_cast<const char*>(value.data), value.size);
   PutU32(bytes_, static_cast<uint32_t>(body));
 }
 
-void UndoLog::ApplyEntry(Env& env, MDB_txn* txn, const char* body, size_t len) {
+void UndoLog::ApplyEntry(Env& env, Txn* txn, const char* body, size_t len) {
   if (len < kHead) Throw(CT_EDAMAGED);
   const auto kind = static_cast<Kind>(body[0]);
   const unsigned flags = GetU32(body + 1);
   const size_t dbLen = GetU32(body + 5), keyLen = GetU32(body + 9), valLen = GetU32(body + 13);
   if (kHead + dbLen + keyLen + valLen != len || kind > kDropped) Throw(CT_EDAMAGED);
   const std::string db(body + kHead, dbLen);
-  MDB_val k{keyLen, const_cast<char*>(body + kHead + dbLen)};
-  MDB_val v{valLen, const_cast<char*>(body + kHead + dbLen + keyLen)};
-  // Only the flags that describe a database's keys and values are given when creating it.
-  constexpr unsigned kKept = MDB_REVERSEKEY | MDB_DUPSORT | MDB_INTEGERKEY | MDB_DUPFIXED |
-                             MDB_INTEGERDUP | MDB_REVERSEDUP;
-  if (kind == kCreated) {
-    MDB_dbi dbi = 0;
-    env.Forget(db);
-    if (mdb_dbi_open(txn, db.c_str(), 0, &dbi) == 0) Check(mdb_drop(txn, dbi, 1));
-    return;
-  }
-  MDB_dbi dbi = env.Dbi(txn, db, true, flags & kKept);
-  if (kind == kDropped) return;
-  int rc = kind == kExisted ? mdb_put(txn, dbi, &k, &v, 0) : mdb_del(txn, dbi, &k, nullptr);
-  if (rc != 0 && rc != MDB_NOTFOUND) ThrowLmdb(rc);
+  env.Restore(txn, kind, db, flags, Bytes{keyLen, body + kHead + dbLen}, Bytes{valLen, body + kHead + dbLen + keyLen});
 }
 
-void UndoLog::ApplyBackwards(Env& env, MDB_txn* txn, const char* data, size_t n) {
+void UndoLog::ApplyBackwards(Env& env, Txn* txn, const char* data, size_t n) {
   while (n > 0) {
     if (n < sizeof(uint32_t)) Throw(CT_EDAMAGED);
     const size_t len = GetU32(data + n - sizeof(uint32_t));
@@ -76,7 +61,7 @@ void UndoLog::ApplyBackwards(Env& env, MDB_txn* txn, const char* data, size_t n)
   }
 }
 
-void UndoLog::ApplyBackwards(Env& env, MDB_txn* txn, int fd, uint64_t n) {
+void UndoLog::ApplyBackwards(Env& env, Txn* txn, int fd, uint64_t n) {
   // The window holds the file's bytes [start, start + win.size()); entries are taken from its
   // end, and it is refilled backwards when the next entry does not lie in it whole.
   std::string win;

@@ -2,16 +2,17 @@
 // the changes, so that they can be undone by applying the entries backwards.
 #pragma once
 
-#include <lmdb.h>
-
 #include <cstdint>
 #include <string>
+
+#include "Bytes.h"
 
 namespace cte {
 
 class Env;
+class Txn;
 
-// Entries are bytes: kind u8, database flags u32, then the lengths (u32) of the database name,
+// Entries are bytes: kind u8, database flags u32 (Db.h), then the lengths (u32) of the database name,
 // key and value, the three byte strings, and last the entry's length without that last u32 (so
 // that the log can be walked backwards). Native byte order: a log is read only on the machine
 // that wrote it.
@@ -23,21 +24,20 @@ class UndoLog {
     kCreated = 2,  // the database was created: undo drops it
     kDropped = 3,  // the database was deleted: undo creates it again with its flags
   };
-  void Add(Kind kind, const std::string& db, unsigned flags, const MDB_val& key,
-           const MDB_val& value);
+  void Add(Kind kind, const std::string& db, unsigned flags, Bytes key, Bytes value);
   const char* Data() const { return bytes_.data(); }
   size_t Size() const { return bytes_.size(); }
   void Truncate(size_t n) { bytes_.resize(n); }
   void Clear() { bytes_.clear(); }
 
   // Applies the entries in [data, data + n) backwards inside txn, a write transaction of env
-  // (mdb calls directly, not logged again). Throws Fail on an LMDB error or a malformed entry.
-  static void ApplyBackwards(Env& env, MDB_txn* txn, const char* data, size_t n);
+  // (Env::Restore: not remembered again). Throws Fail on a storage failure or a malformed entry.
+  static void ApplyBackwards(Env& env, Txn* txn, const char* data, size_t n);
   // The same for the entries held in the first n bytes of file fd, read a window at a time.
-  static void ApplyBackwards(Env& env, MDB_txn* txn, int fd, uint64_t n);
+  static void ApplyBackwards(Env& env, Txn* txn, int fd, uint64_t n);
 
  private:
-  static void ApplyEntry(Env& env, MDB_txn* txn, const char* body, size_t len);
+  static void ApplyEntry(Env& env, Txn* txn, const char* body, size_t len);
   std::string bytes_;
 };
 

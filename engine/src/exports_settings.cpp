@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "IoCounters.h"
 #include "ParameterFile.h"
 #include "Shim.h"
 

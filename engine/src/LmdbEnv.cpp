@@ -1,8 +1,7 @@
-// Lmdb: environment registry, snapshot renewal, map growth and file-level locking.
-#include "Lmdb.h"
+// LmdbEnv: environment registry, snapshot renewal, map growth, held transactions and their
+// call-scope undo.
+#include "LmdbEnv.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,9 +9,12 @@
 #include <cstring>
 #include <filesystem>
 
+#include "IoCounters.h"
+#include "LmdbCheck.h"
 #include "LmdbPages.h"
 #include "LockTable.h"
 #include "SetJournal.h"
+#include "StorageFiles.h"
 #include "ctisam.h"
 
 namespace cte {
@@ -39,8 +41,8 @@ struct FileId {
 
 int writerTimeoutMs = 5000;
 
-std::map<FileId, std::weak_ptr<Env>>& Registry() {
-  static std::map<FileId, std::weak_ptr<Env>> registry;
+std::map<FileId, std::weak_ptr<LmdbEnv>>& Registry() {
+  static std::map<FileId, std::weak_ptr<LmdbEnv>> registry;
   return registry;
 }
 
@@ -66,11 +68,6 @@ std::string FolderOf(const std::string& path) {
 }
 
 }  // namespace
-
-IoCounters& Io() {
-  static IoCounters counters;
-  return counters;
-}
 
 void ThrowLmdb(int rc) {
   switch (rc) {
@@ -118,10 +115,7 @@ std::shared_ptr<Env> Env::Acquire(const std::string& path, bool create) {
                                            : ::access(FolderOf(path).c_str(), W_OK) != 0);
   MDB_env* raw = nullptr;
   Check(mdb_env_create(&raw));
-  std::shared_ptr<Env> env(new Env(raw));
-  env->path_ = path;
-  env->readOnly_ = readOnly;
-  mdb_env_set_userctx(raw, env.get());
+  std::shared_ptr<LmdbEnv> env(new LmdbEnv(raw, path, readOnly));
   mdb_env_set_maxdbs(raw, kMaxDbs);
   size_t map = kInitialMap;
   while (map < static_cast<size_t>(st.st_size) * 2) map *= 2;
@@ -152,24 +146,33 @@ std::shared_ptr<Env> Env::Acquire(const std::string& path, bool create) {
   return env;
 }
 
-Env::Env(MDB_env* env) : env_(env) {}
+void Env::SetWriterTimeout(int ms) { writerTimeoutMs = ms; }
 
-Env::~Env() {
+LmdbEnv::LmdbEnv(MDB_env* env, const std::string& path, bool readOnly) : Env(path, readOnly), env_(env) {}
+
+LmdbEnv::~LmdbEnv() {
   while (!held_.empty()) AbortTop();
   DropSnapshot();
   locks_.reset();
+  spare_.clear();
   mdb_env_close(env_);
 }
 
-LockTable& Env::Locks() {
-  if (!locks_) locks_ = std::make_unique<LockTable>(path_ + "-rlock");
+LockTable& LmdbEnv::Locks() {
+  if (!locks_) locks_ = std::make_unique<LockTable>(Path() + "-rlock");
   return *locks_;
 }
 
-void Env::SetWriterTimeout(int ms) { writerTimeoutMs = ms; }
+// Ends the read snapshot's use of the map; its LMDB transaction is kept for renewal.
+void LmdbEnv::ResetRead() {
+  if (rtxnLive_) {
+    mdb_txn_reset(read_.raw);
+    rtxnLive_ = false;
+  }
+}
 
 // The map cannot grow while a held transaction is open, so it gets its room before the first.
-void Env::Reserve(size_t room) {
+void LmdbEnv::Reserve(size_t room) {
   MDB_envinfo info{};
   MDB_stat st{};
   mdb_env_info(env_, &info);
@@ -178,38 +181,41 @@ void Env::Reserve(size_t room) {
   if (info.me_mapsize >= used + room) return;
   size_t map = info.me_mapsize;
   while (map < used + room) map *= 2;
-  if (rtxnLive_) {
-    mdb_txn_reset(rtxn_);
-    rtxnLive_ = false;
-  }
+  ResetRead();
   Check(mdb_env_set_mapsize(env_, map));
 }
 
-void Env::Hold() {
-  MDB_txn* parent = held_.empty() ? nullptr : held_.back();
+void LmdbEnv::Hold() {
   MDB_txn* txn = nullptr;
-  if (parent) {
-    Check(mdb_txn_begin(env_, parent, 0, &txn));
+  if (!held_.empty()) {
+    Check(mdb_txn_begin(env_, held_.back()->raw, 0, &txn));
   } else {
     Reserve(kHeldRoom);
     // While the transaction is held it is this process's view of the file, so the read
     // snapshot is let go: kept, it would stop LMDB from reusing the pages that commits since it
     // began have freed, and the file would grow by a copy of every page the transaction touches.
-    if (rtxnLive_) {
-      mdb_txn_reset(rtxn_);
-      rtxnLive_ = false;
-    }
-    txn = BeginWrite();
+    ResetRead();
+    txn = static_cast<LmdbTxn*>(BeginWrite())->raw;
+    write_.raw = nullptr;
     writing_ = false;
-    if (heldBases > 0) journal_ = std::make_unique<SetJournal>(path_);
+    if (heldBases > 0) journal_ = std::make_unique<SetJournal>(Path());
     ++heldBases;
   }
-  held_.push_back(txn);
+  try {
+    held_.push_back(std::make_unique<LmdbTxn>(*this, txn));
+  } catch (...) {
+    mdb_txn_abort(txn);
+    if (held_.empty()) {
+      EndBase();
+      Locks().Region().UnlockWriter();
+    }
+    throw;
+  }
   ++epoch_;
   ++gen_;
 }
 
-void Env::EndBase() {
+void LmdbEnv::EndBase() {
   --heldBases;
   heldWrites_ = 0;
   journal_.reset();
@@ -218,13 +224,13 @@ void Env::EndBase() {
   broken_ = 0;
 }
 
-void Env::CommitTop(bool durable) {
+void LmdbEnv::CommitTop(bool durable) {
   if (broken_) {
     int rc = broken_;
     AbortTop();
     ThrowLmdb(rc);
   }
-  MDB_txn* txn = held_.back();
+  MDB_txn* txn = held_.back()->raw;
   held_.pop_back();
   ++epoch_;
   ++gen_;
@@ -245,8 +251,8 @@ void Env::CommitTop(bool durable) {
   }
 }
 
-void Env::AbortTop() {
-  MDB_txn* txn = held_.back();
+void LmdbEnv::AbortTop() {
+  MDB_txn* txn = held_.back()->raw;
   held_.pop_back();
   ++epoch_;
   ++gen_;
@@ -258,9 +264,9 @@ void Env::AbortTop() {
   dbis_.clear();
 }
 
-std::unique_ptr<SetJournal> Env::TakeJournal() { return std::move(journal_); }
+std::unique_ptr<SetJournal> LmdbEnv::TakeJournal() { return std::move(journal_); }
 
-void Env::Note(int rc) {
+void LmdbEnv::Note(int rc) {
   ++heldWrites_;
   // A refused key or argument changes nothing; any other failure may have left pages half done.
   if (held_.empty() || rc == 0 || rc == MDB_NOTFOUND || rc == MDB_KEYEXIST) return;
@@ -268,43 +274,65 @@ void Env::Note(int rc) {
   if (!broken_) broken_ = rc;
 }
 
-void Env::Remember(MDB_txn* txn, MDB_dbi dbi, const MDB_val& key, bool lookup) {
-  auto name = names_.find(dbi);
-  if (name == names_.end()) Throw(CT_EIO);
+namespace {
+
+// The flags of dbi as undo entries keep them (Db.h). Entries written before the engine named
+// its own flags held LMDB's, whose integer-key bit is the same.
+static_assert(kIntegerKeys == MDB_INTEGERKEY);
+unsigned NeutralFlags(MDB_txn* txn, MDB_dbi dbi) {
   unsigned flags = 0;
   Check(mdb_dbi_flags(txn, dbi, &flags));
+  return flags & MDB_INTEGERKEY ? kIntegerKeys : 0;
+}
+
+}  // namespace
+
+void LmdbEnv::Remember(MDB_txn* txn, MDB_dbi dbi, const MDB_val& key, bool lookup) {
+  auto name = names_.find(dbi);
+  if (name == names_.end()) Throw(CT_EIO);
+  const unsigned flags = NeutralFlags(txn, dbi);
   MDB_val kv = key, old{};
   int rc = lookup ? mdb_get(txn, dbi, &kv, &old) : MDB_NOTFOUND;
   if (rc != 0 && rc != MDB_NOTFOUND) {
     Note(rc);
     ThrowLmdb(rc);
   }
-  call_.Add(rc == 0 ? UndoLog::kExisted : UndoLog::kAbsent, name->second, flags, key, old);
+  call_.Add(rc == 0 ? UndoLog::kExisted : UndoLog::kAbsent, name->second, flags, FromMdb(key), FromMdb(old));
 }
 
-void Env::RememberAll(MDB_txn* txn, MDB_dbi dbi, bool del) {
+void LmdbEnv::RememberAll(MDB_txn* txn, MDB_dbi dbi, bool del) {
+  auto name = names_.find(dbi);
+  if (name == names_.end()) Throw(CT_EIO);
+  const unsigned flags = NeutralFlags(txn, dbi);
   MDB_cursor* c = nullptr;
   Check(mdb_cursor_open(txn, dbi, &c));
-  auto name = names_.find(dbi);
-  unsigned flags = 0;
-  mdb_dbi_flags(txn, dbi, &flags);
-  if (name == names_.end()) {
-    mdb_cursor_close(c);
-    Throw(CT_EIO);
-  }
   MDB_val k{}, v{};
   for (int rc = mdb_cursor_get(c, &k, &v, MDB_FIRST); rc == 0; rc = mdb_cursor_get(c, &k, &v, MDB_NEXT))
-    call_.Add(UndoLog::kExisted, name->second, flags, k, v);
+    call_.Add(UndoLog::kExisted, name->second, flags, FromMdb(k), FromMdb(v));
   mdb_cursor_close(c);
-  if (del) call_.Add(UndoLog::kDropped, name->second, flags, MDB_val{}, MDB_val{});
+  if (del) call_.Add(UndoLog::kDropped, name->second, flags, Bytes{}, Bytes{});
 }
 
-void Env::MarkSet(uint64_t id) {
-  MDB_txn* txn = BeginWrite();
+void LmdbEnv::Restore(Txn* t, UndoLog::Kind kind, const std::string& db, unsigned flags, Bytes key, Bytes value) {
+  MDB_txn* txn = static_cast<LmdbTxn*>(t)->raw;
+  if (kind == UndoLog::kCreated) {
+    MDB_dbi dbi = 0;
+    Forget(db);
+    if (mdb_dbi_open(txn, db.c_str(), 0, &dbi) == 0) Check(mdb_drop(txn, dbi, 1));
+    return;
+  }
+  const MDB_dbi dbi = Dbi(t, db, true, flags & kIntegerKeys);
+  if (kind == UndoLog::kDropped) return;
+  MDB_val k = ToMdb(key), v = ToMdb(value);
+  int rc = kind == UndoLog::kExisted ? mdb_put(txn, dbi, &k, &v, 0) : mdb_del(txn, dbi, &k, nullptr);
+  if (rc != 0 && rc != MDB_NOTFOUND) ThrowLmdb(rc);
+}
+
+void LmdbEnv::MarkSet(uint64_t id) {
+  Txn* txn = BeginWrite();
   try {
-    MDB_dbi dbi = Dbi(txn, "setid", true);
-    MDB_val k{2, const_cast<char*>("id")}, v{sizeof id, &id};
-    Check(Put(txn, dbi, &k, &v, 0));
+    Db dbi = Dbi(txn, "setid", true);
+    txn->Put(dbi, Bytes{2, "id"}, Bytes{sizeof id, &id});
   } catch (...) {
     Abort(txn);
     throw;
@@ -312,8 +340,9 @@ void Env::MarkSet(uint64_t id) {
   Commit(txn, false);
 }
 
-uint64_t Env::LastSet(MDB_txn* txn) {
+uint64_t LmdbEnv::LastSet(Txn* t) {
   MDB_txn* own = nullptr;
+  MDB_txn* txn = t ? static_cast<LmdbTxn*>(t)->raw : nullptr;
   if (!txn) {
     Check(mdb_txn_begin(env_, nullptr, MDB_RDONLY, &own));
     txn = own;
@@ -327,49 +356,12 @@ uint64_t Env::LastSet(MDB_txn* txn) {
   return id;
 }
 
-namespace {
-Env* Logging(MDB_txn* txn) {
-  Env* env = static_cast<Env*>(mdb_env_get_userctx(mdb_txn_env(txn)));
-  return env && env->InCall(txn) ? env : nullptr;
-}
-}  // namespace
-
-int Put(MDB_txn* txn, MDB_dbi dbi, MDB_val* key, MDB_val* val, unsigned flags) {
-  Env* env = Logging(txn);
-  if (!env) return mdb_put(txn, dbi, key, val, flags);
-  // A put that may not overwrite finds the key absent when it succeeds: no lookup needed.
-  const bool fresh = (flags & (MDB_NOOVERWRITE | MDB_APPEND)) != 0;
-  if (!fresh) env->Remember(txn, dbi, *key, true);
-  int rc = mdb_put(txn, dbi, key, val, flags);
-  if (fresh && rc == 0) env->Remember(txn, dbi, *key, false);
-  env->Note(rc);
-  return rc;
-}
-
-int Del(MDB_txn* txn, MDB_dbi dbi, MDB_val* key, MDB_val* val) {
-  Env* env = Logging(txn);
-  if (!env) return mdb_del(txn, dbi, key, val);
-  env->Remember(txn, dbi, *key, true);
-  int rc = mdb_del(txn, dbi, key, val);
-  env->Note(rc);
-  return rc;
-}
-
-int Drop(MDB_txn* txn, MDB_dbi dbi, int del) {
-  Env* env = Logging(txn);
-  if (!env) return mdb_drop(txn, dbi, del);
-  env->RememberAll(txn, dbi, del != 0);
-  int rc = mdb_drop(txn, dbi, del);
-  env->Note(rc);
-  return rc;
-}
-
 // LMDB hands out the pages a commit freed only from the second write transaction after it on
 // (the previous meta page may still be read). A large held transaction frees a copy of every page
 // it touched, so one tiny commit right after it lets the next transaction reuse those pages
 // instead of growing the file: it rewrites the file header unchanged. Called with the writer lock
 // held; a failure only loses the reuse.
-void Env::Advance() {
+void LmdbEnv::Advance() {
   auto meta = std::find_if(dbis_.begin(), dbis_.end(), [](const auto& d) {
     return d.first.size() >= 4 && d.first.compare(d.first.size() - 4, 4, "meta") == 0;
   });
@@ -385,29 +377,28 @@ void Env::Advance() {
   mdb_txn_abort(txn);
 }
 
-void Env::DropSnapshot() {
-  if (rtxn_) mdb_txn_abort(rtxn_);
-  rtxn_ = nullptr;
+void LmdbEnv::DropSnapshot() {
+  if (read_.raw) mdb_txn_abort(read_.raw);
+  read_.raw = nullptr;
   rtxnLive_ = false;
   ++gen_;
 }
 
-MDB_txn* Env::Snapshot() {
-  if (!held_.empty()) return held_.back();
+LmdbTxn* LmdbEnv::Read() {
+  if (!held_.empty()) return held_.back().get();
   if (rtxnLive_) {
     MDB_envinfo info{};
     mdb_env_info(env_, &info);
-    if (info.me_last_txnid == mdb_txn_id(rtxn_)) return rtxn_;
-    mdb_txn_reset(rtxn_);
-    rtxnLive_ = false;
+    if (info.me_last_txnid == mdb_txn_id(read_.raw)) return &read_;
+    ResetRead();
   }
   ++gen_;
   for (int attempt = 0;; ++attempt) {
-    int rc = rtxn_ ? mdb_txn_renew(rtxn_) : mdb_txn_begin(env_, nullptr, MDB_RDONLY, &rtxn_);
+    int rc = read_.raw ? mdb_txn_renew(read_.raw) : mdb_txn_begin(env_, nullptr, MDB_RDONLY, &read_.raw);
     if (rc == 0) break;
-    if (rtxn_) {
-      mdb_txn_abort(rtxn_);
-      rtxn_ = nullptr;
+    if (read_.raw) {
+      mdb_txn_abort(read_.raw);
+      read_.raw = nullptr;
     }
     if (rc == MDB_MAP_RESIZED && attempt < 3) {
       Check(mdb_env_set_mapsize(env_, 0));
@@ -418,13 +409,12 @@ MDB_txn* Env::Snapshot() {
   rtxnLive_ = true;
   // A commit of another process brought a set journal: the set is still committing (wait for
   // it) or its writer died (undo it), so that no half of a multi-file set stays visible.
-  if (!settling_ && !writing_ && SetJournal::Pending(path_)) {
-    mdb_txn_reset(rtxn_);
-    rtxnLive_ = false;
+  if (!settling_ && !writing_ && SetJournal::Pending(Path())) {
+    ResetRead();
     settling_ = true;
     try {
       SetJournal::Settle(*this, false);
-      MDB_txn* txn = Snapshot();
+      LmdbTxn* txn = Read();
       settling_ = false;
       return txn;
     } catch (...) {
@@ -432,19 +422,22 @@ MDB_txn* Env::Snapshot() {
       throw;
     }
   }
-  return rtxn_;
+  return &read_;
 }
 
-MDB_dbi Env::Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned flags) {
+Db LmdbEnv::Dbi(Txn* t, const std::string& name, bool create, unsigned neutral) {
   if (auto it = dbis_.find(name); it != dbis_.end()) return it->second;
+  LmdbTxn* lt = static_cast<LmdbTxn*>(t);
+  MDB_txn* txn = lt->raw;
+  const unsigned flags = neutral & kIntegerKeys ? MDB_INTEGERKEY : 0;
   MDB_dbi dbi = 0;
   // A database created inside a call of a held transaction is logged, so that undoing the
   // call or the set drops it again.
-  const bool logged = create && InCall(txn);
+  const bool logged = create && InCall(lt);
   int rc = mdb_dbi_open(txn, name.c_str(), flags | (create && !logged ? MDB_CREATE : 0), &dbi);
   if (rc == MDB_NOTFOUND && logged) {
     rc = mdb_dbi_open(txn, name.c_str(), flags | MDB_CREATE, &dbi);
-    if (rc == 0) call_.Add(UndoLog::kCreated, name, flags, MDB_val{}, MDB_val{});
+    if (rc == 0) call_.Add(UndoLog::kCreated, name, neutral & kIntegerKeys, Bytes{}, Bytes{});
   }
   if (rc == MDB_NOTFOUND) Throw(CT_EDAMAGED);
   Note(rc);
@@ -452,27 +445,60 @@ MDB_dbi Env::Dbi(MDB_txn* txn, const std::string& name, bool create, unsigned fl
   dbis_[name] = dbi;
   names_[dbi] = name;
   // A read snapshot begun before the handle existed cannot use it: the next one is fresh.
-  if (rtxnLive_ && txn != rtxn_) {
-    mdb_txn_reset(rtxn_);
-    rtxnLive_ = false;
+  if (rtxnLive_ && lt != &read_) {
+    ResetRead();
     ++gen_;
   }
   return dbi;
 }
 
-MDB_txn* Env::BeginTop() {
+// The names of the named databases are the keys of the main database.
+std::vector<std::string> LmdbEnv::DbNames(Txn* t, const std::string& prefix) {
+  MDB_txn* txn = static_cast<LmdbTxn*>(t)->raw;
+  MDB_dbi main = 0;
+  Check(mdb_dbi_open(txn, nullptr, 0, &main));
+  std::vector<std::string> names;
+  MDB_cursor* c = nullptr;
+  Check(mdb_cursor_open(txn, main, &c));
+  MDB_val k{prefix.size(), const_cast<char*>(prefix.data())}, v{};
+  for (int rc = mdb_cursor_get(c, &k, &v, MDB_SET_RANGE); rc == 0; rc = mdb_cursor_get(c, &k, &v, MDB_NEXT)) {
+    std::string name(static_cast<const char*>(k.mv_data), k.mv_size);
+    if (name.compare(0, prefix.size(), prefix) != 0) break;
+    names.push_back(name);
+  }
+  mdb_cursor_close(c);
+  return names;
+}
+
+// Handles opened in a read transaction that is committed outlive it (those of an aborted one
+// would be closed again).
+void LmdbEnv::ReadOnce(const std::function<void(Txn*)>& f) {
+  LmdbTxn txn(*this);
+  Check(mdb_txn_begin(env_, nullptr, MDB_RDONLY, &txn.raw));
+  try {
+    f(&txn);
+  } catch (...) {
+    mdb_txn_abort(txn.raw);
+    throw;
+  }
+  Check(mdb_txn_commit(txn.raw));
+}
+
+LmdbTxn* LmdbEnv::BeginTop() {
+  // One write transaction at a time per file and process: LMDB would wait for itself.
+  if (write_.raw) Throw(CT_EIO);
   // LMDB's own writer wait has no time-out: the region's writer lock, taken first, has one. It
   // is dropped when the transaction ends (Commit, Abort, CommitTop, AbortTop).
   if (!Locks().Region().LockWriter(writerTimeoutMs)) Throw(DTMO_ERR);
   for (int attempt = 0;; ++attempt) {
     MDB_txn* txn = nullptr;
     int rc = mdb_txn_begin(env_, nullptr, 0, &txn);
-    if (rc == 0) return txn;
+    if (rc == 0) {
+      write_.raw = txn;
+      return &write_;
+    }
     if (rc == MDB_MAP_RESIZED && attempt < 3) {
-      if (rtxnLive_) {
-        mdb_txn_reset(rtxn_);
-        rtxnLive_ = false;
-      }
+      ResetRead();
       if (mdb_env_set_mapsize(env_, 0) == 0) continue;
     }
     Locks().Region().UnlockWriter();
@@ -480,19 +506,17 @@ MDB_txn* Env::BeginTop() {
   }
 }
 
-MDB_txn* Env::BeginUngated() { return BeginTop(); }
-
-MDB_txn* Env::BeginWrite() {
+Txn* LmdbEnv::BeginWrite() {
   if (!held_.empty()) {
     if (broken_) ThrowLmdb(broken_);
     marks_.push_back(call_.Size());
-    return held_.back();
+    return held_.back().get();
   }
   // The journal is looked for while this transaction holds the writer lock: no set can commit
   // this file meanwhile, so a journal found later belongs to a set that began after.
   for (int round = 0;; ++round) {
-    MDB_txn* txn = BeginTop();
-    if (round == 3 || !SetJournal::Pending(path_)) {
+    LmdbTxn* txn = BeginTop();
+    if (round == 3 || !SetJournal::Pending(Path())) {
       writing_ = true;
       return txn;
     }
@@ -501,7 +525,7 @@ MDB_txn* Env::BeginWrite() {
   }
 }
 
-void Env::Commit(MDB_txn* txn, bool durable) {
+void LmdbEnv::Commit(Txn* t, bool durable) {
   if (!held_.empty()) {
     ++gen_;
     marks_.pop_back();
@@ -517,8 +541,10 @@ void Env::Commit(MDB_txn* txn, bool durable) {
     call_.Clear();
     return;
   }
+  LmdbTxn* txn = static_cast<LmdbTxn*>(t);
   writing_ = false;
-  int rc = mdb_txn_commit(txn);
+  int rc = mdb_txn_commit(txn->raw);
+  txn->raw = nullptr;
   Locks().Region().UnlockWriter();
   Check(rc);
   ++Io().commits;
@@ -528,10 +554,12 @@ void Env::Commit(MDB_txn* txn, bool durable) {
   }
 }
 
-void Env::Abort(MDB_txn* txn) {
+void LmdbEnv::Abort(Txn* t) {
   if (held_.empty()) {
+    LmdbTxn* txn = static_cast<LmdbTxn*>(t);
     writing_ = false;
-    mdb_txn_abort(txn);
+    mdb_txn_abort(txn->raw);
+    txn->raw = nullptr;
     Locks().Region().UnlockWriter();
     return;
   }
@@ -539,99 +567,38 @@ void Env::Abort(MDB_txn* txn) {
   const size_t from = marks_.back();
   marks_.pop_back();
   try {
-    UndoLog::ApplyBackwards(*this, txn, call_.Data() + from, call_.Size() - from);
+    UndoLog::ApplyBackwards(*this, t, call_.Data() + from, call_.Size() - from);
   } catch (const Fail&) {
     if (!broken_) broken_ = MDB_BAD_TXN;
   }
   call_.Truncate(from);
 }
 
-void Env::Grow() {
+void LmdbEnv::Grow() {
   // The map cannot be resized while this process has a write transaction open.
   if (!held_.empty()) Throw(CT_EDISKFULL);
-  if (rtxnLive_) {
-    mdb_txn_reset(rtxn_);
-    rtxnLive_ = false;
-  }
+  ResetRead();
   MDB_envinfo info{};
   mdb_env_info(env_, &info);
   Check(mdb_env_set_mapsize(env_, info.me_mapsize * 2));
 }
 
-Cursor::~Cursor() {
-  if (c_) mdb_cursor_close(c_);
-  if (w_ && wenv_->Holding() && wenv_->Epoch() == wepoch_) mdb_cursor_close(w_);
+Cursor& LmdbEnv::Keep(Cursor*& slot, Db db, bool& fresh) {
+  if (!slot) slot = new LmdbKeptCursor();
+  auto& kept = static_cast<LmdbKeptCursor&>(*slot);
+  kept.Bind(*this, db, fresh);
+  return kept;
 }
 
-MDB_cursor* Cursor::Get(Env& env, MDB_dbi dbi, bool& fresh) {
-  MDB_txn* txn = env.Snapshot();
-  fresh = false;
-  if (env.Holding()) {
-    if (!w_ || wenv_ != &env || wepoch_ != env.Epoch()) {
-      w_ = nullptr;
-      Check(mdb_cursor_open(txn, dbi, &w_));
-      wenv_ = &env;
-      wepoch_ = env.Epoch();
-      wgen_ = 0;
-    }
-    // A write in the same transaction may have moved the cursor's page: re-seek.
-    fresh = wgen_ != env.Gen();
-    wgen_ = env.Gen();
-    return w_;
-  }
-  if (c_ && gen_ == env.Gen()) return c_;
-  if (c_) {
-    Check(mdb_cursor_renew(txn, c_));
-  } else {
-    Check(mdb_cursor_open(txn, dbi, &c_));
-  }
-  gen_ = env.Gen();
-  fresh = true;
-  return c_;
+LmdbCursor* LmdbEnv::TakeCursor() {
+  if (spare_.empty()) return new LmdbCursor(*this);
+  LmdbCursor* c = spare_.back().release();
+  spare_.pop_back();
+  return c;
 }
 
-FileLock::FileLock(const std::string& path, bool exclusive) {
-  // O_NONBLOCK: opening a named pipe in place of the file must not wait for a writer.
-  fd_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (fd_ < 0) Throw(FNOP_ERR, errno);
-  struct stat st {};
-  if (::fstat(fd_, &st) != 0 || !S_ISREG(st.st_mode)) {
-    ::close(fd_);
-    fd_ = -1;
-    Throw(CT_EDAMAGED);
-  }
-  if (::flock(fd_, (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB) != 0) {
-    int e = errno;
-    ::close(fd_);
-    fd_ = -1;
-    Throw(FNOP_ERR, e);
-  }
-}
-
-bool FileLock::TryExclusive() { return fd_ >= 0 && ::flock(fd_, LOCK_EX | LOCK_NB) == 0; }
-
-FileLock::~FileLock() {
-  if (fd_ >= 0) ::close(fd_);
-}
-
-long long FileSize(const std::string& path) {
-  struct stat st {};
-  if (::stat(path.c_str(), &st) != 0) return -1;
-  return st.st_size;
-}
-
-bool RemoveFile(const std::string& path) {
-  bool ok = ::unlink(path.c_str()) == 0;
-  ::unlink((path + "-lock").c_str());
-  ::unlink((path + "-rlock").c_str());
-  return ok;
-}
-
-void RenameFile(const std::string& from, const std::string& to) {
-  if (FileSize(to) >= 0) Throw(DCRAT_ERR);
-  if (::rename(from.c_str(), to.c_str()) != 0) Throw(DCRAT_ERR, errno);
-  ::rename((from + "-lock").c_str(), (to + "-lock").c_str());
-  ::rename((from + "-rlock").c_str(), (to + "-rlock").c_str());
+void LmdbEnv::CopyCompact(const std::string& dest) {
+  Check(mdb_env_copy2(env_, dest.c_str(), MDB_CP_COMPACT));
 }
 
 }  // namespace cte

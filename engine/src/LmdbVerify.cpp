@@ -1,5 +1,5 @@
-// PageVerify: a read-only walk of an LMDB file in a forked child.
-#include "PageVerify.h"
+// LmdbVerify: the page verify of the LMDB backend, a read-only walk of the file in a forked
+// child (StorageFiles.h, VerifyFile).
 
 #include <fcntl.h>
 #include <lmdb.h>
@@ -17,6 +17,7 @@
 
 #include "Fail.h"
 #include "LmdbPages.h"
+#include "StorageFiles.h"
 #include "ctisam.h"
 
 namespace cte {
@@ -92,7 +93,7 @@ bool Walk(const std::string& path) {
 
 }  // namespace
 
-void VerifyPages(const std::string& path) {
+void VerifyFile(const std::string& path) {
   struct stat st {};
   if (::stat(path.c_str(), &st) != 0) Throw(FNOP_ERR, errno);
   if (!S_ISREG(st.st_mode)) Throw(CT_EDAMAGED);
