@@ -153,6 +153,7 @@ TEST_F(Restructure, AddIndexBuildsKeysForRecordsPresentAndRefusesWhatItCannotBui
   EXPECT_THROW(table->AddIndex("ByNothing", "NOPE", "", true, false, {}), std::exception);
   EXPECT_THROW(table->AddIndex("UniqueCity", "CITY", "", true, false, {fw::ixUnique}), CTDbIntf::ECtreeException);
   EXPECT_EQ(table->RecordCount(), 10);  // three cities, ten people: the table is kept
+  table->AddIndex("ByCityAgain", "CITY", "", true, false, {});  // the refusal left nothing behind
   table->SetIndexName("ByName");
   table->First();
   EXPECT_EQ(table->FieldByName("NAME")->AsString(), "Aino");

@@ -444,6 +444,7 @@ Db LmdbEnv::Dbi(Txn* t, const std::string& name, bool create, unsigned neutral) 
   Check(rc);
   dbis_[name] = dbi;
   names_[dbi] = name;
+  if (writing_ && held_.empty() && lt != &read_) openedInWrite_.push_back(name);
   // A read snapshot begun before the handle existed cannot use it: the next one is fresh.
   if (rtxnLive_ && lt != &read_) {
     ResetRead();
@@ -543,6 +544,7 @@ void LmdbEnv::Commit(Txn* t, bool durable) {
   }
   LmdbTxn* txn = static_cast<LmdbTxn*>(t);
   writing_ = false;
+  openedInWrite_.clear();
   int rc = mdb_txn_commit(txn->raw);
   txn->raw = nullptr;
   Locks().Region().UnlockWriter();
@@ -558,6 +560,15 @@ void LmdbEnv::Abort(Txn* t) {
   if (held_.empty()) {
     LmdbTxn* txn = static_cast<LmdbTxn*>(t);
     writing_ = false;
+    // A handle opened in this transaction is closed with it; LMDB may give its number to the
+    // next database opened, so a cached copy would reach the wrong one.
+    for (const std::string& name : openedInWrite_) {
+      if (auto it = dbis_.find(name); it != dbis_.end()) {
+        names_.erase(it->second);
+        dbis_.erase(it);
+      }
+    }
+    openedInWrite_.clear();
     mdb_txn_abort(txn->raw);
     txn->raw = nullptr;
     Locks().Region().UnlockWriter();

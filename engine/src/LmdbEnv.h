@@ -95,6 +95,9 @@ class LmdbEnv final : public Env {
   int broken_ = 0;             // the LMDB failure that broke the held transaction
   size_t heldWrites_ = 0;      // writes done in the held transaction so far
   bool writing_ = false;       // a write transaction outside a set is open
+  // Names whose handles the open write transaction outside a set opened: LMDB closes those
+  // handles when it aborts, so the cache must forget them then.
+  std::vector<std::string> openedInWrite_;
   bool settling_ = false;      // a set journal is being settled from Snapshot
 };
 

@@ -107,9 +107,17 @@ TEST_F(EngineIndexes, UniqueClashWhileFillingLeavesTheTableAsItWas) {
   unique.ix[0].ridxnam = (pTEXT) "city_unique";
   EXPECT_EQ(api.TMPIIDXX(&unique.ifil, 0, nullptr, nullptr), KDUP_ERR);
   EXPECT_FALSE(std::filesystem::exists("cities.idx"));
+  // The next index added takes the key database the refused one had begun: it must be made anew,
+  // not reached through the handle the refusal left behind.
+  IFIL add = ByName(dat);
+  ASSERT_EQ(api.TMPIIDXX(&add, 0, nullptr, nullptr), 0);
+  EXPECT_EQ(api.IDXENT(add.tfilno), 6);
+  ASSERT_EQ(Add(dat, 7, "aaa", "Rome"), 0);
+  EXPECT_EQ(api.IDXENT(add.tfilno), 7);
+  EXPECT_EQ(api.IDXENT(dat + 1), 7);
   ASSERT_EQ(api.CLRFIL(dat), 0);
   ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
-  EXPECT_EQ(api.GETFIL(3, FILTYP), -1);  // no third index
+  EXPECT_EQ(api.GETFIL(3, FILTYP), -1);  // the added index was temporary: no third index
 }
 
 TEST_F(EngineIndexes, RebuildRepairsADamagedIndexFileAndLostKeys) {
