@@ -118,7 +118,16 @@ class TableLayerCursor : public TableCursor {
       const int16_t keyNo = cursor->Indexes[static_cast<size_t>(ordinal)].IndexId;
       info.IndexKeys.push_back(CTDbIntf::NbrOfKeyEntries(alignment, keyNo));
     }
-    if (FTable->Cursor()) info.Files.push_back(FTable->Cursor()->TableName);
+    if (cursor != nullptr) {
+      info.Files.push_back(std::filesystem::path(cursor->TableName).lexically_normal().string());
+      // Each index file once, as the engine opened it (several indexes may share one).
+      for (const Ctdb::CTIdxDesc& index : cursor->Indexes) {
+        char name[1024] = {};
+        if (CTDbIntf::GetSymbolicNames(alignment, index.IndexId, name, sizeof name, 0) != 0) continue;
+        const std::string file = std::filesystem::path(name).lexically_normal().string();
+        if (std::find(info.Files.begin(), info.Files.end(), file) == info.Files.end()) info.Files.push_back(file);
+      }
+    }
     return info;
   }
 
@@ -349,10 +358,11 @@ class TableLayerBackend : public TableBackend {
       const std::string& ext = FSetup.Connection().DataExt();
       const std::string file = (ref.Directory.empty() ? std::string() : ref.Directory + "/") +
                                (ref.SuperFile.empty() ? ref.Name + (ext.empty() ? "" : "." + ext) : ref.SuperFile);
-      const bool there = fw::FileExists(file);
-      throw CTDbIntf::ECtreeException("table " + ref.Display() + (there ? " (file " + file + ")" : ": no file " + file) +
-                                          ": " + e.Message(),
-                                      e.ErrorCode);
+      if (!fw::FileExists(file))
+        throw CTDbIntf::ECtreeException("table " + ref.Display() + " does not exist (no file " + file +
+                                            "; ctt create makes one)",
+                                        e.ErrorCode);
+      throw CTDbIntf::ECtreeException("table " + ref.Display() + " (file " + file + "): " + e.Message(), e.ErrorCode);
     }
     return std::make_unique<TableLayerCursor>(std::move(table));
   }

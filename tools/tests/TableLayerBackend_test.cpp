@@ -137,7 +137,7 @@ TEST_F(TableLayerTest, ImportAddsRowsAndReportsDuplicateKeys) {
 
 TEST_F(TableLayerTest, MissingTablesIndexesAndBadRanges) {
   EXPECT_EQ(Run({"info", "nosuch"}), kExitNotFound);
-  EXPECT_NE(err.str().find("no file " + (dir / "nosuch").string() + ": "), std::string::npos) << err.str();
+  EXPECT_NE(err.str().find("does not exist (no file " + (dir / "nosuch").string() + ";"), std::string::npos) << err.str();
   EXPECT_NE(err.str().find("(error 12)"), std::string::npos) << err.str();
   EXPECT_EQ(Run({"drop", "nosuch"}), kExitNotFound);
   EXPECT_EQ(Run({"list", "people", "--index", "ByZip"}), kExitNotFound);
@@ -313,6 +313,8 @@ TEST_F(TableLayerTest, ListExportAndInfoKeepRecordsWhoseKeyIsBlank) {
   EXPECT_EQ(out.str(), "id\n--\n 2\n 3\n 1\n(3 records)\n");
   ASSERT_EQ(Run({"info", "t"}), kExitOk) << err.str();
   EXPECT_NE(out.str().find("records  3\n"), std::string::npos) << out.str();
+  const std::string files = "files    " + (dir / "t").string() + "\n         " + (dir / "t.idx").string() + "\n";
+  EXPECT_NE(out.str().find(files), std::string::npos) << out.str();
 }
 
 TEST_F(TableLayerTest, AnIndexThatLeavesBlankKeysOutIsNamedInsteadOfLosingRecords) {
