@@ -92,6 +92,9 @@ ExitCode RunCheck(TableBackend& backend, const TableRef& table, Console& console
 }
 
 ExitCode RunRebuild(TableBackend& backend, const TableRef& table, bool compact, Console& console) {
+  if (compact && !table.SuperFile.empty())
+    throw UsageError("--compact needs a table with files of its own: " + table.Display() +
+                     " is a member of a superfile, whose file its other members share");
   // The data file's size in MB, or a negative number when it is not a file of its own.
   const auto megabytes = [](const TableInfo& info) {
     std::error_code error;

@@ -484,6 +484,8 @@ TEST_F(TableLayerTest, RebuildCompactGivesTheFreeSpaceBack) {
   ASSERT_EQ(Run({"check", "t"}), kExitOk) << err.str();
   ASSERT_EQ(Run({"export", "t", "--index", "byname", "--to", "name1", "-c", "id"}), kExitOk) << err.str();
   EXPECT_EQ(out.str(), "id\r\n1088\r\n");  // 1088 * 7919 % 3001 == 1
+  // A member shares its host's file with the other members: refused before anything is done.
+  EXPECT_EQ(Run({"--superfile", "shop.sup", "rebuild", "--compact", "items"}), kExitUsage);
 }
 
 }  // namespace
