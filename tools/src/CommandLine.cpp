@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "CsvReader.h"
+#include "Nearest.h"
 #include "StringUtils.h"
 #include "ToolError.h"
 
@@ -41,30 +42,6 @@ struct Parsed {
   std::size_t MaxWidth = 40;
   bool Progress = false, NoProgress = false;
 };
-
-// The name closest to a mistyped one (at most two edits away), for "did you mean".
-std::string Nearest(const std::string& typed, const std::vector<std::string>& names) {
-  std::string best;
-  std::size_t bestDistance = 3;
-  for (const std::string& name : names) {
-    std::vector<std::size_t> row(name.size() + 1);
-    for (std::size_t j = 0; j <= name.size(); ++j) row[j] = j;
-    for (std::size_t i = 1; i <= typed.size(); ++i) {
-      std::size_t diagonal = row[0];
-      row[0] = i;
-      for (std::size_t j = 1; j <= name.size(); ++j) {
-        const std::size_t above = row[j];
-        row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (typed[i - 1] == name[j - 1] ? 0 : 1)});
-        diagonal = above;
-      }
-    }
-    if (row[name.size()] < bestDistance) {
-      bestDistance = row[name.size()];
-      best = name;
-    }
-  }
-  return best;
-}
 
 // Counts are whole numbers of zero or more (CLI11 would take "-1" as the largest number).
 const CLI::Validator kCount(

@@ -4,7 +4,9 @@
 #include <array>
 #include <charconv>
 #include <utility>
+#include <vector>
 
+#include "Nearest.h"
 #include "StringUtils.h"
 #include "TextSplit.h"
 #include "ToolError.h"
@@ -79,8 +81,13 @@ FieldDefinition ParseFieldDefinition(std::string_view text) {
   if (!IsIdentifier(entry.Name))
     throw UsageError(where + "the name must start with a letter or '_' and hold only letters, digits and '_'");
   const TypeEntry* type = FindType(Trim(parts[1]));
-  if (!type)
-    throw UsageError(where + "unknown type '" + std::string(Trim(parts[1])) + "' (known: " + KnownTypes() + ")");
+  if (!type) {
+    const std::string typed = fw::LowerCase(std::string(Trim(parts[1])));
+    std::vector<std::string> names;
+    for (const TypeEntry& e : kTypes) names.emplace_back(e.Name);
+    throw UsageError(where + "unknown type '" + std::string(Trim(parts[1])) + "'" + DidYouMean(typed, names) +
+                     " (known: " + KnownTypes() + ")");
+  }
   entry.DataType = type->Type;
   const bool hasSize = parts.size() == 3;
   const std::string_view sizeText = hasSize ? Trim(parts[2]) : std::string_view();

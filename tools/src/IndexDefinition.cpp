@@ -1,6 +1,9 @@
 // IndexDefinition: the index-definition syntax of the tool's `create` and `add-index` (tools layer).
 #include "IndexDefinition.h"
 
+#include <vector>
+
+#include "Nearest.h"
 #include "StringUtils.h"
 #include "TextSplit.h"
 #include "ToolError.h"
@@ -94,7 +97,11 @@ void CheckIndexFields(const IndexDefinition& index, const std::vector<FieldDefin
     const FieldDefinition* found = nullptr;
     for (const FieldDefinition& f : fields)
       if (fw::SameText(f.Name, key)) found = &f;
-    if (!found) throw UsageError("index '" + index.Name + "': '" + key + "' is not a field of the table");
+    if (!found) {
+      std::vector<std::string> names;
+      for (const FieldDefinition& f : fields) names.push_back(f.Name);
+      throw UsageError("index '" + index.Name + "': '" + key + "' is not a field of the table" + DidYouMean(key, names));
+    }
     if (found->DataType == fw::ftBlob || found->DataType == fw::ftMemo || found->DataType == fw::ftGraphic)
       throw UsageError("index '" + index.Name + "': field '" + key + "' is a " +
                        FieldTypeName(found->DataType) + " and cannot be a key");

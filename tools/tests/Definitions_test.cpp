@@ -51,7 +51,10 @@ TEST(FieldDefinition, ErrorsNameTheDefinitionAndTheProblem) {
   EXPECT_EQ(UsageMessage([] { ParseFieldDefinition("1st:integer"); }),
             "field definition '1st:integer': the name must start with a letter or '_' and hold only letters, "
             "digits and '_'");
-  EXPECT_NE(UsageMessage([] { ParseFieldDefinition("x:strng:4"); }).find("unknown type 'strng' (known: string,"),
+  EXPECT_NE(UsageMessage([] { ParseFieldDefinition("x:strng:4"); })
+                .find("unknown type 'strng' (did you mean 'string'?) (known: string,"),
+            std::string::npos);
+  EXPECT_NE(UsageMessage([] { ParseFieldDefinition("x:xyzzy"); }).find("unknown type 'xyzzy' (known: string,"),
             std::string::npos);
   EXPECT_EQ(UsageMessage([] { ParseFieldDefinition("x:string"); }),
             "field definition 'x:string': type string needs a size (1 to 65535)");
@@ -95,6 +98,8 @@ TEST(IndexDefinition, ErrorsNameTheDefinitionAndTheProblem) {
   const auto fields = ParseFieldDefinitions({"id:integer,photo:blob"});
   EXPECT_EQ(UsageMessage([&] { CheckIndexFields(ParseIndexDefinition("k:id;nope"), fields); }),
             "index 'k': 'nope' is not a field of the table");
+  EXPECT_EQ(UsageMessage([&] { CheckIndexFields(ParseIndexDefinition("k:phto"), fields); }),
+            "index 'k': 'phto' is not a field of the table (did you mean 'photo'?)");
   EXPECT_EQ(UsageMessage([&] { CheckIndexFields(ParseIndexDefinition("k:photo"), fields); }),
             "index 'k': field 'photo' is a blob and cannot be a key");
   EXPECT_EQ(UsageMessage([&] { CheckIndexFields(ParseIndexDefinition("k:ID"), fields); }), "(no error)");
