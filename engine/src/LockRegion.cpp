@@ -124,6 +124,10 @@ LockRegion::~LockRegion() {
   }
   if (table_) ::munmap(table_, TableBytes(log_));
   ::munmap(hdr_, kHeaderBytes);
+  // The last process to leave empties the file: a table grown for a large lock set would keep
+  // its size on disk otherwise. Whoever attaches next is alone and initialises it again; one that
+  // tries meanwhile waits for the exclusive byte lock to go with the descriptor.
+  if (ByteLock(fd_, kAttachByte, F_WRLCK)) static_cast<void>(::ftruncate(fd_, 0));
   // Closing the descriptor drops the attach and slot byte locks.
   ::close(fd_);
 }

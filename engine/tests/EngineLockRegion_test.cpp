@@ -36,6 +36,14 @@ TEST_F(LockRegion, ThousandsOfSetLocksExcludeAnotherProcessUntilFree) {
   EXPECT_EQ(Wait(Spawn(probe)), 4);
   ASSERT_EQ(api.LKISAM(FREE), 0);
   EXPECT_EQ(Wait(Spawn(probe)), 0);
+  // The table grew for the 10,000 locks; the last program to close the file leaves it empty,
+  // and the next one to open it starts afresh.
+  EXPECT_GT(std::filesystem::file_size("customers.dat-rlock"), 256u << 10);
+  ASSERT_EQ(api.CLRFIL(dat), 0);
+  EXPECT_EQ(std::filesystem::file_size("customers.dat-rlock"), 0u);
+  ASSERT_EQ(api.OPNRFIL(0, (pTEXT) "customers.dat", SHARED), 0);
+  EXPECT_EQ(api.LOKREC(0, ENABLE, PosOf(1)), 0);
+  EXPECT_EQ(Wait(Spawn(probe)), 1);
 }
 
 // A record lock freed inside a transaction stays until the transaction ends: released at once,
