@@ -7,6 +7,8 @@ function(ct_add_layer_tests layer target)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS" ${ARGN})
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE ${ARG_LIBS} GTest::gtest GTest::gtest_main GTest::gmock Threads::Threads)
+  # The helpers several layers' tests share.
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/testsupport)
   if(ARG_LABELS)
     gtest_add_tests(TARGET ${target} SOURCES ${ARG_SOURCES} WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}
                     TEST_LIST cases)

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "ChildExit.h"
 #include "TableFixture.h"
 
 namespace Ctdb::testing {
@@ -264,9 +265,7 @@ int InChild(const std::string& dir, Body body) {
     }
     _exit(status);
   }
-  int status = 0;
-  waitpid(pid, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 100 + WTERMSIG(status);
+  return ct::testsupport::WaitChild(pid);
 }
 
 // In the child: stands on the fifth record in physical order (id 7) and tries to lock it;

@@ -1,9 +1,9 @@
 // ChildProcess: runs part of a test in a forked child on an engine instance of its own.
 #pragma once
 
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include "ChildExit.h"
 #include "EngineApi.h"
 
 // Runs body(api) in a child process that loads libctreebm.so (byte-packed like the parent's
@@ -21,8 +21,4 @@ pid_t Spawn(F&& body) {
 }
 
 // The exit status of child pid, or 100 + the signal that ended it.
-inline int Wait(pid_t pid) {
-  int status = 0;
-  waitpid(pid, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 100 + WTERMSIG(status);
-}
+inline int Wait(pid_t pid) { return ct::testsupport::WaitChild(pid); }

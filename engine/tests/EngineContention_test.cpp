@@ -100,21 +100,6 @@ pid_t StartIncrementer(Hold hold, int index, int count, int fd) {
   });
 }
 
-// Waits for a child at most `limit`; kills it and returns -1 when it has not ended by then.
-int WaitWithin(pid_t pid, std::chrono::seconds limit) {
-  const auto end = std::chrono::steady_clock::now() + limit;
-  int status = 0;
-  while (waitpid(pid, &status, WNOHANG) == 0) {
-    if (std::chrono::steady_clock::now() > end) {
-      kill(pid, SIGKILL);
-      waitpid(pid, &status, 0);
-      return -1;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 100 + WTERMSIG(status);
-}
-
 // Waits of the children end after 200 ms, so that a time-out is met often.
 class EngineContention : public EngineTest {
  protected:
@@ -155,7 +140,7 @@ TEST_F(EngineContention, ProcessesIncrementingSharedCountersLoseNoIncrementAndNe
       close(fds[1]);
       int hangs = 0, failures = 0;
       for (pid_t pid : children) {
-        const int status = WaitWithin(pid, std::chrono::seconds(120));
+        const int status = ct::testsupport::WaitChildWithin(pid, std::chrono::seconds(120));
         hangs += status == -1;
         failures += status != 0 && status != -1;
       }
@@ -223,8 +208,8 @@ TEST_P(OppositeOrder, TwoHoldersTakingTwoRecordsInOppositeOrderBothEnd) {
   };
   const pid_t one = taker(1), two = taker(2);
   close(fds[1]);
-  const int first = WaitWithin(one, std::chrono::seconds(30));
-  const int second = WaitWithin(two, std::chrono::seconds(30));
+  const int first = ct::testsupport::WaitChildWithin(one, std::chrono::seconds(30));
+  const int second = ct::testsupport::WaitChildWithin(two, std::chrono::seconds(30));
   EXPECT_TRUE(first == 0 || first == DTMO_ERR) << first;
   EXPECT_TRUE(second == 0 || second == DTMO_ERR) << second;
   EXPECT_TRUE(first == DTMO_ERR || second == DTMO_ERR) << "neither waited for the other";

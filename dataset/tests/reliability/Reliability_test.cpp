@@ -17,6 +17,7 @@
 #include <set>
 #include <thread>
 
+#include "ChildExit.h"
 #include "CtFiles.h"
 #include "TField.h"
 #include "TableTestSupport.h"
@@ -39,28 +40,6 @@ pid_t StartWorker(const std::vector<std::string>& args) {
   pid_t pid = 0;
   if (posix_spawn(&pid, RELIABILITY_WORKER, nullptr, nullptr, argv.data(), environ) != 0) return -1;
   return pid;
-}
-
-// The worker's exit status; 100 + the signal that ended it.
-int Finish(pid_t pid) {
-  int status = 0;
-  waitpid(pid, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 100 + WTERMSIG(status);
-}
-
-// Waits for a worker at most `limit`; kills it and returns -1 when it did not end in time.
-int FinishWithin(pid_t pid, std::chrono::seconds limit) {
-  const auto end = std::chrono::steady_clock::now() + limit;
-  int status = 0;
-  while (waitpid(pid, &status, WNOHANG) == 0) {
-    if (std::chrono::steady_clock::now() > end) {
-      kill(pid, SIGKILL);
-      waitpid(pid, &status, 0);
-      return -1;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 100 + WTERMSIG(status);
 }
 
 class Reliability : public TableTest {
@@ -139,10 +118,10 @@ TEST_F(Reliability, KilledWritersLoseNoCommittedTransactionAndLeaveNoHalfOfOne) 
     ASSERT_GT(reader, 0);
     std::this_thread::sleep_for(std::chrono::milliseconds(std::uniform_int_distribution<int>(20, 120)(random)));
     kill(writer, SIGKILL);
-    const int writerStatus = Finish(writer);
+    const int writerStatus = ct::testsupport::WaitChild(writer);
     EXPECT_EQ(writerStatus, 100 + SIGKILL) << "cycle " << cycle << " (" << kind.how << "): the writer stopped by itself";
     kill(reader, SIGKILL);
-    const int readerStatus = Finish(reader);
+    const int readerStatus = ct::testsupport::WaitChild(reader);
     if (readerStatus != 100 + SIGKILL) ++readerFailures;
 
     std::set<int32_t> promised;
@@ -203,7 +182,7 @@ TEST_F(Reliability, ProgramsIncrementingSharedCountersLoseNoIncrement) {
       for (int p = 0; p < programs; ++p)
         workers.push_back(StartWorker({"increment", Dir.string(), std::to_string(each), std::to_string(kCounters),
                                        std::to_string(transaction)}));
-      for (pid_t pid : workers) EXPECT_EQ(FinishWithin(pid, std::chrono::seconds(240)), 0) << programs << " programs";
+      for (pid_t pid : workers) EXPECT_EQ(ct::testsupport::WaitChildWithin(pid, std::chrono::seconds(240)), 0) << programs << " programs";
       expected += static_cast<int64_t>(programs) * each;
       int64_t sum = 0;
       left->Refresh();
@@ -227,8 +206,8 @@ TEST_F(Reliability, TransactionsTakingTablesInOppositeOrderDoNotDeadlock) {
   }
   const pid_t one = StartWorker({"opposite", Dir.string(), "left"});
   const pid_t two = StartWorker({"opposite", Dir.string(), "right"});
-  const int first = FinishWithin(one, std::chrono::seconds(30));
-  const int second = FinishWithin(two, std::chrono::seconds(30));
+  const int first = ct::testsupport::WaitChildWithin(one, std::chrono::seconds(30));
+  const int second = ct::testsupport::WaitChildWithin(two, std::chrono::seconds(30));
   EXPECT_TRUE(first == 0 || first == 156) << first;
   EXPECT_TRUE(second == 0 || second == 156) << second;
   EXPECT_TRUE(first == 156 || second == 156) << "neither waited for the other";

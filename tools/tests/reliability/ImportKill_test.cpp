@@ -19,6 +19,8 @@
 #include <thread>
 #include <vector>
 
+#include "ChildExit.h"
+
 extern char** environ;
 
 namespace {
@@ -42,16 +44,9 @@ pid_t StartTool(const std::filesystem::path& dir, const std::vector<std::string>
   return pid;
 }
 
-// The exit status, or 100 + the signal that ended it.
-int Finish(pid_t pid) {
-  int status = 0;
-  waitpid(pid, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 100 + WTERMSIG(status);
-}
-
 int RunTool(const std::filesystem::path& dir, const std::vector<std::string>& args) {
   const pid_t pid = StartTool(dir, args);
-  return pid > 0 ? Finish(pid) : -1;
+  return pid > 0 ? ct::testsupport::WaitChild(pid) : -1;
 }
 
 std::string Slurp(const std::filesystem::path& file) {
@@ -105,7 +100,7 @@ TEST_P(ImportKill, KilledImportsResumedWithSkipExistingHoldEveryRowOnce) {
     ++runs;
     std::this_thread::sleep_for(std::chrono::milliseconds(std::uniform_int_distribution<int>(10, 300)(random)));
     kill(pid, SIGKILL);
-    const int status = Finish(pid);
+    const int status = ct::testsupport::WaitChild(pid);
     if (status == 100 + SIGKILL) {
       ++killed;
     } else {
