@@ -27,22 +27,13 @@
 #include <vector>
 
 #include "Fail.h"
+#include "EngineCustomer.h"
 #include "StorageFiles.h"
 #include "ctisam.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-#pragma pack(push, 1)
-struct Customer {
-  int32_t id;
-  char name[30];
-  char city[20];
-  double balance;
-  int32_t date;
-};
-#pragma pack(pop)
 
 constexpr char kData[] = "customers.dat";
 constexpr char kIndex[] = "customers.idx";
@@ -60,15 +51,6 @@ std::string ReadFile(const char* path) {
 void WriteFile(const char* path, const std::string& bytes) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
   out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
-
-Customer Make(int id, const char* name, const char* city, double balance) {
-  Customer c{};
-  c.id = id;
-  std::strncpy(c.name, name, sizeof c.name);
-  std::strncpy(c.city, city, sizeof c.city);
-  c.balance = balance;
-  return c;
 }
 
 // The table every input starts from, made once in a folder of its own (removed at exit).
@@ -102,7 +84,7 @@ struct Pristine {
       std::abort();
     const char* cities[] = {"Brindlemoor", "Alderwyn", "Quenby"};
     for (int id = 1; id <= 12; ++id) {
-      Customer c = Make(id, ("n" + std::to_string(id)).c_str(), cities[id % 3], id * 0.5);
+      Customer c = MakeCustomer(id, ("n" + std::to_string(id)).c_str(), cities[id % 3], id * 0.5);
       if (ADDREC(0, &c)) std::abort();
     }
     if (CLISAM()) std::abort();
@@ -187,7 +169,7 @@ void Use() {
       RWTREC(0, rec.data());
       DELREC(0);
     }
-    Customer c = Make(99, "Wen Ostrander", "Quenby", 7.5);
+    Customer c = MakeCustomer(99, "Wen Ostrander", "Quenby", 7.5);
     std::memcpy(rec.data(), &c, sizeof c);
     ADDREC(0, rec.data());
     DATENT(0);
