@@ -5,26 +5,20 @@
 #include <functional>
 #include <iterator>
 
+#include "DamagedFiles.h"
 #include "EngineFixture.h"
 
 namespace {
 
 using Bytes = std::string;
 
-Bytes Load(const char* path) {
-  std::ifstream in(path, std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(in), {});
-}
-
-void Store(const char* path, const Bytes& bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
+using ct::testsupport::Load;
+using ct::testsupport::Store;
 
 // LMDB's layout, just enough to aim the damage: a page starts with its number (u64) and flags
 // (u16 at 10); a meta page holds the free list's and main database's records (48 bytes, the root
 // page number at 40) at 40 and 88, the last page at 136 and the transaction number at 144.
-constexpr size_t kPage = 4096;
+using ct::testsupport::kPage;
 template <typename T>
 T Get(const Bytes& b, size_t at) {
   T v;

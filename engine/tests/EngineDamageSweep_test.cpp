@@ -17,23 +17,17 @@
 #include <random>
 
 #include "ChildProcess.h"
+#include "DamagedFiles.h"
 #include "EngineFixture.h"
 
 namespace {
 
 using Bytes = std::string;
-constexpr size_t kPage = 4096;
+using ct::testsupport::kPage;
 constexpr int kRecords = 300;
 
-Bytes Load(const char* path) {
-  std::ifstream in(path, std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(in), {});
-}
-
-void Store(const char* path, const Bytes& bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
+using ct::testsupport::Load;
+using ct::testsupport::Store;
 
 Customer Expected(int id) {
   return MakeCustomer(id, ("name" + std::to_string(id)).c_str(), ("city" + std::to_string(id % 7)).c_str(), id);
