@@ -143,14 +143,20 @@ bool RemovePath(const std::string& path) {
   return true;
 }
 
-void CheckRenamePath(const std::string& from, const std::string& to) {
-  Place a = Locate(from), b = Locate(to);
+namespace {
+
+// A member moves within its host only.
+void CheckMove(const Place& a, const Place& b) {
   if ((a.IsMember() || b.IsMember()) && (a.host != b.host || !a.IsMember() || !b.IsMember())) Throw(NSUP_ERR);
 }
 
+}  // namespace
+
+void CheckRenamePath(const std::string& from, const std::string& to) { CheckMove(Locate(from), Locate(to)); }
+
 void RenamePath(const std::string& from, const std::string& to) {
-  CheckRenamePath(from, to);
   Place a = Locate(from), b = Locate(to);
+  CheckMove(a, b);
   if (!a.IsMember() && !b.IsMember()) return RenameFile(from, to);
   std::shared_ptr<Env> env = OpenHost(a.host, false);
   if (FindMember(*env, b.member)) Throw(DCRAT_ERR);
